@@ -93,9 +93,8 @@ enum QLX_Modulation {
 };
 
 enum QLX_Spectrum {
-    QLX_SPECTRUM_AUTO = 0,
-    QLX_SPECTRUM_NORMAL = 1,
-    QLX_SPECTRUM_INVERTED = 2,
+    QLX_SPECTRUM_NORMAL = 0,
+    QLX_SPECTRUM_INVERTED = 1,
 };
 
 enum QLX_FecType {
@@ -120,12 +119,12 @@ enum QLX_FecRate {
 
 enum QLX_BandWidth {
     QLX_BANDWIDTH_AUTO = 0,
-    QLX_BANDWIDTH_1_7MHZ = 1,
-    QLX_BANDWIDTH_5MHZ = 2,
-    QLX_BANDWIDTH_6MHZ = 4,
-    QLX_BANDWIDTH_7MHZ = 8,
-    QLX_BANDWIDTH_8MHZ = 16,
-    QLX_BANDWIDTH_10MHZ = 32,
+    QLX_BANDWIDTH_6MHZ = 1,
+    QLX_BANDWIDTH_7MHZ = 2,
+    QLX_BANDWIDTH_8MHZ = 4,
+    QLX_BANDWIDTH_5MHZ = 8,
+    QLX_BANDWIDTH_10MHZ = 16,
+    QLX_BANDWIDTH_1_7MHZ = 32,
 };
 
 enum QLX_GuardInterval {
@@ -150,17 +149,15 @@ enum QLX_TransmissionMode {
 };
 
 enum QLX_Hierarchy {
-    QLX_HIERARCHY_AUTO = 0,
-    QLX_HIERARCHY_NONE = 1,
-    QLX_HIERARCHY_ALPHA_1 = 2,
-    QLX_HIERARCHY_ALPHA_2 = 4,
-    QLX_HIERARCHY_ALPHA_4 = 8,
+    QLX_HIERARCHY_NONE = 0,
+    QLX_HIERARCHY_ALPHA_1 = 1,
+    QLX_HIERARCHY_ALPHA_2 = 2,
+    QLX_HIERARCHY_ALPHA_4 = 4,
 };
 
 enum QLX_Priority {
-    QLX_PRIORITY_AUTO = 0,
-    QLX_PRIORITY_HIGH = 1,
-    QLX_PRIORITY_LOW = 2,
+    QLX_PRIORITY_HIGH = 0,
+    QLX_PRIORITY_LOW = 1,
 };
 
 /** The LNB's answer to its supply: 13 V selects vertical, 18 V horizontal polarization. */
@@ -173,9 +170,8 @@ enum QLX_Polarization {
 
 /** Downlink band of the LNB: without tone the low, with 22 kHz the high one. */
 enum QLX_RfBand {
-    QLX_RF_BAND_UNCHANGED = 0,
-    QLX_RF_BAND_LOW = 1,
-    QLX_RF_BAND_HIGH = 2,
+    QLX_RF_BAND_LOW = 0,
+    QLX_RF_BAND_HIGH = 1,
 };
 
 enum QLX_LnbTypeReal {
