@@ -1,0 +1,308 @@
+// What every call and callback passes through: trace, latency, faults, events of the outside world.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include "simulator/core/board.h"
+#include "simulator/core/fault.h"
+#include "simulator/core/sim.h"
+#include "simulator/core/thread_name.h"
+#include "simulator/families.h"
+#include "simulator/sim_control.h"
+
+namespace sim {
+
+struct Trace {
+    std::mutex mutex;
+    int file = -1;
+    bool opened = false;
+    bool recording = false;
+    std::string record;
+    int controlFile = -1;
+    bool controlOpened = false;
+    std::string controlRest;
+    std::mutex randomMutex;
+    bool seeded = false;
+    std::mt19937 generator;
+};
+
+static Trace& trace() {
+    static Trace* instance = new Trace;
+    return *instance;
+}
+
+static std::string vformat(const char* text, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    int length = vsnprintf(nullptr, 0, text, arguments);
+    std::string out(length > 0 ? static_cast<size_t>(length) : 0, '\0');
+    if (length > 0)
+        vsnprintf(&out[0], out.size() + 1, text, again);
+    va_end(again);
+    return out;
+}
+
+std::string format(const char* text, ...) {
+    va_list arguments;
+    va_start(arguments, text);
+    std::string out = vformat(text, arguments);
+    va_end(arguments);
+    return out;
+}
+
+void complain(const char* text, ...) {
+    va_list arguments;
+    va_start(arguments, text);
+    std::string out = vformat(text, arguments);
+    va_end(arguments);
+    fprintf(stderr, "simulated device: %s\n", out.c_str());
+}
+
+int64_t nowUs() {
+    auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+int64_t nowMs() {
+    return nowUs() / 1000;
+}
+
+void sleepMs(int64_t milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+uint32_t random32() {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.randomMutex);
+    if (!t.seeded) {
+        t.seeded = true;
+        const char* seed = getenv("QLX_SIM_SEED");
+        t.generator.seed(seed != nullptr ? static_cast<uint32_t>(strtoul(seed, nullptr, 0)) : 1);
+    }
+    return t.generator();
+}
+
+static thread_local std::string tlsThreadName;
+
+void setThreadName(const char* name) {
+    tlsThreadName = name;
+    pthread_setname_np(pthread_self(), tlsThreadName.substr(0, 15).c_str());
+}
+
+const std::string& threadName() {
+    static std::atomic<int> count{0};
+    if (tlsThreadName.empty())
+        tlsThreadName = "T" + std::to_string(++count);
+    return tlsThreadName;
+}
+
+/** Writes one line of the trace with a single write, so that it survives the process. */
+static void traceLine(const std::string& text) {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    if (!t.opened) {
+        t.opened = true;
+        const char* path = getenv("QLX_SIM_TRACE");
+        if (path != nullptr) {
+            t.file = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+            if (t.file < 0)
+                complain("cannot write the trace file %s", path);
+        }
+    }
+    if (t.file < 0 && !t.recording)
+        return;
+    int64_t us = nowUs();
+    std::string line = format("%lld.%06lld %s ", static_cast<long long>(us / 1000000),
+                              static_cast<long long>(us % 1000000), threadName().c_str()) +
+                       text + "\n";
+    if (t.recording)
+        t.record += line;
+    if (t.file >= 0 && write(t.file, line.data(), line.size()) < 0)
+        t.file = -1;
+}
+
+static bool tracing() {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    return t.file >= 0 || t.recording || !t.opened;
+}
+
+static bool outsideEvent(const std::string& line) {
+    for (int i = 0; i < familyCount; i++) {
+        if (families[i].control != nullptr && families[i].control(line))
+            return true;
+    }
+    return false;
+}
+
+/** Acts on lines that have been appended to the control file since the last call. */
+static void readControlFile() {
+    Trace& t = trace();
+    std::string lines;
+    {
+        std::lock_guard<std::mutex> lock(t.mutex);
+        if (!t.controlOpened) {
+            t.controlOpened = true;
+            const char* path = getenv("QLX_SIM_CONTROL");
+            if (path != nullptr)
+                t.controlFile = open(path, O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
+        }
+        if (t.controlFile < 0)
+            return;
+        char buffer[1024];
+        ssize_t got;
+        while ((got = read(t.controlFile, buffer, sizeof buffer)) > 0)
+            t.controlRest.append(buffer, static_cast<size_t>(got));
+        size_t end = t.controlRest.rfind('\n');
+        if (end == std::string::npos)
+            return;
+        lines = t.controlRest.substr(0, end + 1);
+        t.controlRest.erase(0, end + 1);
+    }
+    for (size_t at = 0; at < lines.size();) {
+        size_t end = lines.find('\n', at);
+        std::string line = lines.substr(at, end - at);
+        at = end + 1;
+        if (!line.empty() && line[0] != '#' && !outsideEvent(line))
+            complain("no family knows the event '%s'", line.c_str());
+    }
+}
+
+/** Lets what comes before the call itself act: hang, death, delay. */
+static void sufferFaults(const FaultEffect& effect, const std::string& what) {
+    if (effect.kill) {
+        traceLine(what + " killed");
+        dieAtOnce();
+    }
+    if (effect.hang) {
+        traceLine(what + " hangs");
+        hangForever();
+    }
+    if (effect.delayMs > 0)
+        sleepMs(effect.delayMs);
+}
+
+Call::Call(const char* function, const char* text, ...) : function_(function) {
+    if (tracing()) {
+        va_list arguments;
+        va_start(arguments, text);
+        text_ = vformat(text, arguments);
+        va_end(arguments);
+    }
+    loadFaultFile();
+    readControlFile();
+    FaultEffect effect = faultsOn(function);
+    sufferFaults(effect, format("%s(%s)", function_, text_.c_str()));
+    int64_t latency = latencyMs(function);
+    if (latency > 0)
+        sleepMs(latency);
+    refused_ = effect.refuse;
+    refusal_ = effect.code;
+    for (const FaultEffect::Corruption& change : effect.corruptions)
+        corruptions_.push_back({change.offset, change.value});
+}
+
+Call::~Call() {
+    // An entry point that answers nothing leaves without a result.
+    if (!traced_)
+        traceLine(format("%s(%s)", function_, text_.c_str()));
+}
+
+int32_t Call::refusal() {
+    traced_ = true;
+    traceLine(format("%s(%s)=%d refused by a fault", function_, text_.c_str(), refusal_));
+    return refusal_;
+}
+
+void Call::note(const char* text, ...) {
+    va_list arguments;
+    va_start(arguments, text);
+    note_ += vformat(text, arguments);
+    va_end(arguments);
+}
+
+void Call::output(void* data, size_t size) {
+    FaultEffect effect;
+    for (const auto& change : corruptions_)
+        effect.corruptions.push_back({change.first, change.second});
+    corrupt(effect, data, size);
+}
+
+void Call::traceResult(int64_t code) {
+    traced_ = true;
+    if (tracing())
+        traceLine(format("%s(%s)=%lld%s", function_, text_.c_str(), static_cast<long long>(code),
+                         note_.c_str()));
+}
+
+void deliver(const char* name, const std::string& text, void* payload, size_t size,
+             const std::function<void()>& call) {
+    std::string what = format("callback %s(%s)", name, text.c_str());
+    FaultEffect effect = faultsOn(name);
+    sufferFaults(effect, what);
+    if (effect.drop) {
+        traceLine(what + " dropped by a fault");
+        return;
+    }
+    corrupt(effect, payload, size);
+    for (int i = 0; i <= effect.repeat; i++) {
+        traceLine(what);
+        call();
+    }
+}
+
+void resetCore() {
+    clearFaults();
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.randomMutex);
+    t.seeded = false;
+}
+
+}  // namespace sim
+
+static size_t hand(const std::string& text, char* buffer, size_t size) {
+    if (size > 0)
+        snprintf(buffer, size, "%s", text.c_str());
+    return text.size();
+}
+
+void qlx_sim_reset(void) {
+    for (int i = 0; i < sim::familyCount; i++)
+        sim::families[i].reset();
+    sim::resetCore();
+}
+
+size_t qlx_sim_state(char* buffer, size_t size) {
+    std::string text;
+    for (int i = 0; i < sim::familyCount; i++)
+        sim::families[i].describe(&text);
+    return hand(text, buffer, size);
+}
+
+void qlx_sim_record(int on) {
+    sim::Trace& t = sim::trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    if (on)
+        t.record.clear();
+    t.recording = on != 0;
+}
+
+size_t qlx_sim_recorded(char* buffer, size_t size) {
+    sim::Trace& t = sim::trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    return hand(t.record, buffer, size);
+}
+
+int qlx_sim_event(const char* line) {
+    return sim::outsideEvent(line) ? 0 : -1;
+}

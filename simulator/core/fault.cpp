@@ -1,0 +1,231 @@
+#include "simulator/core/fault.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+
+#include "simulator/core/sim.h"
+#include "simulator/sim_control.h"
+
+// The program's own word on which case runs, where it offers one.
+extern "C" __attribute__((weak)) const char* volatile zk_currentCaseName;
+
+namespace sim {
+
+struct Fault {
+    std::string name;
+    std::string caseName;
+    unsigned nth = 0;
+    bool onward = false;
+    unsigned seen = 0;
+    FaultEffect effect;
+};
+
+struct Faults {
+    std::mutex mutex;
+    std::vector<Fault> list;
+    unsigned acted = 0;
+    bool fileLoaded = false;
+};
+
+static Faults& faults() {
+    static Faults* instance = new Faults;
+    return *instance;
+}
+
+static bool parseNumber(const std::string& text, int base, int64_t* value) {
+    char* end = nullptr;
+    *value = strtoll(text.c_str(), &end, base);
+    return !text.empty() && *end == '\0';
+}
+
+static bool parseCorruption(const std::string& value, FaultEffect* effect) {
+    size_t colon = value.find(':');
+    int64_t offset = 0;
+    int64_t byte = 0;
+    if (colon == std::string::npos || !parseNumber(value.substr(0, colon), 0, &offset) ||
+        !parseNumber(value.substr(colon + 1), 16, &byte) || offset < 0 || byte < 0 || byte > 0xff)
+        return false;
+    effect->corruptions.push_back({static_cast<size_t>(offset), static_cast<uint8_t>(byte)});
+    return true;
+}
+
+/** Takes one word behind the function's name; false when it is none. */
+static bool parseWord(const std::string& word, Fault* fault) {
+    size_t equals = word.find('=');
+    std::string key = word.substr(0, equals);
+    std::string value = equals == std::string::npos ? "" : word.substr(equals + 1);
+    int64_t number = 0;
+    FaultEffect& effect = fault->effect;
+    if (key == "case") {
+        fault->caseName = value;
+        return !value.empty();
+    }
+    if (key == "call") {
+        fault->onward = !value.empty() && value.back() == '+';
+        if (fault->onward)
+            value.pop_back();
+        if (!parseNumber(value, 0, &number) || number < 1)
+            return false;
+        fault->nth = static_cast<unsigned>(number);
+        return true;
+    }
+    if (key == "corrupt")
+        return parseCorruption(value, &effect);
+    if (key == "hang" || key == "kill" || key == "drop") {
+        effect.hang = effect.hang || key == "hang";
+        effect.kill = effect.kill || key == "kill";
+        effect.drop = effect.drop || key == "drop";
+        return equals == std::string::npos;
+    }
+    if (!parseNumber(value, 0, &number))
+        return false;
+    if (key == "return") {
+        effect.refuse = true;
+        effect.code = static_cast<int32_t>(number);
+    } else if (key == "delay" && number >= 0) {
+        effect.delayMs = number;
+    } else if (key == "repeat" && number >= 0 && number <= 1000) {
+        effect.repeat = static_cast<int>(number);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool addFault(const std::string& line, std::string* error) {
+    std::istringstream words(line);
+    Fault fault;
+    words >> fault.name;
+    int actions = 0;
+    for (std::string word; words >> word;) {
+        if (!parseWord(word, &fault)) {
+            *error = "cannot read '" + word + "' in the fault '" + line + "'";
+            return false;
+        }
+        actions += word.compare(0, 5, "case=") != 0 && word.compare(0, 5, "call=") != 0;
+    }
+    if (actions == 0) {
+        *error = "no action in the fault '" + line + "'";
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(faults().mutex);
+    faults().list.push_back(fault);
+    return true;
+}
+
+void loadFaultFile() {
+    Faults& f = faults();
+    {
+        std::lock_guard<std::mutex> lock(f.mutex);
+        if (f.fileLoaded)
+            return;
+        f.fileLoaded = true;
+    }
+    const char* path = getenv("QLX_SIM_FAULTS");
+    if (path == nullptr)
+        return;
+    std::ifstream file(path);
+    if (!file)
+        complain("cannot read the fault file %s", path);
+    for (std::string line; std::getline(file, line);) {
+        std::string error;
+        bool blank = line.find_first_not_of(" \t\r") == std::string::npos;
+        if (!blank && line[0] != '#' && !addFault(line, &error))
+            complain("%s: %s", path, error.c_str());
+    }
+}
+
+void clearFaults() {
+    std::lock_guard<std::mutex> lock(faults().mutex);
+    faults().list.clear();
+    faults().acted = 0;
+}
+
+unsigned faultsActed() {
+    std::lock_guard<std::mutex> lock(faults().mutex);
+    return faults().acted;
+}
+
+static bool caseMatches(const Fault& fault) {
+    if (fault.caseName.empty())
+        return true;
+    if (&zk_currentCaseName == nullptr)
+        return false;
+    const char* name = zk_currentCaseName;
+    return name != nullptr && fault.caseName == name;
+}
+
+FaultEffect faultsOn(const char* name) {
+    FaultEffect all;
+    Faults& f = faults();
+    std::lock_guard<std::mutex> lock(f.mutex);
+    for (Fault& fault : f.list) {
+        if (fault.name != name || !caseMatches(fault))
+            continue;
+        fault.seen++;
+        bool acts =
+            fault.nth == 0 || fault.seen == fault.nth || (fault.onward && fault.seen > fault.nth);
+        if (!acts)
+            continue;
+        f.acted++;
+        const FaultEffect& one = fault.effect;
+        all.delayMs += one.delayMs;
+        if (one.refuse) {
+            all.refuse = true;
+            all.code = one.code;
+        }
+        all.hang = all.hang || one.hang;
+        all.kill = all.kill || one.kill;
+        all.drop = all.drop || one.drop;
+        all.repeat += one.repeat;
+        all.corruptions.insert(all.corruptions.end(), one.corruptions.begin(),
+                               one.corruptions.end());
+    }
+    return all;
+}
+
+void corrupt(const FaultEffect& effect, void* data, size_t size) {
+    for (const FaultEffect::Corruption& change : effect.corruptions) {
+        if (data != nullptr && change.offset < size)
+            static_cast<uint8_t*>(data)[change.offset] = change.value;
+    }
+}
+
+void hangForever() {
+    // A wait that nobody ends, instead of pause(): it counts as waiting in virtual time too.
+    static std::mutex* mutex = new std::mutex;
+    static std::condition_variable* never = new std::condition_variable;
+    std::unique_lock<std::mutex> lock(*mutex);
+    for (;;)
+        never->wait(lock);
+}
+
+void dieAtOnce() {
+    kill(getpid(), SIGKILL);
+    abort();
+}
+
+}  // namespace sim
+
+void qlx_sim_clear_faults(void) {
+    sim::clearFaults();
+}
+
+unsigned qlx_sim_faults_acted(void) {
+    return sim::faultsActed();
+}
+
+int qlx_sim_add_fault(const char* line) {
+    std::string error;
+    if (sim::addFault(line, &error))
+        return 0;
+    sim::complain("%s", error.c_str());
+    return -1;
+}

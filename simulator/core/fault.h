@@ -1,0 +1,48 @@
+/* Faults of the device: their lines, and which of them act on a call or callback. */
+#ifndef SIMULATOR_CORE_FAULT_H
+#define SIMULATOR_CORE_FAULT_H
+
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+namespace sim {
+
+/** What the faults do to one call or callback. */
+struct FaultEffect {
+    int64_t delayMs = 0;
+    bool refuse = false;
+    int32_t code = 0;
+    bool hang = false;
+    bool kill = false;
+    bool drop = false;
+    int repeat = 0;
+    struct Corruption {
+        size_t offset;
+        uint8_t value;
+    };
+    std::vector<Corruption> corruptions;
+};
+
+/** Parses a line and adds the fault; false, with the reason in `error`, for a line that is none. */
+bool addFault(const std::string& line, std::string* error);
+void clearFaults();
+unsigned faultsActed();
+
+/** Counts a call or callback of that name, and collects what the faults do to it. */
+FaultEffect faultsOn(const char* name);
+
+/** Reads the file that QLX_SIM_FAULTS names, once. */
+void loadFaultFile();
+
+/** Exchanges the bytes of `data` that lie within `size`. */
+void corrupt(const FaultEffect& effect, void* data, size_t size);
+
+/** Never returns: a call that hangs, or a process that dies. */
+[[noreturn]] void hangForever();
+[[noreturn]] void dieAtOnce();
+
+}  // namespace sim
+
+#endif

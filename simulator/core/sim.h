@@ -1,0 +1,143 @@
+/*
+ * The core of the simulated device: what every family is built on.
+ *
+ * Each entry point opens with SIM_ENTRY and leaves with SIM_RETURN, and so passes the call trace,
+ * the faults and the latency model:
+ *
+ *     int32_t QLX_GPIOSetValue(uint32_t pin, int32_t level) {
+ *         SIM_ENTRY("pin=%u level=%d", pin, level);
+ *         std::lock_guard<std::mutex> lock(state().mutex);
+ *         if (!state().initialised)
+ *             SIM_RETURN(QLX_GPIO_ERR_NOT_INIT);
+ *         ...
+ *     }
+ *
+ * Callbacks run on the device's own threads (EventThread) and go out through deliver. A family
+ * holds no lock of its own while it delivers, for programs call back into the device.
+ *
+ * State of the device lives in objects that are made on first use and never destroyed: the program
+ * ends while device threads run.
+ */
+#ifndef SIMULATOR_CORE_SIM_H
+#define SIMULATOR_CORE_SIM_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#define SIM_PRINTF(text, first) __attribute__((format(printf, text, first)))
+
+namespace sim {
+
+/** One call of the program's into the device. Made by SIM_ENTRY on the caller's thread. */
+class Call {
+ public:
+    /** Traces the arguments, waits the function's latency, and lets the faults act. */
+    Call(const char* function, const char* format, ...) SIM_PRINTF(3, 4);
+    ~Call();
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    /** Whether a fault refuses the call; the device then does nothing of it. */
+    bool refused() const {
+        return refused_;
+    }
+    int32_t refusal();
+
+    /** Adds what the call answered beside its code to the trace: " level=%d". */
+    void note(const char* format, ...) SIM_PRINTF(2, 3);
+
+    /** Lets a fault alter `size` bytes that the call is about to hand out. */
+    void output(void* data, size_t size);
+
+    template <typename T>
+    T result(T code) {
+        traceResult(static_cast<int64_t>(code));
+        return code;
+    }
+
+ private:
+    void traceResult(int64_t code);
+
+    const char* function_;
+    std::string text_;
+    std::string note_;
+    // Offsets and bytes that a fault exchanges in the call's output.
+    std::vector<std::pair<size_t, uint8_t>> corruptions_;
+    bool refused_ = false;
+    bool traced_ = false;
+    int32_t refusal_ = 0;
+};
+
+#define SIM_ENTRY(...)                        \
+    sim::Call simCall(__func__, __VA_ARGS__); \
+    if (simCall.refused())                    \
+    return simCall.refusal()
+#define SIM_RETURN(code) return simCall.result(code)
+
+/**
+ * Hands a callback to the program: traces it as "callback NAME(text)" and lets faults drop, repeat,
+ * delay or corrupt it.
+ * @param name     the callback's name for traces and faults, e.g. "TunerEvent"
+ * @param text     what the trace tells of it
+ * @param payload  the bytes that a fault may alter, null when there are none
+ * @param size     their count
+ * @param call     calls the program's function
+ * Called on a device thread, with no family lock held.
+ */
+void deliver(const char* name, const std::string& text, void* payload, size_t size,
+             const std::function<void()>& call);
+
+/**
+ * One thread of the device with a queue of jobs in time. The thread starts with the first job.
+ * Objects of this kind are never destroyed.
+ */
+class EventThread {
+ public:
+    explicit EventThread(const char* name);
+
+    /** Runs `job` on this thread `delayMs` milliseconds from now; equal times run in posting order.
+     *  `owner` is the handle under which cancel finds it. */
+    void post(const void* owner, int64_t delayMs, std::function<void()> job);
+
+    /** Drops the owner's jobs. When it returns, none runs or will run; called by a job on this very
+     *  thread, it does not wait for that job. Call it with no lock held that a job needs. */
+    void cancel(const void* owner);
+
+    /** Drops all jobs and waits for the running one. */
+    void cancelAll();
+
+    /** Whether the caller runs on this thread. */
+    bool isCurrent() const;
+
+ private:
+    struct Impl;
+    Impl* impl_;
+};
+
+/** Milliseconds and microseconds of the monotonic clock. */
+int64_t nowMs();
+int64_t nowUs();
+
+/** Lets the calling thread wait. */
+void sleepMs(int64_t milliseconds);
+
+/** printf into a string. */
+std::string format(const char* text, ...) SIM_PRINTF(1, 2);
+
+/** The next number of the device's seeded generator. Any thread may call. */
+uint32_t random32();
+
+/** A complaint about the device's own inputs (board, fault, control files), on standard error. */
+void complain(const char* text, ...) SIM_PRINTF(1, 2);
+
+/** Stops any faults, jobs and traces of the core, for a reset of the whole device. */
+void resetCore();
+
+}  // namespace sim
+
+#endif

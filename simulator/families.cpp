@@ -1,0 +1,12 @@
+#include "simulator/families.h"
+
+namespace sim {
+
+const Family families[] = {
+    // name    reset        describe        control
+    {"GPIO", gpioReset, gpioDescribe, nullptr},
+    {"I2C", i2cReset, i2cDescribe, nullptr},
+};
+const int familyCount = sizeof(families) / sizeof(families[0]);
+
+}  // namespace sim

@@ -1,0 +1,75 @@
+// GPIO: every pin number exists; what is driven is what is read.
+//
+// State rules: initialisation is a flag. Reading and driving need it; the not-initialised check
+// comes before that of the arguments.
+#include <map>
+#include <mutex>
+
+#include "platform/qlx_gpio.h"
+#include "simulator/core/sim.h"
+#include "simulator/families.h"
+
+namespace {
+
+struct GpioState {
+    std::mutex mutex;
+    bool initialised = false;
+    std::map<uint32_t, int32_t> levels;
+};
+
+GpioState& state() {
+    static GpioState* instance = new GpioState;
+    return *instance;
+}
+
+}  // namespace
+
+int32_t QLX_GPIOInit(void) {
+    SIM_ENTRY("%s", "");
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().initialised = true;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_GPIODeInit(void) {
+    SIM_ENTRY("%s", "");
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().initialised = false;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_GPIOGetValue(uint32_t pin, int32_t* level) {
+    SIM_ENTRY("pin=%u", pin);
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (!state().initialised)
+        SIM_RETURN(QLX_GPIO_ERR_NOT_INIT);
+    if (level == nullptr)
+        SIM_RETURN(QLX_GPIO_ERR_INVALID_PARA);
+    *level = state().levels[pin];
+    simCall.output(level, sizeof *level);
+    simCall.note(" level=%d", *level);
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_GPIOSetValue(uint32_t pin, int32_t level) {
+    SIM_ENTRY("pin=%u level=%d", pin, level);
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (!state().initialised)
+        SIM_RETURN(QLX_GPIO_ERR_NOT_INIT);
+    if (level != 0 && level != 1)
+        SIM_RETURN(QLX_GPIO_ERR_INVALID_PARA);
+    state().levels[pin] = level;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+void sim::gpioReset() {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().initialised = false;
+    state().levels.clear();
+}
+
+void sim::gpioDescribe(std::string* out) {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (state().initialised)
+        *out += "GPIO initialised\n";
+}

@@ -1,0 +1,62 @@
+/*
+ * How tests steer the simulated device from within the process: reset it, add faults, read its
+ * state and its trace, and play the outside world. The program under test knows nothing of it.
+ *
+ * A fault is one line:
+ *
+ *     FUNCTION [case=NAME] [call=N | call=N+] ACTION
+ *
+ * It acts on the N-th call of FUNCTION (from 1; "N+": from the N-th on; without: on each), counted
+ * over all calls or over those made while case NAME runs. FUNCTION is an entry point of the
+ * library, or the name of a callback as the trace tells it. ACTION is one of
+ *
+ *     return=CODE        the call is refused with CODE and does nothing
+ *     delay=MS           the call, or callback, comes MS milliseconds late
+ *     hang               the call never returns
+ *     kill               the process dies as by SIGKILL
+ *     corrupt=OFFSET:XX  the byte at OFFSET of the data that the call or callback hands out is
+ *                        exchanged for the hexadecimal XX
+ *     drop               the callback does not come
+ *     repeat=N           the callback comes N more times
+ *
+ * The environment gives the same to a whole process: QLX_SIM_FAULTS names a file of such lines,
+ * QLX_SIM_TRACE the file that gets the call trace, QLX_SIM_CONTROL a file whose lines, also those
+ * appended later, are events of the outside world, QLX_SIM_SEED the seed of random numbers.
+ */
+#ifndef SIMULATOR_SIM_CONTROL_H
+#define SIMULATOR_SIM_CONTROL_H
+
+#include <stddef.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Puts the device into its state after power on, and removes all faults. */
+void qlx_sim_reset(void);
+
+/** Adds a fault. Returns 0, or -1 with a message on standard error for a line that is none. */
+int qlx_sim_add_fault(const char* line);
+void qlx_sim_clear_faults(void);
+/** How many times faults have acted since they were last cleared. */
+unsigned qlx_sim_faults_acted(void);
+
+/**
+ * Tells what is initialised, open, registered or running, a line each; empty when the device rests.
+ * Writes at most size bytes, the closing NUL included; returns the length of the whole text.
+ */
+size_t qlx_sim_state(char* buffer, size_t size);
+
+/** Starts recording calls and callbacks in memory (forgetting the last record), or stops. */
+void qlx_sim_record(int on);
+/** The record so far, one line each, as qlx_sim_state answers. */
+size_t qlx_sim_recorded(char* buffer, size_t size);
+
+/** An event of the outside world, e.g. "cable 0 out". Returns 0, or -1 when no family knows it. */
+int qlx_sim_event(const char* line);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
