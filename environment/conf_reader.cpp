@@ -1,0 +1,202 @@
+// The configuration reader. A start reads tens of thousands of keys, each by a scan of its file, so
+// the scan looks at no more of a line than it must: a line is taken apart in full only when it is a
+// header, or begins with the key.
+#include "environment/conf_reader.h"
+
+#include <ctype.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#define COMMON_CONFIG_FILE "config/common_config.cfg"
+
+enum { LINE_MAX_LENGTH = 1022 };
+
+char* strtrimr(char* s) {
+    size_t length = strlen(s);
+    while (length > 0 && strchr("\n\r ", s[length - 1]) != nullptr)
+        length--;
+    s[length] = '\0';
+    return s;
+}
+
+char* strtriml(char* s) {
+    size_t blanks = 0;
+    while (isspace(static_cast<unsigned char>(s[blanks])))
+        blanks++;
+    memmove(s, s + blanks, strlen(s + blanks) + 1);
+    return s;
+}
+
+char* strtrim(char* s) {
+    return strtriml(strtrimr(s));
+}
+
+static char* removeWhiteSpace(char* s) {
+    char* to = s;
+    for (const char* from = s; *from != '\0'; from++) {
+        if (!isspace(static_cast<unsigned char>(*from)))
+            *to++ = *from;
+    }
+    *to = '\0';
+    return s;
+}
+
+char* delspace(char* s) {
+    strtrim(s);
+    char* equals = strchr(s, '=');
+    if (equals == nullptr)
+        return removeWhiteSpace(s);
+    char* value = strtrim(equals + 1);
+    *equals = '\0';
+    strtrim(s);
+    size_t keyLength = strlen(s);
+    s[keyLength] = '=';
+    memmove(s + keyLength + 1, value, strlen(value) + 1);
+    return s;
+}
+
+static void copyText(char* to, const char* from) {
+    size_t length = strnlen(from, CONF_TEXT_SIZE - 1);
+    memcpy(to, from, length);
+    to[length] = '\0';
+}
+
+int32_t get_item_from_line(char* line, ConfItem* item) {
+    delspace(line);
+    size_t length = strlen(line);
+    if (length == 0)
+        return CONF_LINE_EMPTY;
+    if (line[0] == '#')
+        return CONF_LINE_COMMENT;
+    if (line[0] == '[' && line[length - 1] == ']') {
+        char* end = strchr(line, ']');
+        *end = '\0';
+        // An empty pair of brackets names no section: the last one goes on.
+        if (line[1] != '\0')
+            copyText(item->section, line + 1);
+        item->key[0] = '\0';
+        item->value[0] = '\0';
+        return CONF_LINE_ITEM;
+    }
+    char* equals = strchr(line, '=');
+    if (equals == nullptr)
+        return CONF_LINE_EMPTY;
+    *equals = '\0';
+    copyText(item->key, line);
+    copyText(item->value, equals + 1);
+    return CONF_LINE_ITEM;
+}
+
+/** Reads a whole file into memory of malloc; null when it cannot be read. */
+static char* readFile(const char* path, size_t* size) {
+    int fd = open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return nullptr;
+    struct stat status;
+    char* text = nullptr;
+    if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode))
+        text = static_cast<char*>(malloc(static_cast<size_t>(status.st_size) + 1));
+    *size = 0;
+    while (text != nullptr && *size < static_cast<size_t>(status.st_size)) {
+        ssize_t got = read(fd, text + *size, static_cast<size_t>(status.st_size) - *size);
+        if (got <= 0)
+            break;
+        *size += static_cast<size_t>(got);
+    }
+    close(fd);
+    return text;
+}
+
+/** Whether a line can matter: a header, or one that begins with the key. */
+static bool mayMatter(const char* line, size_t length, const char* key, size_t keyLength) {
+    while (length > 0 && isspace(static_cast<unsigned char>(*line))) {
+        line++;
+        length--;
+    }
+    if (length == 0)
+        return false;
+    if (*line == '[')
+        return true;
+    return length >= keyLength && memcmp(line, key, keyLength) == 0;
+}
+
+int32_t read_conf_value(const char* section, const char* key, char* value, const char* path) {
+    size_t size = 0;
+    char* text = readFile(path, &size);
+    if (text == nullptr)
+        return 1;
+    ConfItem item = {};
+    size_t keyLength = strlen(key);
+    int32_t result = 1;
+    for (size_t at = 0; at < size && result != 0;) {
+        size_t length = std::min<size_t>(size - at, LINE_MAX_LENGTH);
+        const char* newline = static_cast<const char*>(memchr(text + at, '\n', length));
+        if (newline != nullptr)
+            length = static_cast<size_t>(newline - (text + at)) + 1;
+        if (mayMatter(text + at, length, key, keyLength)) {
+            char line[LINE_MAX_LENGTH + 1];
+            memcpy(line, text + at, length);
+            line[length] = '\0';
+            if (get_item_from_line(line, &item) == CONF_LINE_ITEM && strcmp(item.key, key) == 0 &&
+                strcmp(item.section, section) == 0) {
+                memcpy(value, item.value, strlen(item.value) + 1);
+                result = 0;
+            }
+        }
+        at += length;
+    }
+    free(text);
+    return result;
+}
+
+/** A value as the device's 32-bit strtol reads it: out of range gives the nearest bound. */
+static int32_t toNumber(const char* text) {
+    long number = strtol(text, nullptr, 0);
+    if (number > INT32_MAX)
+        return INT32_MAX;
+    if (number < INT32_MIN)
+        return INT32_MIN;
+    return static_cast<int32_t>(number);
+}
+
+int32_t get_conf_sting(const char* section, const char* key, char* value) {
+    int32_t result = read_conf_value(section, key, value, COMMON_CONFIG_FILE);
+    printf("[%s]%s=%s\n", section, key, value);
+    return result;
+}
+
+int32_t get_conf_value(const char* section, const char* key, int32_t* value) {
+    char text[CONF_TEXT_SIZE] = "";
+    *value = 0;
+    if (read_conf_value(section, key, text, COMMON_CONFIG_FILE) != 0)
+        return 1;
+    *value = toNumber(text);
+    printf("%s=%d\n", key, *value);
+    return 0;
+}
+
+int32_t get_conf_sting_self(const char* section, const char* key, char* value, const char* path) {
+    if (read_conf_value(section, key, value, path) != 0 &&
+        read_conf_value(section, key, value, COMMON_CONFIG_FILE) != 0)
+        return 1;
+    printf("[%s]%s=%s\n", section, key, value);
+    return 0;
+}
+
+int32_t get_conf_value_self(const char* section, const char* key, int32_t* value,
+                            const char* path) {
+    char text[CONF_TEXT_SIZE] = "";
+    *value = 0;
+    if (read_conf_value(section, key, text, path) != 0 &&
+        read_conf_value(section, key, text, COMMON_CONFIG_FILE) != 0)
+        return 1;
+    *value = toNumber(text);
+    printf("[%s]%s=%d\n", section, key, *value);
+    return 0;
+}

@@ -1,0 +1,65 @@
+/*
+ * The features that a board may have, as X(place in the table, key of section FEATURE), in the
+ * order in which they are read. The key is also the enumerator that names the place.
+ */
+#ifndef ENVIRONMENT_FEATURE_LIST_H
+#define ENVIRONMENT_FEATURE_LIST_H
+
+// clang-format off
+#define FEATURE_LIST(X) \
+    X( 0, FEATURE_GPIO) \
+    X( 1, FEATURE_I2C_BUS0) \
+    X( 2, FEATURE_I2C_BUS1) \
+    X( 3, FEATURE_I2C_BUS2) \
+    X( 4, FEATURE_I2C_BUS3) \
+    X( 5, FEATURE_I2C_BUS_SLOW) \
+    X( 6, FEATURE_I2C_BUS_NORMAL) \
+    X( 7, FEATURE_I2C_BUS_MIDDLE) \
+    X( 8, FEATURE_I2C_BUS_FAST) \
+    X( 9, FEATURE_PAT_TABLE) \
+    X(10, FEATURE_CAT_TABLE) \
+    X(11, FEATURE_PMT_TABLE) \
+    X(12, FEATURE_NIT_TABLE) \
+    X(13, FEATURE_SDT_TABLE) \
+    X(14, FEATURE_BAT_TABLE) \
+    X(15, FEATURE_EIT_TABLE) \
+    X(16, FEATURE_EIT_PF_TABLE) \
+    X(17, FEATURE_EIT_SCHEDULE_TABLE) \
+    X(18, FEATURE_TDT_TABLE) \
+    X(19, FEATURE_RST_TABLE) \
+    X(20, FEATURE_TOT_TABLE) \
+    X(21, FEATURE_DIT_TABLE) \
+    X(22, FEATURE_SIT_TABLE) \
+    X(23, FEATURE_MGT_TABLE) \
+    X(24, FEATURE_TVCT_TABLE) \
+    X(25, FEATURE_CVCT_TABLE) \
+    X(26, FEATURE_RRT_TABLE) \
+    X(27, FEATURE_ETT_TABLE) \
+    X(28, FEATURE_STT_TABLE) \
+    X(29, FEATURE_EEPROM) \
+    X(30, FEATURE_FLASH) \
+    X(31, FEATURE_PVR_PLAYBACK_DEMUX0) \
+    X(32, FEATURE_PVR_PLAYBACK_DEMUX1) \
+    X(33, FEATURE_PVR_PLAYBACK_DEMUX2) \
+    X(34, FEATURE_PVR_PLAYBACK_DEMUX3) \
+    X(35, FEATURE_STREAMINJECT) \
+    X(36, FEATURE_3D) \
+    X(37, FEATURE_HDMI0) \
+    X(38, FEATURE_HDMI1) \
+    X(39, FEATURE_HDMI2) \
+    X(40, FEATURE_MHL0) \
+    X(41, FEATURE_MHL1) \
+    X(42, FEATURE_MHL2) \
+    X(46, FEATURE_CVBS0) \
+    X(47, FEATURE_CVBS1) \
+    X(48, FEATURE_YPBPR0) \
+    X(49, FEATURE_YPBPR1) \
+    X(50, FEATURE_VGA0) \
+    X(43, FEATURE_CEC0) \
+    X(44, FEATURE_CEC1) \
+    X(45, FEATURE_CEC2) \
+    X(51, FEATURE_AFE_TUNING_AFTER_ATV_SOURCE) \
+    X(52, FEATURE_SMC1)
+// clang-format on
+
+#endif
