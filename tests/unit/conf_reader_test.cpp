@@ -1,0 +1,158 @@
+// The configuration reader: the syntax of a line, which match wins, fall-back, and hostile files.
+#include "environment/conf_reader.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+
+namespace {
+
+/** A working directory of its own, since the fall-back file has a fixed relative path. */
+class ConfReader : public testing::Test {
+ protected:
+    void SetUp() override {
+        ASSERT_NE(getcwd(before_, sizeof before_), nullptr);
+        char pattern[] = "/tmp/zk_conf_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        dir_ = pattern;
+        ASSERT_EQ(chdir(pattern), 0);
+        mkdir("config", 0755);
+    }
+    void TearDown() override {
+        ASSERT_EQ(chdir(before_), 0);
+        ASSERT_EQ(system(("rm -rf " + dir_).c_str()), 0);
+    }
+    static void write(const char* path, const std::string& text) {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    /** The value that a file gives, "<none>" when the key is not found. */
+    static std::string find(const std::string& text, const char* section, const char* key) {
+        char value[CONF_TEXT_SIZE] = "<none>";
+        write("a.cfg", text);
+        int32_t result = read_conf_value(section, key, value, "a.cfg");
+        EXPECT_EQ(result, strcmp(value, "<none>") == 0 ? 1 : 0);
+        return value;
+    }
+
+    char before_[4096];
+    std::string dir_;
+};
+
+TEST_F(ConfReader, ReadsTheSyntaxOfLines) {
+    const struct {
+        const char* text;
+        const char* value;
+    } rows[] = {
+        {"[S]\nK=1\n", "1"},
+        {"[S]\r\nK=1\r\n", "1"},
+        {"[S]\n  K \t=  a b  \n", "<none>"},  // a tab at the end of a key is not trimmed
+        {"[S]\n  \tK  =  a b  \n", "a b"},
+        {"[S]\nK=a=b=c\n", "a=b=c"},
+        {"[S]\nK=1 # not a comment\n", "1 # not a comment"},
+        {"[S]\n# K=1\nK=2\n", "2"},
+        {"[S]\n   #K=1\nK=2\n", "2"},
+        {"[S]\nK=1\nK=2\n[S]\nK=3\n", "1"},
+        {"[T]\nK=1\n[S]\nK=2\n", "2"},
+        {"[ S ]\nK=1\n", "1"},      // blanks inside brackets go
+        {"[S]x\nK=1\n", "<none>"},  // no header
+        {"[S]]\nK=1\n", "1"},       // up to the first bracket
+        {"K=1\n[S]\n", "<none>"},   // before the first header
+        {"[S]\n[]\nK=1\n", "1"},    // an empty header names nothing
+        {"[S]\nword\nK=1\n", "1"},
+        {"[S]\nKK=1\nK=2\n", "2"},
+        {"[S]\nK=\n", ""},
+        {"[S]\nK=1", "1"},
+        {"[S]\nK=v\t\n", "v\t"},  // nor is a tab at the end of a value
+        {"[s]\nK=1\n[S]\nk=2\n", "<none>"},
+        {"", "<none>"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(find(row.text, "S", "K"), row.value) << row.text;
+    EXPECT_EQ(find("K=1\n", "", "K"), "1");
+}
+
+TEST_F(ConfReader, SplitsOverlongLinesAndCutsOverlongTexts) {
+    std::string filler(1022, 'x');
+    EXPECT_EQ(find("[S]\n" + filler + "K=7\n", "S", "K"), "7");
+    std::string value(300, 'v');
+    EXPECT_EQ(find("[S]\nK=" + value + "\n", "S", "K"), std::string(99, 'v'));
+    std::string section(200, 's');
+    EXPECT_EQ(find("[" + section + "]\nK=1\n", std::string(99, 's').c_str(), "K"), "1");
+}
+
+TEST_F(ConfReader, SurvivesAnyBytes) {
+    unsigned state = 1;
+    for (int round = 0; round < 300; round++) {
+        std::string text = "[S]\n";
+        for (int i = 0; i < 400; i++) {
+            state = state * 1103515245u + 12345u;
+            static const char alphabet[] = "K=[]#S \t\r\n\0\xff";
+            unsigned pick = state >> 16;
+            text += pick % 5 == 0 ? static_cast<char>(pick >> 3)
+                                  : alphabet[pick % (sizeof alphabet - 1)];
+        }
+        char value[CONF_TEXT_SIZE] = "";
+        write("a.cfg", text);
+        read_conf_value("S", "K", value, "a.cfg");
+        EXPECT_LT(strnlen(value, sizeof value), sizeof value);
+    }
+}
+
+TEST_F(ConfReader, NumbersTakeTheirBaseFromThePrefix) {
+    const struct {
+        const char* text;
+        int32_t number;
+    } rows[] = {
+        {"12", 12},      {"0x1F", 31}, {"010", 8}, {"-3", -3},
+        {"5 apples", 5}, {"", 0},      {"x", 0},   {"99999999999", INT32_MAX},
+    };
+    for (const auto& row : rows) {
+        int32_t number = 77;
+        write("a.cfg", std::string("[S]\nK=") + row.text + "\n");
+        EXPECT_EQ(get_conf_value_self("S", "K", &number, "a.cfg"), 0);
+        EXPECT_EQ(number, row.number) << row.text;
+    }
+}
+
+TEST_F(ConfReader, ReadersFallBackAndEchoEachInItsWay) {
+    int32_t number = 77;
+    char text[CONF_TEXT_SIZE] = "kept";
+    write("config/common_config.cfg", "[S]\nFALLBACK=3\nBOTH=4\n");
+    write("a.cfg", "[S]\nOWN=1\nBOTH=2\n");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(get_conf_value_self("S", "OWN", &number, "a.cfg"), 0);
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(get_conf_value_self("S", "BOTH", &number, "a.cfg"), 0);
+    EXPECT_EQ(number, 2);
+    EXPECT_EQ(get_conf_value_self("S", "FALLBACK", &number, ""), 0);
+    EXPECT_EQ(number, 3);
+    EXPECT_EQ(get_conf_value_self("S", "NEITHER", &number, "a.cfg"), 1);
+    EXPECT_EQ(number, 0);
+    EXPECT_EQ(get_conf_sting_self("S", "NEITHER", text, "a.cfg"), 1);
+    EXPECT_STREQ(text, "kept");
+    EXPECT_EQ(get_conf_sting_self("S", "OWN", text, "a.cfg"), 0);
+    EXPECT_EQ(get_conf_value("S", "BOTH", &number), 0);
+    EXPECT_EQ(get_conf_value("S", "NEITHER", &number), 1);
+    EXPECT_EQ(get_conf_sting("S", "NEITHER", text), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "[S]OWN=1\n[S]BOTH=2\n[S]FALLBACK=3\n[S]OWN=1\nBOTH=4\n[S]NEITHER=1\n");
+}
+
+TEST(ConfLineTools, TrimAsTheyAreNamed) {
+    char a[] = " \t a b \t\r\n ";
+    EXPECT_STREQ(strtrimr(a), " \t a b \t");
+    EXPECT_STREQ(strtriml(a), "a b \t");
+    char empty[] = "";
+    EXPECT_STREQ(strtrimr(empty), "");
+    char word[] = " a b\tc ";
+    EXPECT_STREQ(delspace(word), "abc");
+    char pair[] = " key =  two words ";
+    EXPECT_STREQ(delspace(pair), "key=two words");
+}
+
+}  // namespace

@@ -1,0 +1,134 @@
+// Feature and channel tables: which key goes where, counts that do not fit, and the kept oddity of
+// the PVR playback file.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <fstream>
+#include <string>
+
+#include "environment/test_env.h"
+#include "framework/platform_select.h"
+
+namespace {
+
+class Environment : public testing::Test {
+ protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/zk_env_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        dir_ = pattern;
+        memset(&g_configFile, 0, sizeof g_configFile);
+        memset(&zk_testConfig, 0, sizeof zk_testConfig);
+        snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", pattern);
+        snprintf(g_configFile.platformDir, sizeof g_configFile.platformDir, "%s", pattern);
+        get_common_config(&g_configFile);
+        get_platform_config(&g_configFile);
+        testing::internal::CaptureStdout();
+    }
+    void TearDown() override {
+        testing::internal::GetCapturedStdout();
+        memset(&zk_testConfig, 0, sizeof zk_testConfig);
+        memset(&g_configFile, 0, sizeof g_configFile);
+        ASSERT_EQ(system(("rm -rf " + dir_).c_str()), 0);
+    }
+    void write(const char* name, const std::string& text) {
+        std::ofstream(dir_ + "/" + name) << text;
+    }
+
+    std::string dir_;
+};
+
+TEST_F(Environment, FeaturesGoToTheirPlaces) {
+    const int32_t* features = nullptr;
+    write("feature.cfg",
+          "[FEATURE]\nFEATURE_GPIO=1\nFEATURE_CEC0=2\nFEATURE_VGA0=3\nFEATURE_HDM1=1\n"
+          "FEATURE_AFE_TUNING_AFTER_ATV_SOURCE=-1\nFEATURE_SMC1=5\n");
+    zk_test_load_feature();
+    zk_test_get_feature(&features);
+    EXPECT_EQ(features, zk_testConfig.features);
+    EXPECT_EQ(features[0], 1);
+    EXPECT_EQ(features[FEATURE_CEC0], 2);
+    EXPECT_EQ(FEATURE_CEC0, 43);
+    EXPECT_EQ(features[FEATURE_VGA0], 3);
+    EXPECT_EQ(FEATURE_VGA0, 50);
+    EXPECT_EQ(features[51], -1);
+    EXPECT_EQ(features[FEATURE_SMC1], 5);
+    EXPECT_EQ(features[FEATURE_HDMI1], 0);
+}
+
+TEST_F(Environment, AChannelHasTheKeysOfItsStandard) {
+    const std::string all =
+        "FREQUENCY=1\nTS_ID=2\nSTREAM_ID=3\nVIDEO_PID=4\nVIDEO_FORMAT=5\nPCR_PID=6\nAUDIO_NUM=2\n"
+        "AUDIO_PID0=7\nAUDIO_FORMAT0=8\nAUDIO_PID1=9\nAUDIO_FORMAT1=10\nAUDIODESC_NUM=1\n"
+        "AUDIODESC_PID0=11\nAUDIODESC_FORMAT0=12\nSUBTITLE_NUM=1\nSUBTITLE_PID0=13\nOTHER_NUM=1\n"
+        "OTHER_PID0=14\nPMT_PID=15\nEIT_PID=16\nETT_PID=17\nPES_PID=18\n";
+    for (const char* name : {"channel_dvb_t.cfg", "channel_atsc_t.cfg", "channel_isdb_s.cfg",
+                             "channel_isdb_s3.cfg", "channel_atsc_t3.cfg"})
+        write(name, "[COMMON]\nCHANNEL_NUM=2\n[CHANNEL1]\n" + all);
+    zk_test_load_channel_info();
+    TcChannelInfo channel = {};
+    zk_test_get_dtv_channel_info(1, 1, &channel);
+    EXPECT_EQ(channel.uFrequency, 1u);
+    EXPECT_EQ(channel.uTsId, 0u);
+    EXPECT_EQ(channel.uStreamId, 0u);
+    EXPECT_EQ(channel.audioNum, 2);
+    EXPECT_EQ(channel.uAudioPids[1], 9u);
+    EXPECT_EQ(channel.eAudioFormat[1], 10u);
+    EXPECT_EQ(channel.eAudioDescFormat[0], 12u);
+    EXPECT_EQ(channel.uSubtitlePids[0], 13u);
+    EXPECT_EQ(channel.uOtherPids[0], 14u);
+    EXPECT_EQ(channel.uPmtPid, 15u);
+    EXPECT_EQ(channel.uPesPid, 18u);
+    EXPECT_EQ(zk_testConfig.atscT[1].uPesPid, 0u);
+    EXPECT_EQ(zk_testConfig.atscT[1].uEttPid, 17u);
+    EXPECT_EQ(zk_testConfig.isdbS[1].uTsId, 2u);
+    EXPECT_EQ(zk_testConfig.isdbS[1].uStreamId, 0u);
+    EXPECT_EQ(zk_testConfig.isdbS3[1].uStreamId, 3u);
+    EXPECT_EQ(zk_testConfig.atscT3[1].uFrequency, 1u);
+    EXPECT_EQ(zk_testConfig.atscT3[1].uVideoPid, 0u);
+    // Beyond the table's count it is channel 0; ATSC-T3 is not served.
+    zk_test_get_dtv_channel_info(1, 2, &channel);
+    EXPECT_EQ(channel.uFrequency, 0u);
+    channel.uFrequency = 99;
+    zk_test_get_dtv_channel_info(2048, 0, &channel);
+    EXPECT_EQ(channel.uFrequency, 99u);
+}
+
+TEST_F(Environment, PvrPlaybackWritesItsServicePidsToIsdbS) {
+    write("channel_isdb_s.cfg", "[COMMON]\nCHANNEL_NUM=1\n[CHANNEL0]\nPMT_PID=100\nVIDEO_PID=5\n");
+    write("channel_pvr_playback.cfg",
+          "[COMMON]\nCHANNEL_NUM=1\n[CHANNEL0]\nPMT_PID=200\nVIDEO_PID=6\n");
+    zk_test_load_channel_info();
+    TcChannelInfo channel = {};
+    zk_test_get_pvr_playback_channel_info(0, &channel);
+    EXPECT_EQ(channel.uPmtPid, 0u);
+    EXPECT_EQ(channel.uVideoPid, 6u);
+    EXPECT_EQ(zk_testConfig.isdbS[0].uPmtPid, 200u);
+    EXPECT_EQ(zk_testConfig.isdbS[0].uVideoPid, 5u);
+}
+
+TEST_F(Environment, CountsStayWithinTheTables) {
+    write("channel_dvb_c.cfg", "[COMMON]\nCHANNEL_NUM=300\n[CHANNEL0]\nAUDIO_NUM=200\n");
+    write("channel_dvb_s.cfg", "[COMMON]\nCHANNEL_NUM=200\n");
+    write("channel_atv.cfg", "[COMMON]\nCHANNEL_NUM=-1\n");
+    zk_test_load_channel_info();
+    EXPECT_EQ(zk_testConfig.dvbCChannelNum, 44);
+    EXPECT_EQ(zk_testConfig.dvbC[0].audioNum, CHANNEL_PID_COUNT);
+    EXPECT_EQ(zk_testConfig.dvbSChannelNum, CHANNEL_TABLE_SIZE);
+    EXPECT_EQ(zk_testConfig.atvChannelNum, CHANNEL_TABLE_SIZE);
+}
+
+TEST(DiffTime, BorrowsFromTheSeconds) {
+    const struct {
+        timeval start, end;
+        int64_t ms;
+    } rows[] = {
+        {{1, 0}, {1, 999}, 0},    {{1, 0}, {1, 1000}, 1},  {{1, 900000}, {2, 100000}, 200},
+        {{1, 999999}, {2, 0}, 0}, {{5, 0}, {3, 0}, -2000}, {{0, 0}, {3000000, 0}, 3000000000},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(zk_test_diff_timeMs(&row.start, &row.end), row.ms);
+}
+
+}  // namespace
