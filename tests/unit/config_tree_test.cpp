@@ -97,7 +97,8 @@ ConfigFile parse(const std::string& text) {
 
 // ---- What each file must hold -------------------------------------------------------------------
 
-enum class Kind { Integer, Text, Address };
+// A Bit is an integer with exactly one bit set, as most of the library's enumerations have it.
+enum class Kind { Integer, Bit, Text, Address };
 
 struct Rule {
     std::string section;  // "CHANNEL%d" stands for as many as COMMON/CHANNEL_NUM says
@@ -159,7 +160,11 @@ std::string value_fault(const Rule& rule, const std::string& value) {
     if (!is_integer(value)) {
         return "not an integer";
     }
-    return integer(value) >= rule.min && integer(value) <= rule.max ? "" : "out of range";
+    const long number = integer(value);
+    if (rule.kind == Kind::Bit && (number & (number - 1)) != 0) {
+        return "not one of the enumerated values";
+    }
+    return number >= rule.min && number <= rule.max ? "" : "out of range";
 }
 
 // What is wrong with a file against its rules: keys missing, keys unknown, values out of range.
@@ -201,14 +206,14 @@ Rules channel_rules(unsigned optional) {
     Rules rules = {
         {"COMMON", "CHANNEL_NUM", 1, 100},
         {"CHANNEL%d", "VIDEO_PID", 1, kMaxPid},
-        {"CHANNEL%d", "VIDEO_FORMAT", 1, 128},
+        {"CHANNEL%d", "VIDEO_FORMAT", 1, 32, Kind::Bit},
         {"CHANNEL%d", "PCR_PID", 1, kMaxPid},
         {"CHANNEL%d", "AUDIO_NUM", 1, 16},
         {"CHANNEL%d", "AUDIO_PID%d", 1, kMaxPid, Kind::Integer, "AUDIO_NUM"},
-        {"CHANNEL%d", "AUDIO_FORMAT%d", 1, 2097152, Kind::Integer, "AUDIO_NUM"},
+        {"CHANNEL%d", "AUDIO_FORMAT%d", 1, 2097152, Kind::Bit, "AUDIO_NUM"},
         {"CHANNEL%d", "AUDIODESC_NUM", 0, 16},
         {"CHANNEL%d", "AUDIODESC_PID%d", 1, kMaxPid, Kind::Integer, "AUDIODESC_NUM"},
-        {"CHANNEL%d", "AUDIODESC_FORMAT%d", 1, 2097152, Kind::Integer, "AUDIODESC_NUM"},
+        {"CHANNEL%d", "AUDIODESC_FORMAT%d", 1, 2097152, Kind::Bit, "AUDIODESC_NUM"},
         {"CHANNEL%d", "SUBTITLE_NUM", 0, 16},
         {"CHANNEL%d", "SUBTITLE_PID%d", 1, kMaxPid, Kind::Integer, "SUBTITLE_NUM"},
         {"CHANNEL%d", "OTHER_NUM", 0, 16},
@@ -310,39 +315,37 @@ Rules stream_inject_rules() {
 
 // The manual cases of module AV-DTV.
 Rules av_dtv_rules() {
-    const char* const kCases[] = {
-        "Play_001",
-        "Play_002",
-        "Play_003",
-        "Play_004",
-        "Play_005",
-        "Play_006",
-        "Play_007",
-        "Play_008",
-        "Play_009",
-        "PauseResume_001",
-        "SetAudioMode_002",
-        "Get4KHDRVideoInfo_002",
-        "Get4KHDRVideoInfo_003",
-        "Get4KHDRVideoInfo_004",
-        "Ac4AudioPreselectionV1_Manual_001",
-        "Ac4AudioDescVolumeV1_Manual_001",
-        "Ac4AudioPreselectionV2_Manual_001",
-        "Ac4AudioDescVolumeV2_Manual_001",
-        "Ac4AudioPreselectionV1_Manual_002",
-        "Ac4AudioPreselectionV2_Manual_SwitchLanguage",
-        "CheckVideoFrameWidthAndFrameHeight_001",
-        "CheckVideoFrameWidthAndFrameHeight_002",
-        "CheckVideoFormatInterlacedAndFrameRate_001",
-        "CheckVideoFormatInterlacedAndFrameRate_002",
-        "CheckVideoInfoOfColorPrimariesType_001",
-        "CheckVideoInfoOfAFDType_001",
-        "CheckVideoInfoOfSupportOverscan_001",
-        "CheckVideoInfoOfAspectRatio_001",
-        "CheckVideoInfoOfAspectRatio_002",
-        "CheckAudio5_1Info",
-        "CheckAudioFormat_LfePresent_001",
-    };
+    const char* const kCases[] = {"Play_001",
+                                  "Play_002",
+                                  "Play_003",
+                                  "Play_004",
+                                  "Play_005",
+                                  "Play_006",
+                                  "Play_007",
+                                  "Play_008",
+                                  "Play_009",
+                                  "PauseResume_001",
+                                  "SetAudioMode_002",
+                                  "Get4KHDRVideoInfo_002",
+                                  "Get4KHDRVideoInfo_003",
+                                  "Get4KHDRVideoInfo_004",
+                                  "Ac4AudioPreselectionV1_Manual_001",
+                                  "Ac4AudioDescVolumeV1_Manual_001",
+                                  "Ac4AudioPreselectionV2_Manual_001",
+                                  "Ac4AudioDescVolumeV2_Manual_001",
+                                  "Ac4AudioPreselectionV1_Manual_002",
+                                  "Ac4AudioPreselectionV2_Manual_SwitchLanguage",
+                                  "CheckVideoFrameWidthAndFrameHeight_001",
+                                  "CheckVideoFrameWidthAndFrameHeight_002",
+                                  "CheckVideoFormatInterlacedAndFrameRate_001",
+                                  "CheckVideoFormatInterlacedAndFrameRate_002",
+                                  "CheckVideoInfoOfColorPrimariesType_001",
+                                  "CheckVideoInfoOfAFDType_001",
+                                  "CheckVideoInfoOfSupportOverscan_001",
+                                  "CheckVideoInfoOfAspectRatio_001",
+                                  "CheckVideoInfoOfAspectRatio_002",
+                                  "CheckAudio5_1Info",
+                                  "CheckAudioFormat_LfePresent_001"};
     Rules rules;
     for (const char* name : kCases) {
         rules.push_back({std::string("TC_AV_Dtv") + name, "U_DTV_CHANNEL_ID", 0, 99});
@@ -377,61 +380,59 @@ Rules board_rules() {
     };
 }
 
-const Strings kFeatures = {
-    "GPIO",
-    "I2C_BUS0",
-    "I2C_BUS1",
-    "I2C_BUS2",
-    "I2C_BUS3",
-    "I2C_BUS_SLOW",
-    "I2C_BUS_NORMAL",
-    "I2C_BUS_MIDDLE",
-    "I2C_BUS_FAST",
-    "PAT_TABLE",
-    "CAT_TABLE",
-    "PMT_TABLE",
-    "NIT_TABLE",
-    "SDT_TABLE",
-    "BAT_TABLE",
-    "EIT_TABLE",
-    "EIT_PF_TABLE",
-    "EIT_SCHEDULE_TABLE",
-    "TDT_TABLE",
-    "RST_TABLE",
-    "TOT_TABLE",
-    "DIT_TABLE",
-    "SIT_TABLE",
-    "MGT_TABLE",
-    "TVCT_TABLE",
-    "CVCT_TABLE",
-    "RRT_TABLE",
-    "ETT_TABLE",
-    "STT_TABLE",
-    "EEPROM",
-    "FLASH",
-    "PVR_PLAYBACK_DEMUX0",
-    "PVR_PLAYBACK_DEMUX1",
-    "PVR_PLAYBACK_DEMUX2",
-    "PVR_PLAYBACK_DEMUX3",
-    "STREAMINJECT",
-    "3D",
-    "HDMI0",
-    "HDMI1",
-    "HDMI2",
-    "MHL0",
-    "MHL1",
-    "MHL2",
-    "CEC0",
-    "CEC1",
-    "CEC2",
-    "CVBS0",
-    "CVBS1",
-    "YPBPR0",
-    "YPBPR1",
-    "VGA0",
-    "AFE_TUNING_AFTER_ATV_SOURCE",
-    "SMC1",
-};
+const Strings kFeatures = {"GPIO",
+                           "I2C_BUS0",
+                           "I2C_BUS1",
+                           "I2C_BUS2",
+                           "I2C_BUS3",
+                           "I2C_BUS_SLOW",
+                           "I2C_BUS_NORMAL",
+                           "I2C_BUS_MIDDLE",
+                           "I2C_BUS_FAST",
+                           "PAT_TABLE",
+                           "CAT_TABLE",
+                           "PMT_TABLE",
+                           "NIT_TABLE",
+                           "SDT_TABLE",
+                           "BAT_TABLE",
+                           "EIT_TABLE",
+                           "EIT_PF_TABLE",
+                           "EIT_SCHEDULE_TABLE",
+                           "TDT_TABLE",
+                           "RST_TABLE",
+                           "TOT_TABLE",
+                           "DIT_TABLE",
+                           "SIT_TABLE",
+                           "MGT_TABLE",
+                           "TVCT_TABLE",
+                           "CVCT_TABLE",
+                           "RRT_TABLE",
+                           "ETT_TABLE",
+                           "STT_TABLE",
+                           "EEPROM",
+                           "FLASH",
+                           "PVR_PLAYBACK_DEMUX0",
+                           "PVR_PLAYBACK_DEMUX1",
+                           "PVR_PLAYBACK_DEMUX2",
+                           "PVR_PLAYBACK_DEMUX3",
+                           "STREAMINJECT",
+                           "3D",
+                           "HDMI0",
+                           "HDMI1",
+                           "HDMI2",
+                           "MHL0",
+                           "MHL1",
+                           "MHL2",
+                           "CEC0",
+                           "CEC1",
+                           "CEC2",
+                           "CVBS0",
+                           "CVBS1",
+                           "YPBPR0",
+                           "YPBPR1",
+                           "VGA0",
+                           "AFE_TUNING_AFTER_ATV_SOURCE",
+                           "SMC1"};
 
 Rules feature_rules() {
     Rules rules;
@@ -441,58 +442,92 @@ Rules feature_rules() {
     return rules;
 }
 
-void add_integers(const std::string& section, const Strings& keys, Rules* rules) {
-    for (const std::string& key : keys) {
-        rules->push_back({section, key, 0, INT32_MAX});
+struct TunerKey {
+    const char* key;
+    long min;
+    long max;
+    Kind kind = Kind::Integer;
+};
+
+void add_keys(const std::string& section, const std::vector<TunerKey>& keys, Rules* rules) {
+    for (const TunerKey& key : keys) {
+        rules->push_back({section, key.key, key.min, key.max, key.kind});
     }
 }
 
+const std::vector<TunerKey> kSatelliteKeys = {
+    {"TUNER_KNOWN_OFFSET", 0, 1},
+    {"TUNER_KNOWN_SYMBOLRATE", 0, 1},
+    {"TUNER_POLARIZATION", 1, 2},
+    {"TUNER_LNB_TONESTATE", 1, 2},
+    {"TUNER_FEC_TYPE", 1, 2},
+    {"TUNER_FEC_RATE", 1, 512, Kind::Bit},
+    {"TUNER_LOCAL_OSC_FREQUENCY", 9000000, 11000000},
+    {"TUNER_RF_BAND", 0, 1},
+    {"TUNER_LOW_LNB_FREQUENCY", 9000000, 11000000},
+    {"TUNER_HIGH_LNB_FREQENCY", 9000000, 11000000},
+    {"TUNER_LNB_TYPE_REAL", 0, 1},
+    {"TUNER_BLINDSCAN_START_IF_FREQUENCY_KHz", 950000, 2150000},
+    {"TUNER_BLINDSCAN_END_IF_FREQUENCY_KHz", 950000, 2150000},
+    {"TUNER_BLINDSCAN_START_SYMBOLRATE_Ksps", 1000, 45000},
+    {"TUNER_BLINDSCAN_END_SYMBOLRATE_Ksps", 1000, 45000},
+    {"TUNER_BLINDSCAN_LOW_LNB_FREQUENCY", 9000000, 11000000},
+    {"TUNER_BLINDSCAN_HIGH_LNB_FREQUENCY", 9000000, 11000000},
+    {"TUNER_DISEQC_FRAMING", 0xE0, 0xE7},
+    {"TUNER_DISEQC_ADDRESS", 0, 255},
+    {"TUNER_DISEQC_COMMAND", 0, 255},
+    {"TUNER_UNICABLE_DEVID", 0, 255},
+    {"TUNER_UNICABLE_CHANNEL_ID", 1, 8},
+    {"TUNER_UNICABLE_CHANNEL_FREQ_KHZ", 950000, 2150000},
+};
+
+const std::vector<TunerKey> kTerrestrialKeys = {
+    {"TUNER_GUARD_INTERVAL", 1, 8, Kind::Bit},
+    {"TUNER_TRANSMISSION_MODE", 1, 4, Kind::Bit},
+    {"TUNER_ECHO_POSITION", 0, 0},
+    {"TUNER_BAND_WIDTH", 1, 4, Kind::Bit},
+    {"TUNER_FEC_RATE", 1, 64, Kind::Bit},
+    {"TUNER_TUNER_MODE", 0, 0},
+    {"TUNER_HIERACHY", 0, 4},
+    {"TUNER_PRIORITY", 0, 1},
+};
+
 Rules tuner_rules() {
     // 2048, ATSC-T3, may not be a default: with pipes configured its lock status is another.
-    Rules rules = {{"TUNERDEV%d", "TUNER_TRANSMISSIONSYSTEM", 1, 1024}};
-    const Strings basic = {"TUNER_MODULATION", "TUNER_SYMBOLRATE", "TUNER_SPECTRUM"};
-    for (const char* standard :
-         {"DVB-S", "DVB-T", "DVB-C", "ATSC-C", "ATSC-T", "ISDB-T", "ISDB-S", "ISDB-S3"}) {
-        add_integers(standard, basic, &rules);
+    Rules rules = {{"TUNERDEV%d", "TUNER_TRANSMISSIONSYSTEM", 1, 1024, Kind::Bit}};
+    const struct {
+        const char* standard;
+        long min_rate;  // symbols per second; 0 for OFDM
+        long max_rate;
+    } kModulated[] = {{"DVB-S", 1000000, 45000000},   {"DVB-T", 0, 0},
+                      {"DVB-C", 1000000, 7000000},    {"ATSC-C", 5056941, 5360537},
+                      {"ATSC-T", 10762238, 10762238}, {"ISDB-T", 0, 0},
+                      {"ISDB-S", 28860000, 28860000}, {"ISDB-S3", 33756100, 33756100}};
+    for (const auto& modulated : kModulated) {
+        add_keys(modulated.standard,
+                 {{"TUNER_MODULATION", 2, 16384, Kind::Bit},
+                  {"TUNER_SYMBOLRATE", modulated.min_rate, modulated.max_rate},
+                  {"TUNER_SPECTRUM", 0, 1}},
+                 &rules);
     }
-    add_integers("DVB-S",
-                 {"TUNER_KNOWN_OFFSET",
-                  "TUNER_KNOWN_SYMBOLRATE",
-                  "TUNER_POLARIZATION",
-                  "TUNER_LNB_TONESTATE",
-                  "TUNER_FEC_TYPE",
-                  "TUNER_FEC_RATE",
-                  "TUNER_LOCAL_OSC_FREQUENCY",
-                  "TUNER_RF_BAND",
-                  "TUNER_LOW_LNB_FREQUENCY",
-                  "TUNER_HIGH_LNB_FREQENCY",
-                  "TUNER_LNB_TYPE_REAL",
-                  "TUNER_BLINDSCAN_START_IF_FREQUENCY_KHz",
-                  "TUNER_BLINDSCAN_END_IF_FREQUENCY_KHz",
-                  "TUNER_BLINDSCAN_START_SYMBOLRATE_Ksps",
-                  "TUNER_BLINDSCAN_END_SYMBOLRATE_Ksps",
-                  "TUNER_BLINDSCAN_LOW_LNB_FREQUENCY",
-                  "TUNER_BLINDSCAN_HIGH_LNB_FREQUENCY",
-                  "TUNER_DISEQC_FRAMING",
-                  "TUNER_DISEQC_ADDRESS",
-                  "TUNER_DISEQC_COMMAND",
-                  "TUNER_UNICABLE_DEVID",
-                  "TUNER_UNICABLE_CHANNEL_ID",
-                  "TUNER_UNICABLE_CHANNEL_FREQ_KHZ"},
-                 &rules);
-    add_integers("DVB-T",
-                 {"TUNER_GUARD_INTERVAL", "TUNER_TRANSMISSION_MODE", "TUNER_ECHO_POSITION",
-                  "TUNER_BAND_WIDTH", "TUNER_FEC_RATE", "TUNER_TUNER_MODE", "TUNER_HIERACHY",
-                  "TUNER_PRIORITY"},
-                 &rules);
-    add_integers("ISDB-T", {"TUNER_BAND_WIDTH"}, &rules);
-    add_integers("ATSC-T3",
-                 {"TUNER_MODULATION", "TUNER_BAND_WIDTH", "TUNER_PLP_ID0", "TUNER_PLP_ID1",
-                  "TUNER_PLP_ID2", "TUNER_PLP_ID3"},
-                 &rules);
-    rules.push_back({"ATSC-T3", "TUNER_PLP_NUM", 1, 4});
-    add_integers("ATV", {"TUNER_AUDIO_STANDARD", "TUNER_COLOR_STANDARD"}, &rules);
-    rules.push_back({"ATV", "TUNER_TUNE_TYPE", 0, 1});
+    add_keys("DVB-S", kSatelliteKeys, &rules);
+    add_keys("DVB-T", kTerrestrialKeys, &rules);
+    add_keys("ISDB-T", {{"TUNER_BAND_WIDTH", 1, 4, Kind::Bit}}, &rules);
+    // Every pipe has an entry, the highest identifier that the cases ask for being 3.
+    add_keys("ATSC-T3",
+             {{"TUNER_MODULATION", 2, 4096, Kind::Bit},
+              {"TUNER_BAND_WIDTH", 1, 4, Kind::Bit},
+              {"TUNER_PLP_NUM", 1, 4},
+              {"TUNER_PLP_ID0", 0, 0},
+              {"TUNER_PLP_ID1", 1, 1},
+              {"TUNER_PLP_ID2", 2, 2},
+              {"TUNER_PLP_ID3", 3, 3}},
+             &rules);
+    add_keys("ATV",
+             {{"TUNER_AUDIO_STANDARD", 2, 512, Kind::Bit},
+              {"TUNER_COLOR_STANDARD", 2, 16, Kind::Bit},
+              {"TUNER_TUNE_TYPE", 0, 1}},
+             &rules);
     return rules;
 }
 
@@ -623,9 +658,14 @@ TEST(ConfigTree, ComponentsOfAChannelHaveTheirOwnPids) {
                 EXPECT_NE(pid, invalid) << name << " channel " << i;
                 EXPECT_NE(pid, no_signal) << name << " channel " << i;
             }
+            const bool atsc = name.find("atsc") != std::string::npos;
             const long eit = channel_value(file, i, "EIT_PID");
             EXPECT_EQ(0u, seen.count(eit)) << name << " channel " << i;
-            if (!recording && name.find("atsc") == std::string::npos) {
+            EXPECT_TRUE(atsc || eit == 0x12) << name << " channel " << i;
+            const long pcr = channel_value(file, i, "PCR_PID");
+            EXPECT_TRUE(seen.count(pcr) == 0 || pcr == channel_value(file, i, "VIDEO_PID"))
+                << name << " channel " << i;
+            if (!recording && !atsc) {
                 EXPECT_EQ(1u, seen.count(channel_value(file, i, "PES_PID"))) << name << " " << i;
             }
         }
@@ -806,6 +846,10 @@ TEST(ConfigTree, PlaybackChannelsLeaveTheSatelliteTableAsItWas) {
                     << board << " channel " << i << " " << key;
             }
         }
+        // The recordings are the same for all boards.
+        EXPECT_EQ(load(std::string(kFullBoard) + "/channel_pvr_playback.cfg").sections,
+                  playback.sections)
+            << board;
         EXPECT_GE(channel_value(playback, 0, "AUDIO_NUM"), 2) << board;
     }
 }
@@ -864,10 +908,11 @@ TEST(ConfigTree, UnattendedRunsUseTheBoardThatHasEverything) {
 TEST(ConfigTreeChecker, FindsEachFault) {
     const Rules rules = {{"COMMON", "CHANNEL_NUM", 1, 100},
                          {"CHANNEL%d", "AUDIO_NUM", 0, 16},
+                         {"CHANNEL%d", "AUDIO_FORMAT", 1, 8, Kind::Bit},
                          {"CHANNEL%d", "AUDIO_PID%d", 1, kMaxPid, Kind::Integer, "AUDIO_NUM"}};
     const std::string good =
         "# A comment = with an equals sign.\n\n[COMMON]\nCHANNEL_NUM=1\n"
-        "[CHANNEL0]\nAUDIO_NUM=2\nAUDIO_PID0=256\nAUDIO_PID1=0x101\n";
+        "[CHANNEL0]\nAUDIO_NUM=2\nAUDIO_FORMAT=2\nAUDIO_PID0=256\nAUDIO_PID1=0x101\n";
     EXPECT_EQ("", joined(faults_against(rules, parse(good))));
     const struct {
         const char* what;
@@ -886,6 +931,8 @@ TEST(ConfigTreeChecker, FindsEachFault) {
         {"PID beyond 13 bits", "256", "8192", "[CHANNEL0]AUDIO_PID0: out of range"},
         {"comment behind a value", "256", "256 # main", "not KEY=VALUE"},
         {"number with a tail", "256", "256kHz", "[CHANNEL0]AUDIO_PID0: not an integer"},
+        {"two formats in one", "AUDIO_FORMAT=2", "AUDIO_FORMAT=3",
+         "AUDIO_FORMAT: not one of the enumerated values"},
         {"octal by accident", "256", "0258", "[CHANNEL0]AUDIO_PID0: not an integer"},
         {"word alone", "AUDIO_NUM=2", "AUDIO_NUM", "not KEY=VALUE"},
         {"unclosed header", "[CHANNEL0]", "[CHANNEL0", "bad section header"},
