@@ -160,6 +160,9 @@ std::string value_fault(const Rule& rule, const std::string& value) {
     if (!is_integer(value)) {
         return "not an integer";
     }
+    if (value.size() > 1 && value[0] == '0' && value[1] != 'x') {
+        return "octal";
+    }
     const long number = integer(value);
     if (rule.kind == Kind::Bit && (number & (number - 1)) != 0) {
         return "not one of the enumerated values";
@@ -315,37 +318,20 @@ Rules stream_inject_rules() {
 
 // The manual cases of module AV-DTV.
 Rules av_dtv_rules() {
-    const char* const kCases[] = {"Play_001",
-                                  "Play_002",
-                                  "Play_003",
-                                  "Play_004",
-                                  "Play_005",
-                                  "Play_006",
-                                  "Play_007",
-                                  "Play_008",
-                                  "Play_009",
-                                  "PauseResume_001",
-                                  "SetAudioMode_002",
-                                  "Get4KHDRVideoInfo_002",
-                                  "Get4KHDRVideoInfo_003",
-                                  "Get4KHDRVideoInfo_004",
-                                  "Ac4AudioPreselectionV1_Manual_001",
-                                  "Ac4AudioDescVolumeV1_Manual_001",
-                                  "Ac4AudioPreselectionV2_Manual_001",
-                                  "Ac4AudioDescVolumeV2_Manual_001",
-                                  "Ac4AudioPreselectionV1_Manual_002",
-                                  "Ac4AudioPreselectionV2_Manual_SwitchLanguage",
-                                  "CheckVideoFrameWidthAndFrameHeight_001",
-                                  "CheckVideoFrameWidthAndFrameHeight_002",
-                                  "CheckVideoFormatInterlacedAndFrameRate_001",
-                                  "CheckVideoFormatInterlacedAndFrameRate_002",
-                                  "CheckVideoInfoOfColorPrimariesType_001",
-                                  "CheckVideoInfoOfAFDType_001",
-                                  "CheckVideoInfoOfSupportOverscan_001",
-                                  "CheckVideoInfoOfAspectRatio_001",
-                                  "CheckVideoInfoOfAspectRatio_002",
-                                  "CheckAudio5_1Info",
-                                  "CheckAudioFormat_LfePresent_001"};
+    // clang-format off
+    const char* const kCases[] = {
+        "Play_001", "Play_002", "Play_003", "Play_004", "Play_005", "Play_006", "Play_007",
+        "Play_008", "Play_009", "PauseResume_001", "SetAudioMode_002", "Get4KHDRVideoInfo_002",
+        "Get4KHDRVideoInfo_003", "Get4KHDRVideoInfo_004", "Ac4AudioPreselectionV1_Manual_001",
+        "Ac4AudioDescVolumeV1_Manual_001", "Ac4AudioPreselectionV2_Manual_001",
+        "Ac4AudioDescVolumeV2_Manual_001", "Ac4AudioPreselectionV1_Manual_002",
+        "Ac4AudioPreselectionV2_Manual_SwitchLanguage", "CheckVideoFrameWidthAndFrameHeight_001",
+        "CheckVideoFrameWidthAndFrameHeight_002", "CheckVideoFormatInterlacedAndFrameRate_001",
+        "CheckVideoFormatInterlacedAndFrameRate_002", "CheckVideoInfoOfColorPrimariesType_001",
+        "CheckVideoInfoOfAFDType_001", "CheckVideoInfoOfSupportOverscan_001",
+        "CheckVideoInfoOfAspectRatio_001", "CheckVideoInfoOfAspectRatio_002", "CheckAudio5_1Info",
+        "CheckAudioFormat_LfePresent_001"};
+    // clang-format on
     Rules rules;
     for (const char* name : kCases) {
         rules.push_back({std::string("TC_AV_Dtv") + name, "U_DTV_CHANNEL_ID", 0, 99});
@@ -380,59 +366,17 @@ Rules board_rules() {
     };
 }
 
-const Strings kFeatures = {"GPIO",
-                           "I2C_BUS0",
-                           "I2C_BUS1",
-                           "I2C_BUS2",
-                           "I2C_BUS3",
-                           "I2C_BUS_SLOW",
-                           "I2C_BUS_NORMAL",
-                           "I2C_BUS_MIDDLE",
-                           "I2C_BUS_FAST",
-                           "PAT_TABLE",
-                           "CAT_TABLE",
-                           "PMT_TABLE",
-                           "NIT_TABLE",
-                           "SDT_TABLE",
-                           "BAT_TABLE",
-                           "EIT_TABLE",
-                           "EIT_PF_TABLE",
-                           "EIT_SCHEDULE_TABLE",
-                           "TDT_TABLE",
-                           "RST_TABLE",
-                           "TOT_TABLE",
-                           "DIT_TABLE",
-                           "SIT_TABLE",
-                           "MGT_TABLE",
-                           "TVCT_TABLE",
-                           "CVCT_TABLE",
-                           "RRT_TABLE",
-                           "ETT_TABLE",
-                           "STT_TABLE",
-                           "EEPROM",
-                           "FLASH",
-                           "PVR_PLAYBACK_DEMUX0",
-                           "PVR_PLAYBACK_DEMUX1",
-                           "PVR_PLAYBACK_DEMUX2",
-                           "PVR_PLAYBACK_DEMUX3",
-                           "STREAMINJECT",
-                           "3D",
-                           "HDMI0",
-                           "HDMI1",
-                           "HDMI2",
-                           "MHL0",
-                           "MHL1",
-                           "MHL2",
-                           "CEC0",
-                           "CEC1",
-                           "CEC2",
-                           "CVBS0",
-                           "CVBS1",
-                           "YPBPR0",
-                           "YPBPR1",
-                           "VGA0",
-                           "AFE_TUNING_AFTER_ATV_SOURCE",
-                           "SMC1"};
+// clang-format off
+const Strings kFeatures = {
+    "GPIO", "I2C_BUS0", "I2C_BUS1", "I2C_BUS2", "I2C_BUS3", "I2C_BUS_SLOW", "I2C_BUS_NORMAL",
+    "I2C_BUS_MIDDLE", "I2C_BUS_FAST", "PAT_TABLE", "CAT_TABLE", "PMT_TABLE", "NIT_TABLE",
+    "SDT_TABLE", "BAT_TABLE", "EIT_TABLE", "EIT_PF_TABLE", "EIT_SCHEDULE_TABLE", "TDT_TABLE",
+    "RST_TABLE", "TOT_TABLE", "DIT_TABLE", "SIT_TABLE", "MGT_TABLE", "TVCT_TABLE", "CVCT_TABLE",
+    "RRT_TABLE", "ETT_TABLE", "STT_TABLE", "EEPROM", "FLASH", "PVR_PLAYBACK_DEMUX0",
+    "PVR_PLAYBACK_DEMUX1", "PVR_PLAYBACK_DEMUX2", "PVR_PLAYBACK_DEMUX3", "STREAMINJECT", "3D",
+    "HDMI0", "HDMI1", "HDMI2", "MHL0", "MHL1", "MHL2", "CEC0", "CEC1", "CEC2", "CVBS0", "CVBS1",
+    "YPBPR0", "YPBPR1", "VGA0", "AFE_TUNING_AFTER_ATV_SOURCE", "SMC1"};
+// clang-format on
 
 Rules feature_rules() {
     Rules rules;
@@ -933,7 +877,7 @@ TEST(ConfigTreeChecker, FindsEachFault) {
         {"number with a tail", "256", "256kHz", "[CHANNEL0]AUDIO_PID0: not an integer"},
         {"two formats in one", "AUDIO_FORMAT=2", "AUDIO_FORMAT=3",
          "AUDIO_FORMAT: not one of the enumerated values"},
-        {"octal by accident", "256", "0258", "[CHANNEL0]AUDIO_PID0: not an integer"},
+        {"octal by accident", "256", "0256", "[CHANNEL0]AUDIO_PID0: octal"},
         {"word alone", "AUDIO_NUM=2", "AUDIO_NUM", "not KEY=VALUE"},
         {"unclosed header", "[CHANNEL0]", "[CHANNEL0", "bad section header"},
         {"overlong value", "256", "00000000000000000000000000000000000000000000000000",
