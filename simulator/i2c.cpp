@@ -44,7 +44,7 @@ bool chipExists(uint32_t bus, uint8_t address) {
     if (common.number("IIC", "IIC_DEV_BUS_ID") == bus &&
         common.number("IIC", "IIC_DEV_ADDR", -1) == address)
         return true;
-    if (bus == QLX_I2C_0 && common.number("AMPLIFIER", "AMP_I2C_ADDR", -1) == address)
+    if (bus == QLX_I2C_0 && common.number("AMP", "AMP_I2C_ADDR", -1) == address)
         return true;
     for (int i = 0;; i++) {
         std::string key = "CHIP" + std::to_string(i);

@@ -1,0 +1,42 @@
+#!/bin/sh
+# Installs what is missing, builds with gcc, clang and the sanitizers, and runs all tests.
+# Safe to repeat. Options:
+#     --quick     only the debug build and its tests
+#     --torture   also the whole torture run, which takes hours
+set -e
+cd "$(dirname "$0")"
+quick=
+torture=
+for word in "$@"; do
+    case $word in
+    --quick) quick=1 ;;
+    --torture) torture=1 ;;
+    *) sed -n '2,6p' "$0" >&2; exit 2 ;;
+    esac
+done
+tools/setup.sh
+export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+jobs=$(nproc)
+
+build() {
+    echo "test: building preset $1"
+    cmake --preset "$1" > /dev/null
+    cmake --build --preset "$1" -j "$jobs"
+}
+
+build debug
+if [ -z "$quick" ]; then
+    build clang
+    build asan
+    echo "test: preset asan"
+    ctest --preset asan -j "$jobs"
+    build tsan
+    echo "test: preset tsan, the simulated device's core"
+    ctest --preset tsan -j "$jobs" -R '^(SimCore|Storage)'
+fi
+echo "test: preset debug"
+ctest --preset debug -j "$jobs"
+if [ -n "$torture" ]; then
+    build release
+    tools/torture.sh
+fi
