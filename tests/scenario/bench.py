@@ -28,7 +28,9 @@ ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
 
 def command(*words, seed=None):
-    """The words that run a program in virtual time."""
+    """The words that run a program in virtual time; in real time where the launcher is not built."""
+    if not os.path.exists(LAUNCHER):
+        return list(words)
     prefix = [LAUNCHER] + (["--seed", str(seed)] if seed is not None else [])
     return prefix + list(words)
 
@@ -65,7 +67,8 @@ def read_report(path):
     for sheet in book.sheets():
         rows = [tuple(sheet.row_values(r)) for r in range(sheet.nrows)]
         assert rows[0] == ("ID", "Case", "Test", "Result"), rows[0]
-        report[sheet.name] = [(int(i), case, test, result) for i, case, test, result in rows[1:]]
+        report[sheet.name] = [(int(i), case, test, result) for i, case, test, result in rows[1:]
+                              if i != ""]
     return report
 
 
