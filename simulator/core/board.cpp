@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <sstream>
 #include <vector>
 
 #include "simulator/core/sim.h"
@@ -24,8 +25,16 @@ bool Cfg::load(const std::string& path) {
     std::ifstream file(path);
     if (!file)
         return false;
+    std::ostringstream text;
+    text << file.rdbuf();
+    add(text.str());
+    return true;
+}
+
+void Cfg::add(const std::string& text) {
+    std::istringstream in(text);
     std::string section;
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(in, line);) {
         line = trim(line);
         if (line.empty() || line[0] == '#')
             continue;
@@ -39,7 +48,6 @@ bool Cfg::load(const std::string& path) {
         values_.emplace(std::make_pair(section, trim(line.substr(0, equals))),
                         trim(line.substr(equals + 1)));
     }
-    return true;
 }
 
 bool Cfg::has(const std::string& section, const std::string& key) const {
@@ -84,6 +92,7 @@ static void loadOnce(BoardFiles& f) {
     const char* path = getenv("QLX_SIM_BOARD");
     if (path != nullptr && !f.board.load(path))
         complain("cannot read the board file %s: the device is the default board", path);
+    f.board.add(defaultBoardText);
     std::string config = f.board.text("BOARD", "CONFIG", "config");
     std::string platform = f.board.text("BOARD", "PLATFORM");
     if (platform.empty()) {

@@ -2,7 +2,8 @@
  * The board: what the simulated device is made of, and where its files lie.
  *
  * The board file has the syntax of all configuration files. It is named by the environment variable
- * QLX_SIM_BOARD; without one the device is the default board, which has everything.
+ * QLX_SIM_BOARD, and holds what differs from the default board (boards/default.cfg), which is built
+ * in and has everything.
  */
 #ifndef SIMULATOR_CORE_BOARD_H
 #define SIMULATOR_CORE_BOARD_H
@@ -20,6 +21,8 @@ class Cfg {
  public:
     /** Reads a file; an unreadable one holds nothing. Returns whether it could be read. */
     bool load(const std::string& path);
+    /** Adds what a text of that syntax has and the file has not. */
+    void add(const std::string& text);
 
     bool has(const std::string& section, const std::string& key) const;
     /** Numbers as the program reads them: decimal, 0x hexadecimal, leading 0 octal; else 0. */
@@ -30,6 +33,9 @@ class Cfg {
  private:
     std::map<std::pair<std::string, std::string>, std::string> values_;
 };
+
+/** The default board, text of a configuration file. */
+extern const char defaultBoardText[];
 
 /** The board file. Read once, on first use; any thread may call. */
 const Cfg& board();
