@@ -27,6 +27,9 @@ void gpioReset();
 void gpioDescribe(std::string* out);
 void i2cReset();
 void i2cDescribe(std::string* out);
+void tunerReset();
+void tunerDescribe(std::string* out);
+bool tunerControl(const std::string& event);
 
 }  // namespace sim
 
