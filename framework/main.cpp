@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include "environment/conf_reader.h"
-#include "environment/test_env.h"
 #include "framework/platform_select.h"
+#include "framework/startup.h"
 #include "framework/tc_framework.h"
 #include "framework/zk_log.h"
 #include "platform/qlx_sys.h"
@@ -18,11 +18,6 @@ static void loadText(const char* key, char* text, size_t size) {
     char value[CONF_TEXT_SIZE] = "";
     get_conf_sting_self("COMMON", key, value, g_configFile.common);
     snprintf(text, size, "%s", value);
-}
-
-static void loadEnvironment(void) {
-    zk_test_load_feature();
-    zk_test_load_channel_info();
 }
 
 static void fillConfig(TcFwConfig* config) {
@@ -55,7 +50,7 @@ int main(int argc, char** argv) {
         zk_log("Sorry , init the hal dirver system failed, exit. \r\n");
         return -1;
     }
-    loadEnvironment();
+    zk_loadEnvironment();
     fillConfig(&config);
     zk_test_config(&config);
     while (!zk_test_finihsed())

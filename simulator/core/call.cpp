@@ -210,6 +210,7 @@ Call::Call(const char* function, const char* text, ...) : function_(function) {
     refusal_ = effect.code;
     for (const FaultEffect::Corruption& change : effect.corruptions)
         corruptions_.push_back({change.offset, change.value});
+    scramble_ = effect.scramble;
 }
 
 Call::~Call() {
@@ -235,6 +236,7 @@ void Call::output(void* data, size_t size) {
     FaultEffect effect;
     for (const auto& change : corruptions_)
         effect.corruptions.push_back({change.first, change.second});
+    effect.scramble = scramble_;
     corrupt(effect, data, size);
 }
 

@@ -78,10 +78,11 @@ static bool parseWord(const std::string& word, Fault* fault) {
     }
     if (key == "corrupt")
         return parseCorruption(value, &effect);
-    if (key == "hang" || key == "kill" || key == "drop") {
+    if (key == "hang" || key == "kill" || key == "drop" || key == "scramble") {
         effect.hang = effect.hang || key == "hang";
         effect.kill = effect.kill || key == "kill";
         effect.drop = effect.drop || key == "drop";
+        effect.scramble = effect.scramble || key == "scramble";
         return equals == std::string::npos;
     }
     if (!parseNumber(value, 0, &number))
@@ -184,6 +185,7 @@ FaultEffect faultsOn(const char* name) {
         all.hang = all.hang || one.hang;
         all.kill = all.kill || one.kill;
         all.drop = all.drop || one.drop;
+        all.scramble = all.scramble || one.scramble;
         all.repeat += one.repeat;
         all.corruptions.insert(all.corruptions.end(), one.corruptions.begin(),
                                one.corruptions.end());
@@ -192,6 +194,8 @@ FaultEffect faultsOn(const char* name) {
 }
 
 void corrupt(const FaultEffect& effect, void* data, size_t size) {
+    for (size_t i = 0; effect.scramble && data != nullptr && i < size; i++)
+        static_cast<uint8_t*>(data)[i] ^= 0x55;
     for (const FaultEffect::Corruption& change : effect.corruptions) {
         if (data != nullptr && change.offset < size)
             static_cast<uint8_t*>(data)[change.offset] = change.value;

@@ -23,6 +23,7 @@ struct FaultEffect {
         uint8_t value;
     };
     std::vector<Corruption> corruptions;
+    bool scramble = false;
 };
 
 /** Parses a line and adds the fault; false, with the reason in `error`, for a line that is none. */
@@ -36,7 +37,7 @@ FaultEffect faultsOn(const char* name);
 /** Reads the file that QLX_SIM_FAULTS names, once. */
 void loadFaultFile();
 
-/** Exchanges the bytes of `data` that lie within `size`. */
+/** Exchanges the bytes of `data` that lie within `size`, or for a scramble inverts bits of all. */
 void corrupt(const FaultEffect& effect, void* data, size_t size);
 
 /** Never returns: a call that hangs, or a process that dies. */

@@ -68,6 +68,7 @@ class Call {
     std::string note_;
     // Offsets and bytes that a fault exchanges in the call's output.
     std::vector<std::pair<size_t, uint8_t>> corruptions_;
+    bool scramble_ = false;
     bool refused_ = false;
     bool traced_ = false;
     int32_t refusal_ = 0;

@@ -43,6 +43,7 @@ struct Options {
     bool realTime = false;
     bool resume = false;
     bool quiet = false;
+    bool layOutOnly = false;
     int restarts = 50;
 };
 
@@ -394,8 +395,8 @@ bool summarise(const Options& options) {
         for (unsigned r = 1; r <= sheet->rows.lastrow; r++) {
             xlsCell* cell = xls_cell(sheet, static_cast<uint16_t>(r), 3);
             for (int w = 0; w < 6; w++)
-                counts[w] += cell != nullptr && cell->str != nullptr &&
-                             strcmp(cell->str, words[w]) == 0;
+                counts[w] +=
+                    cell != nullptr && cell->str != nullptr && strcmp(cell->str, words[w]) == 0;
         }
         printf("%-20s %7u %7u %7u %7u %7u %7u\n", book->sheets.sheet[i].name, counts[0], counts[1],
                counts[2], counts[3], counts[4], counts[5]);
@@ -430,6 +431,7 @@ void usage(FILE* out) {
         "  --input FILE       what the program reads on its standard input (nothing)\n"
         "  --resume           go on with the folder's report instead of a new one\n"
         "  --quiet            no progress line\n"
+        "  --lay-out          only bring the folder into order, and run nothing\n"
         "  --module NAME, --name PATTERN, --failed REPORT, --auto, --long\n"
         "                     what the checklist marks, as mkchecklist takes them\n"
         "The exit code is 0 when the run was completed, whatever its verdicts.\n",
@@ -468,6 +470,8 @@ bool parse(int argc, char** argv, Options* options) {
             options->resume = true;
         else if (word == "--quiet")
             options->quiet = true;
+        else if (word == "--lay-out")
+            options->layOutOnly = true;
         else if (word[0] != '-' && options->dir.empty())
             options->dir = fs::absolute(word);
         else
@@ -498,6 +502,8 @@ int main(int argc, char** argv) {
     try {
         // Before the report is put away: the failures of an earlier one may select the rows.
         layOut(options);
+        if (options.layOutOnly)
+            return 0;
         if (!makeChecklist(options))
             return 1;
         if (!options.resume)

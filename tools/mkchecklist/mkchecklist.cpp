@@ -1,8 +1,8 @@
 // Writes a checklist workbook for the cases of this build.
 //
-// The workbook has a cover sheet, then one sheet for each module that has a selected case. A module's
-// sheet lists all its cases in table order, for rows are matched to cases by their place; the mark
-// says which of them are selected. It ends with a row that the program never reads.
+// The workbook has a cover sheet, then one sheet for each module that has a selected case. A
+// module's sheet lists all its cases in table order, for rows are matched to cases by their place;
+// the mark says which of them are selected. It ends with a row that the program never reads.
 #include <fnmatch.h>
 #include <stdio.h>
 #include <string.h>
@@ -29,7 +29,8 @@ struct Selection {
     std::set<std::pair<std::string, std::string>> failed;
 };
 
-/** Automatic cases that run longer than the monitor's patience: it reboots the device under them. */
+/** Automatic cases that run longer than the monitor's patience: it reboots the device under them.
+ */
 const char* const longCases[] = {
     "TC_TUNER_DVBS_BlindScanTune_013",
     "TC_TUNER_DVBS_BlindScanTune_014",
@@ -132,7 +133,8 @@ void writeModule(workbook* book, const Selection& selection, const TcModule& mod
 void writeCover(workbook* book) {
     static const char* const lines[] = {
         "zktest checklist",
-        "One sheet for each module. Column \"Test\": Y runs a case in an unattended run, N does not.",
+        "One sheet for each module. Column \"Test\": Y runs a case in an unattended run, N does "
+        "not.",
         "Rows are matched to cases by their place: neither sort, insert nor delete rows.",
         "The last row of each sheet is never read; leave it where it is.",
     };
@@ -161,8 +163,9 @@ int writeChecklist(const char* path, const Selection& selection) {
         return 1;
     }
     if (totals.sheets == 1 && totals.lastSheetRows == 1)
-        printf("note: the program takes a checklist of one sheet with one case for finished and "
-               "runs nothing of it; select a second module\n");
+        printf(
+            "note: the program takes a checklist of one sheet with one case for finished and "
+            "runs nothing of it; select a second module\n");
     printf("%s: %u cases marked Y on %u sheets\n", path, totals.selected, totals.sheets);
     return 0;
 }

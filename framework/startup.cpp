@@ -1,0 +1,8 @@
+#include "framework/startup.h"
+
+#include "environment/test_env.h"
+
+void zk_loadEnvironment(void) {
+    zk_test_load_feature();
+    zk_test_load_channel_info();
+}

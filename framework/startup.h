@@ -1,0 +1,9 @@
+/* What a start loads before any case can run. Initial thread. */
+#ifndef FRAMEWORK_STARTUP_H
+#define FRAMEWORK_STARTUP_H
+
+/** Loads features, channels and the modules' parameters, in this order, from the files that
+ *  g_configFile names. What is missing there stays 0 or empty. */
+void zk_loadEnvironment(void);
+
+#endif

@@ -1,0 +1,743 @@
+// The torture run: proof that each check of each case can fail, and that each path cleans up.
+//
+// For each automatic case that passes on the simulated device: run it once and record its library
+// calls and callbacks; then run it once for each call with that call answered wrongly (a refusal
+// where it succeeded, a success where it was refused), and once for each callback with it dropped,
+// and with its payload changed. Each of these runs must turn the verdict to failure, leave the
+// device as it was before the case, and end within a bound of virtual time. What the rules of a
+// case ignore on purpose stands in the list of exceptions, each with its reason.
+//
+// One worker process tortures one case, in virtual time, and writes its results as it goes; so a
+// crash or a run without an end costs one result and not the others, and a torture that was
+// interrupted goes on where it stopped. docs/torture.md explains the report.
+#include <fcntl.h>
+#include <fnmatch.h>
+#include <malloc.h>
+#include <pthread.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "environment/conf_reader.h"
+#include "framework/modules.h"
+#include "framework/platform_select.h"
+#include "framework/startup.h"
+#include "framework/tc_check.h"
+#include "platform/qlx_sys.h"
+#include "simulator/sim_control.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// ---- What both sides know -----------------------------------------------------------------------
+
+/** One way to torture a case: one call or callback of its record, and what is done to it. */
+struct Step {
+    /** Function or callback. */
+    std::string name;
+    /** Which of its calls, from 1. */
+    unsigned nth;
+    /** "refuse", "accept", "drop" or "scramble". */
+    std::string kind;
+
+    std::string text() const {
+        return name + "#" + std::to_string(nth) + " " + kind;
+    }
+    std::string fault(const std::string& caseName) const {
+        std::string action = kind;
+        if (kind == "refuse")
+            action = "return=77";
+        else if (kind == "accept")
+            action = "return=0";
+        return name + " case=" + caseName + " call=" + std::to_string(nth) + " " + action;
+    }
+};
+
+/** Calls of a function beyond this many in one case are taken as samples: a case that reads the
+ *  signal 12,000 times checks each reading in the same line. */
+constexpr unsigned wholeCalls = 8;
+
+bool sampled(unsigned nth, unsigned total) {
+    return nth <= wholeCalls || nth == total || (nth & (nth - 1)) == 0;
+}
+
+const TcModule* findModule(const std::string& name) {
+    for (const TcModule* module : testModules) {
+        if (name == module->name)
+            return module;
+    }
+    return nullptr;
+}
+
+/** Whether a refusal of this call leaves open what it would have ended: nobody could end it then.
+ */
+bool isUndo(const std::string& function) {
+    for (const char* word :
+         {"DeInit", "Close", "Stop", "UnRegister", "Delete", "Free", "Disable"}) {
+        if (function.find(word) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+// ---- The worker ---------------------------------------------------------------------------------
+
+FILE* g_out;
+std::atomic<int64_t> g_deadlineMs{0};
+
+int64_t virtualMs() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
+}
+
+/** Ends the worker when a run passes its bound; the driver goes on with the next step. */
+void* watch(void*) {
+    for (;;) {
+        sleep(5);
+        int64_t deadline = g_deadlineMs;
+        if (deadline != 0 && virtualMs() > deadline) {
+            fprintf(g_out, "endless\n");
+            fflush(g_out);
+            _exit(3);
+        }
+    }
+}
+
+std::string deviceText(size_t (*read)(char*, size_t)) {
+    std::string text(read(nullptr, 0) + 1, '\0');
+    read(&text[0], text.size());
+    text.pop_back();
+    return text;
+}
+
+/** Threads of the program, which bear its name; those of the device bear their own. */
+unsigned programThreads() {
+    unsigned count = 0;
+    std::string own;
+    std::ifstream("/proc/self/comm") >> own;
+    for (const auto& task : fs::directory_iterator("/proc/self/task")) {
+        std::string name;
+        std::ifstream(task.path() / "comm") >> name;
+        count += name == own;
+    }
+    return count;
+}
+
+struct Outcome {
+    uint32_t verdict;
+    std::string left;
+    unsigned threads;
+    int64_t heap;
+    int64_t tookMs;
+};
+
+/** One run of the case between its hooks, with the module freshly set up. */
+Outcome runOnce(const TcModule& module, const TcCase& testCase, const std::string& fault,
+                int64_t boundMs) {
+    Outcome outcome = {};
+    qlx_sim_reset();
+    // Heap is compared with the device at rest, so that what the device keeps does not count.
+    int64_t heap = static_cast<int64_t>(mallinfo2().uordblks);
+    if (module.setup != nullptr)
+        module.setup();
+    std::string before = deviceText(qlx_sim_state);
+    unsigned threads = programThreads();
+    if (!fault.empty() && qlx_sim_add_fault(fault.c_str()) != 0)
+        abort();
+    qlx_sim_record(fault.empty());
+    int64_t start = virtualMs();
+    g_deadlineMs = start + boundMs;
+    zk_currentCaseName = testCase.name;
+    if (module.caseSetup != nullptr)
+        module.caseSetup(nullptr, nullptr);
+    outcome.verdict = testCase.function();
+    if (module.caseTeardown != nullptr)
+        module.caseTeardown();
+    zk_currentCaseName = nullptr;
+    outcome.tookMs = virtualMs() - start;
+    g_deadlineMs = 0;
+    qlx_sim_record(0);
+    qlx_sim_clear_faults();
+    // A detached thread may need a moment to leave.
+    sleep(1);
+    unsigned after = programThreads();
+    outcome.threads = after > threads ? after - threads : 0;
+    std::string state = deviceText(qlx_sim_state);
+    if (state != before)
+        outcome.left = state;
+    if (module.teardown != nullptr)
+        module.teardown();
+    qlx_sim_reset();
+    outcome.heap = static_cast<int64_t>(mallinfo2().uordblks) - heap;
+    return outcome;
+}
+
+/** The steps that a record of calls offers. Lines read "time thread QLX_Name(...)=code..." and
+ *  "time thread callback Name(...)". */
+std::vector<Step> planOf(const std::string& record) {
+    std::vector<Step> all;
+    std::map<std::string, unsigned> counts;
+    std::istringstream lines(record);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string time, thread, word;
+        words >> time >> thread >> word;
+        bool callback = word == "callback";
+        if (callback)
+            words >> word;
+        std::string name = word.substr(0, word.find('('));
+        unsigned nth = ++counts[name];
+        if (callback) {
+            all.push_back({name, nth, "drop"});
+            all.push_back({name, nth, "scramble"});
+            continue;
+        }
+        size_t result = line.rfind(")=");
+        if (result == std::string::npos)
+            continue;
+        bool refused = strtol(line.c_str() + result + 2, nullptr, 10) != 0;
+        all.push_back({name, nth, refused ? "accept" : "refuse"});
+    }
+    std::vector<Step> plan;
+    for (const Step& step : all) {
+        if (sampled(step.nth, counts[step.name]))
+            plan.push_back(step);
+    }
+    return plan;
+}
+
+/** Whether repetitions of a run let the heap grow each time. */
+bool leaks(const TcModule& module, const TcCase& testCase, const std::string& fault,
+           int64_t bound) {
+    for (int i = 0; i < 3; i++) {
+        if (runOnce(module, testCase, fault, bound).heap <= 0)
+            return false;
+    }
+    return true;
+}
+
+std::string oneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ';');
+    return text;
+}
+
+constexpr int64_t firstBoundMs = 4 * 3600 * 1000;
+
+/** Brings a worker up as an unattended run is, with its console silenced and its results going to
+ *  `out`. Null when there is no such case. */
+const TcCase* startWork(const TcModule* module, const std::string& caseName, const char* out) {
+    const TcCase* testCase = nullptr;
+    for (uint32_t i = 0; module != nullptr && i < module->caseCount; i++) {
+        if (caseName == module->cases[i].name)
+            testCase = &module->cases[i];
+    }
+    g_out = fopen(out, "ae");
+    if (testCase == nullptr || testCase->function == nullptr || g_out == nullptr)
+        return nullptr;
+    int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    dup2(null, STDOUT_FILENO);
+    int32_t platform = 0;
+    snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
+    get_common_config(&g_configFile);
+    get_conf_value_self("PLATFORM_INFO", "PLATFORM", &platform, g_configFile.autoTestPlatform);
+    set_platform(&g_configFile, &platform);
+    QLX_SysInit();
+    zk_loadEnvironment();
+    pthread_t watcher;
+    pthread_create(&watcher, nullptr, watch, nullptr);
+    return testCase;
+}
+
+int work(const std::string& moduleName, const std::string& caseName, const char* out,
+         unsigned firstStep) {
+    const TcModule* module = findModule(moduleName);
+    const TcCase* testCase = startWork(module, caseName, out);
+    if (testCase == nullptr)
+        return 2;
+    // The first run lets the device make its threads; the second is what the plan is made of.
+    Outcome base = runOnce(*module, *testCase, "", firstBoundMs);
+    base = runOnce(*module, *testCase, "", firstBoundMs);
+    std::vector<Step> plan = planOf(deviceText(qlx_sim_recorded));
+    if (firstStep == 0) {
+        fprintf(g_out, "base\t%u\t%lld\t%zu\t%u\t%s\n", base.verdict,
+                static_cast<long long>(base.tookMs), plan.size(), base.threads,
+                oneLine(base.left).c_str());
+        fflush(g_out);
+    }
+    int64_t bound = 2 * base.tookMs + 900 * 1000;
+    for (unsigned i = firstStep; base.verdict == TC_SUCCESS && i < plan.size(); i++) {
+        std::string fault = plan[i].fault(caseName);
+        fprintf(g_out, "step\t%u\t%s\t", i, plan[i].text().c_str());
+        fflush(g_out);
+        Outcome run = runOnce(*module, *testCase, fault, bound);
+        bool leaking = run.heap > 0 && leaks(*module, *testCase, fault, bound);
+        fprintf(g_out, "verdict=%u\tthreads=%u\theap=%s\tleft=%s\n", run.verdict, run.threads,
+                leaking ? "grows" : "steady", oneLine(run.left).c_str());
+        fflush(g_out);
+    }
+    fprintf(g_out, "done\n");
+    fclose(g_out);
+    _exit(0);
+}
+
+/** A case with a limit: its step delayed by the last delay that is good, and by one millisecond
+ *  more. */
+int workOnLimit(const std::string& moduleName, const std::string& caseName, const char* out,
+                const std::string& step, int64_t lastGoodMs) {
+    const TcModule* module = findModule(moduleName);
+    const TcCase* testCase = startWork(module, caseName, out);
+    size_t hash = step.find('#');
+    if (testCase == nullptr || hash == std::string::npos)
+        return 2;
+    std::string prefix =
+        step.substr(0, hash) + " case=" + caseName + " call=" + step.substr(hash + 1) + " delay=";
+    runOnce(*module, *testCase, "", firstBoundMs);
+    for (int64_t delay : {lastGoodMs, lastGoodMs + 1}) {
+        Outcome run = runOnce(*module, *testCase, prefix + std::to_string(delay), firstBoundMs);
+        fprintf(g_out, "%u ", run.verdict);
+    }
+    fclose(g_out);
+    _exit(0);
+}
+
+// ---- The driver ---------------------------------------------------------------------------------
+
+struct Options {
+    fs::path dir = fs::current_path();
+    fs::path out;
+    fs::path exceptions;
+    fs::path limits;
+    std::vector<std::string> modules;
+    std::string pattern = "*";
+    unsigned jobs = 2;
+    unsigned every = 1;
+    bool resume = false;
+};
+
+struct Exception {
+    /** "missed", "unclean" or "both". */
+    std::string what;
+    std::string casePattern;
+    std::string stepPattern;
+    std::string reason;
+    unsigned used = 0;
+};
+
+/** Lines: what, pattern of cases, pattern of steps (blank as '_'), reason. */
+bool loadExceptions(const fs::path& path, std::vector<Exception>* list) {
+    std::ifstream file(path);
+    if (!file) {
+        fprintf(stderr, "torture: cannot read the exceptions %s\n", path.c_str());
+        return false;
+    }
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        Exception exception;
+        if (line.empty() || line[0] == '#')
+            continue;
+        words >> exception.what >> exception.casePattern >> exception.stepPattern;
+        std::getline(words, exception.reason);
+        bool known =
+            exception.what == "missed" || exception.what == "unclean" || exception.what == "both";
+        if (!known || exception.reason.size() < 10) {
+            fprintf(stderr, "torture: %s: no exception: %s\n", path.c_str(), line.c_str());
+            return false;
+        }
+        list->push_back(exception);
+    }
+    return true;
+}
+
+bool excepted(std::vector<Exception>* list, const char* what, const std::string& caseName,
+              std::string step) {
+    std::replace(step.begin(), step.end(), ' ', '_');
+    for (Exception& exception : *list) {
+        if ((exception.what == what || exception.what == "both") &&
+            fnmatch(exception.casePattern.c_str(), caseName.c_str(), 0) == 0 &&
+            fnmatch(exception.stepPattern.c_str(), step.c_str(), 0) == 0) {
+            exception.used++;
+            return true;
+        }
+    }
+    return false;
+}
+
+struct Job {
+    const TcModule* module;
+    const TcCase* testCase;
+    fs::path file;
+    pid_t pid = 0;
+    unsigned firstStep = 0;
+};
+
+void startWorker(const Options& options, Job* job) {
+    fs::path self = fs::canonical("/proc/self/exe");
+    std::string launcher = self.parent_path() / "vclock/run";
+    std::string first = std::to_string(job->firstStep);
+    fflush(stdout);
+    job->pid = fork();
+    if (job->pid != 0)
+        return;
+    if (chdir(options.dir.c_str()) != 0)
+        _exit(126);
+    int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(null, STDIN_FILENO);
+    fs::path root = job->file.string() + ".device";
+    setenv("QLX_SIM_ROOT", root.c_str(), 1);
+    execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--worker", job->module->name,
+          job->testCase->name, job->file.c_str(), first.c_str(), nullptr);
+    _exit(126);
+}
+
+std::vector<std::string> linesOf(const fs::path& path) {
+    std::vector<std::string> lines;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+bool isDone(const fs::path& path) {
+    std::vector<std::string> lines = linesOf(path);
+    return !lines.empty() && lines.back() == "done";
+}
+
+/** After a worker's end: true when the case is through; else the step behind the one that ended the
+ *  worker is next. */
+bool settle(Job* job, int status) {
+    if (isDone(job->file))
+        return true;
+    std::vector<std::string> lines = linesOf(job->file);
+    std::ofstream file(job->file, std::ios::app);
+    if (lines.empty() || lines.back().compare(0, 5, "step\t") != 0) {
+        // "endless" stands behind its step; without any step the base run itself came to an end.
+        bool afterStep = lines.size() >= 1 && lines.back().find("endless") != std::string::npos;
+        if (!afterStep) {
+            file << "broken\t" << status << "\ndone\n";
+            return true;
+        }
+    } else if (lines.back().find("endless") == std::string::npos) {
+        file << "crash\n";
+    }
+    unsigned last = 0;
+    for (const std::string& line : lines) {
+        if (line.compare(0, 5, "step\t") == 0)
+            last = static_cast<unsigned>(strtoul(line.c_str() + 5, nullptr, 10));
+    }
+    job->firstStep = last + 1;
+    return false;
+}
+
+std::vector<Job> planJobs(const Options& options) {
+    std::vector<Job> jobs;
+    unsigned number = 0;
+    for (const TcModule* module : testModules) {
+        if (!options.modules.empty() && std::find(options.modules.begin(), options.modules.end(),
+                                                  module->name) == options.modules.end())
+            continue;
+        for (uint32_t i = 0; i < module->caseCount; i++) {
+            const TcCase& testCase = module->cases[i];
+            if (testCase.autoFlag != AUTO ||
+                fnmatch(options.pattern.c_str(), testCase.name, 0) != 0 ||
+                number++ % options.every != 0)
+                continue;
+            Job job;
+            job.module = module;
+            job.testCase = &testCase;
+            job.file = options.out / module->name / (std::string(testCase.name) + ".txt");
+            jobs.push_back(job);
+        }
+    }
+    return jobs;
+}
+
+void runJobs(const Options& options, std::vector<Job>* jobs) {
+    std::vector<Job*> waiting;
+    std::vector<Job*> running;
+    size_t total = jobs->size();
+    size_t finished = 0;
+    for (Job& job : *jobs) {
+        fs::create_directories(job.file.parent_path());
+        if (options.resume && isDone(job.file)) {
+            finished++;
+            continue;
+        }
+        fs::remove(job.file);
+        waiting.push_back(&job);
+    }
+    std::reverse(waiting.begin(), waiting.end());
+    while (!waiting.empty() || !running.empty()) {
+        while (!waiting.empty() && running.size() < options.jobs) {
+            Job* job = waiting.back();
+            waiting.pop_back();
+            startWorker(options, job);
+            running.push_back(job);
+        }
+        int status = 0;
+        pid_t pid = wait(&status);
+        auto ended = std::find_if(running.begin(), running.end(),
+                                  [pid](const Job* job) { return job->pid == pid; });
+        if (ended == running.end())
+            continue;
+        Job* job = *ended;
+        running.erase(ended);
+        if (!settle(job, status)) {
+            startWorker(options, job);
+            running.push_back(job);
+            continue;
+        }
+        std::error_code ignored;
+        fs::remove_all(job->file.string() + ".device", ignored);
+        finished++;
+        bool terminal = isatty(STDOUT_FILENO);
+        if (terminal || finished % 50 == 0)
+            printf("%s%zu of %zu cases, %s%s", terminal ? "\r\033[K" : "", finished, total,
+                   job->testCase->name, terminal ? "" : "\n");
+        fflush(stdout);
+    }
+    printf("\n");
+}
+
+struct Count {
+    unsigned cases = 0;
+    unsigned untortured = 0;
+    unsigned steps = 0;
+    unsigned caught = 0;
+    unsigned exceptedSteps = 0;
+    unsigned missed = 0;
+    unsigned unclean = 0;
+    unsigned broken = 0;
+};
+
+std::string field(const std::string& line, const char* key) {
+    size_t at = line.find(std::string("\t") + key + "=");
+    if (at == std::string::npos)
+        return "";
+    at += strlen(key) + 2;
+    return line.substr(at, line.find('\t', at) - at);
+}
+
+/** Judges one step's line; prints what is wrong. */
+void judgeStep(const std::string& caseName, const std::string& line,
+               std::vector<Exception>* exceptions, Count* count, std::ostream& report) {
+    std::istringstream parts(line);
+    std::string word, index, step;
+    std::getline(parts, word, '\t');
+    std::getline(parts, index, '\t');
+    std::getline(parts, step, '\t');
+    count->steps++;
+    std::string verdict = field(line, "verdict");
+    if (verdict.empty()) {
+        bool endless = line.find("endless") != std::string::npos;
+        count->broken++;
+        report << (endless ? "ENDLESS " : "CRASH   ") << caseName << " " << step << "\n";
+        return;
+    }
+    bool caught = verdict != "0" && verdict != "2";
+    bool forgiven = !caught && excepted(exceptions, "missed", caseName, step);
+    count->caught += caught;
+    count->exceptedSteps += forgiven;
+    if (!caught && !forgiven) {
+        count->missed++;
+        report << "MISSED  " << caseName << " " << step << "\n";
+    }
+    bool refusedUndo =
+        isUndo(step.substr(0, step.find('#'))) && step.find("refuse") != std::string::npos;
+    std::string left = refusedUndo ? "" : field(line, "left");
+    if ((!left.empty() || field(line, "threads") != "0" || field(line, "heap") == "grows") &&
+        !excepted(exceptions, "unclean", caseName, step)) {
+        count->unclean++;
+        report << "UNCLEAN " << caseName << " " << step << " threads=" << field(line, "threads")
+               << " heap=" << field(line, "heap") << " left=" << left << "\n";
+    }
+}
+
+void judgeCase(const Job& job, std::vector<Exception>* exceptions, Count* count,
+               std::ostream& report) {
+    std::string name = job.testCase->name;
+    count->cases++;
+    std::vector<std::string> lines = linesOf(job.file);
+    for (size_t i = 0; i < lines.size(); i++) {
+        const std::string& line = lines[i];
+        if (line.compare(0, 5, "base\t") == 0) {
+            std::string verdict = line.substr(5, line.find('\t', 5) - 5);
+            if (verdict != "0") {
+                count->untortured++;
+                report << "BASE    " << name << " ends with " << verdict << " without a fault\n";
+            }
+            std::string left = line.substr(line.rfind('\t') + 1);
+            if (!left.empty() && !excepted(exceptions, "unclean", name, "base")) {
+                count->unclean++;
+                report << "UNCLEAN " << name << " without a fault left=" << left << "\n";
+            }
+        } else if (line.compare(0, 5, "step\t") == 0) {
+            judgeStep(name, line, exceptions, count, report);
+        } else if (line.compare(0, 6, "broken") == 0) {
+            count->broken++;
+            report << "BROKEN  " << name << " without a fault\n";
+        }
+    }
+}
+
+/** Writes the report and prints the table by module. True when nothing is wrong. */
+bool judge(const Options& options, const std::vector<Job>& jobs,
+           std::vector<Exception>* exceptions) {
+    std::ofstream report(options.out / "report.txt");
+    std::vector<std::pair<std::string, Count>> modules;
+    for (const Job& job : jobs) {
+        if (modules.empty() || modules.back().first != job.module->name)
+            modules.push_back({job.module->name, Count()});
+        judgeCase(job, exceptions, &modules.back().second, report);
+    }
+    unsigned wrong = 0;
+    printf("%-20s %6s %6s %7s %7s %8s %6s %7s %6s\n", "Module", "cases", "no run", "steps",
+           "caught", "excepted", "missed", "unclean", "broken");
+    for (const auto& entry : modules) {
+        const Count& c = entry.second;
+        printf("%-20s %6u %6u %7u %7u %8u %6u %7u %6u\n", entry.first.c_str(), c.cases,
+               c.untortured, c.steps, c.caught, c.exceptedSteps, c.missed, c.unclean, c.broken);
+        wrong += c.missed + c.unclean + c.broken;
+    }
+    for (const Exception& exception : *exceptions) {
+        if (exception.used == 0)
+            report << "UNUSED  exception " << exception.casePattern << " " << exception.stepPattern
+                   << "\n";
+    }
+    printf("%s: %s\n", wrong == 0 ? "every fault is caught" : "FAULTS ARE MISSED",
+           (options.out / "report.txt").c_str());
+    return wrong == 0;
+}
+
+/** Runs a limit in a worker of its own. True when the verdict turns exactly there. */
+bool holdsLimit(const Options& options, const std::string& caseName, const std::string& step,
+                const std::string& lastGoodMs) {
+    const TcModule* module = nullptr;
+    for (const TcModule* candidate : testModules) {
+        for (uint32_t i = 0; i < candidate->caseCount; i++) {
+            if (caseName == candidate->cases[i].name)
+                module = candidate;
+        }
+    }
+    fs::path self = fs::canonical("/proc/self/exe");
+    fs::path file = options.out / "limit.txt";
+    fs::remove(file);
+    fflush(stdout);
+    pid_t pid = fork();
+    if (pid == 0) {
+        std::string launcher = self.parent_path() / "vclock/run";
+        setenv("QLX_SIM_ROOT", (options.out / "limit.device").c_str(), 1);
+        if (module == nullptr || chdir(options.dir.c_str()) != 0)
+            _exit(126);
+        execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--limit", module->name,
+              caseName.c_str(), file.c_str(), step.c_str(), lastGoodMs.c_str(), nullptr);
+        _exit(126);
+    }
+    waitpid(pid, nullptr, 0);
+    unsigned good = 99;
+    unsigned bad = 99;
+    std::ifstream(file) >> good >> bad;
+    bool held = good == TC_SUCCESS && bad == TC_FAILURE;
+    if (!held)
+        printf("LIMIT   %s %s: %u at %s ms, %u one later\n", caseName.c_str(), step.c_str(), good,
+               lastGoodMs.c_str(), bad);
+    return held;
+}
+
+/** Lines: case, step, last good delay in milliseconds, what the limit is. */
+bool holdLimits(const Options& options) {
+    std::ifstream file(options.limits);
+    unsigned held = 0;
+    unsigned missed = 0;
+    fs::create_directories(options.out);
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string caseName, step, lastGoodMs;
+        if (line.empty() || line[0] == '#')
+            continue;
+        words >> caseName >> step >> lastGoodMs;
+        if (fnmatch(options.pattern.c_str(), caseName.c_str(), 0) != 0)
+            continue;
+        (holdsLimit(options, caseName, step, lastGoodMs) ? held : missed)++;
+    }
+    printf("limits: %u turn at their millisecond, %u do not\n", held, missed);
+    return missed == 0 && held > 0;
+}
+
+bool parse(int argc, char** argv, Options* options) {
+    for (int i = 1; i < argc; i++) {
+        std::string word = argv[i];
+        if (word == "--resume") {
+            options->resume = true;
+            continue;
+        }
+        if (i + 1 >= argc)
+            return false;
+        std::string value = argv[++i];
+        if (word == "--dir")
+            options->dir = fs::absolute(value);
+        else if (word == "--out")
+            options->out = fs::absolute(value);
+        else if (word == "--exceptions")
+            options->exceptions = fs::absolute(value);
+        else if (word == "--limits")
+            options->limits = fs::absolute(value);
+        else if (word == "--module")
+            options->modules.push_back(value);
+        else if (word == "--name")
+            options->pattern = value;
+        else if (word == "--jobs")
+            options->jobs = static_cast<unsigned>(std::max(1, atoi(value.c_str())));
+        else if (word == "--every")
+            options->every = static_cast<unsigned>(std::max(1, atoi(value.c_str())));
+        else
+            return false;
+    }
+    return !options->out.empty() && (!options->exceptions.empty() || !options->limits.empty());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 6 && strcmp(argv[1], "--worker") == 0)
+        return work(argv[2], argv[3], argv[4],
+                    static_cast<unsigned>(strtoul(argv[5], nullptr, 10)));
+    if (argc == 7 && strcmp(argv[1], "--limit") == 0)
+        return workOnLimit(argv[2], argv[3], argv[4], argv[5], strtoll(argv[6], nullptr, 10));
+    Options options;
+    std::vector<Exception> exceptions;
+    if (!parse(argc, argv, &options)) {
+        fputs(
+            "usage: torture --out DIR --exceptions FILE [--dir BENCH] [--module NAME]...\n"
+            "               [--name PATTERN] [--every N] [--jobs N] [--resume]\n"
+            "Tortures the automatic cases: each recorded library call answered wrongly, each\n"
+            "callback dropped and changed. BENCH is a folder laid out by zkbench. --every N takes\n"
+            "each N-th case only. With --limits FILE in the place of the exceptions: each step of\n"
+            "FILE delayed to its limit and one millisecond beyond. The report is DIR/report.txt; "
+            "exit code 0 when nothing was\n"
+            "missed and all runs were clean.\n",
+            stderr);
+        return 2;
+    }
+    if (!options.limits.empty())
+        return holdLimits(options) ? 0 : 1;
+    if (!loadExceptions(options.exceptions, &exceptions))
+        return 2;
+    std::vector<Job> jobs = planJobs(options);
+    runJobs(options, &jobs);
+    return judge(options, jobs, &exceptions) ? 0 : 1;
+}
