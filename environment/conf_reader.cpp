@@ -1,6 +1,6 @@
 // The configuration reader. A start reads tens of thousands of keys, each by a scan of its file, so
-// the scan looks at no more of a line than it must: a line is taken apart in full only when it is a
-// header, or begins with the key.
+// the scan looks at no more than it must: it jumps from header to header, and takes a line apart only
+// when it is a header, or begins with the key in the section that is asked for.
 #include "environment/conf_reader.h"
 
 #include <ctype.h>
@@ -113,17 +113,70 @@ static char* readFile(const char* path, size_t* size) {
     return text;
 }
 
-/** Whether a line can matter: a header, or one that begins with the key. */
-static bool mayMatter(const char* line, size_t length, const char* key, size_t keyLength) {
-    while (length > 0 && isspace(static_cast<unsigned char>(*line))) {
-        line++;
-        length--;
+static bool isBlank(const char* from, const char* to) {
+    while (from < to && isspace(static_cast<unsigned char>(*from)))
+        from++;
+    return from == to;
+}
+
+/** The end of the line that starts at `line`, behind its newline; overlong ones are split. */
+static const char* lineEnd(const char* line, const char* end) {
+    size_t length = std::min<size_t>(static_cast<size_t>(end - line), LINE_MAX_LENGTH);
+    const void* newline = memchr(line, '\n', length);
+    return newline != nullptr ? static_cast<const char*>(newline) + 1 : line + length;
+}
+
+/** Takes the line between two addresses apart; ConfLine. */
+static int32_t parseLine(const char* line, const char* end, ConfItem* item) {
+    char copy[LINE_MAX_LENGTH + 1];
+    size_t length = static_cast<size_t>(end - line);
+    memcpy(copy, line, length);
+    copy[length] = '\0';
+    return get_item_from_line(copy, item);
+}
+
+/** The start of the next line that may be a header, `end` when there is none. `line` is the start
+ *  of a line. */
+static const char* nextHeader(const char* line, const char* end) {
+    const char* from = line;
+    for (;;) {
+        const void* found = memchr(from, '[', static_cast<size_t>(end - from));
+        if (found == nullptr)
+            return end;
+        const char* bracket = static_cast<const char*>(found);
+        const void* newline = memrchr(line, '\n', static_cast<size_t>(bracket - line));
+        if (newline != nullptr)
+            line = static_cast<const char*>(newline) + 1;
+        const char* start = line + (bracket - line) / LINE_MAX_LENGTH * LINE_MAX_LENGTH;
+        if (isBlank(start, bracket))
+            return start;
+        from = bracket + 1;
     }
-    if (length == 0)
-        return false;
-    if (*line == '[')
-        return true;
-    return length >= keyLength && memcmp(line, key, keyLength) == 0;
+}
+
+/** Scans the text of a file; the item holds the value when it is found. */
+static bool findItem(const char* text, const char* end, const char* section, const char* key,
+                     ConfItem* item) {
+    size_t keyLength = strlen(key);
+    const char* line = text;
+    while (line < end) {
+        bool inSection = strcmp(item->section, section) == 0;
+        if (!inSection)
+            line = nextHeader(line, end);
+        const char* next = lineEnd(line, end);
+        const char* first = line;
+        while (first < next && isspace(static_cast<unsigned char>(*first)))
+            first++;
+        // A line that neither opens a section nor begins with the key need not be taken apart.
+        size_t length = static_cast<size_t>(next - first);
+        bool matters = length > 0 && (*first == '[' || (length >= keyLength &&
+                                                        memcmp(first, key, keyLength) == 0));
+        if (matters && parseLine(line, next, item) == CONF_LINE_ITEM &&
+            strcmp(item->key, key) == 0 && strcmp(item->section, section) == 0)
+            return true;
+        line = next;
+    }
+    return false;
 }
 
 int32_t read_conf_value(const char* section, const char* key, char* value, const char* path) {
@@ -132,27 +185,11 @@ int32_t read_conf_value(const char* section, const char* key, char* value, const
     if (text == nullptr)
         return 1;
     ConfItem item = {};
-    size_t keyLength = strlen(key);
-    int32_t result = 1;
-    for (size_t at = 0; at < size && result != 0;) {
-        size_t length = std::min<size_t>(size - at, LINE_MAX_LENGTH);
-        const char* newline = static_cast<const char*>(memchr(text + at, '\n', length));
-        if (newline != nullptr)
-            length = static_cast<size_t>(newline - (text + at)) + 1;
-        if (mayMatter(text + at, length, key, keyLength)) {
-            char line[LINE_MAX_LENGTH + 1];
-            memcpy(line, text + at, length);
-            line[length] = '\0';
-            if (get_item_from_line(line, &item) == CONF_LINE_ITEM && strcmp(item.key, key) == 0 &&
-                strcmp(item.section, section) == 0) {
-                memcpy(value, item.value, strlen(item.value) + 1);
-                result = 0;
-            }
-        }
-        at += length;
-    }
+    bool found = findItem(text, text + size, section, key, &item);
+    if (found)
+        memcpy(value, item.value, strlen(item.value) + 1);
     free(text);
-    return result;
+    return found ? 0 : 1;
 }
 
 /** A value as the device's 32-bit strtol reads it: out of range gives the nearest bound. */
