@@ -3,8 +3,8 @@
 #include <cstdarg>
 #include <cstdio>
 
-static void printFrame(const char* color, const char* function, int line, const char* format,
-                       va_list arguments) {
+static void ZK_PRINTF(4, 0) printFrame(const char* color, const char* function, int line,
+                                       const char* format, va_list arguments) {
     flockfile(stdout);
     printf("%s[%s][%d]", color, function, line);
     vprintf(format, arguments);

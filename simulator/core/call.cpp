@@ -41,7 +41,7 @@ static Trace& trace() {
     return *instance;
 }
 
-static std::string vformat(const char* text, va_list arguments) {
+static std::string SIM_PRINTF(1, 0) vformat(const char* text, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     int length = vsnprintf(nullptr, 0, text, arguments);
