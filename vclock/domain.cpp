@@ -1,0 +1,570 @@
+// The token: who runs, who waits, and how time jumps when all wait.
+#include "vclock/domain.h"
+
+#include <errno.h>
+#include <limits.h>
+#include <linux/futex.h>
+#include <sys/syscall.h>
+
+#include "vclock/domain_internal.h"
+#include "vclock/real.h"
+#include "vclock/vclock.h"
+
+namespace vclock {
+
+// A waiting thread of each process looks this often whether another process was killed.
+constexpr int64_t kWatchPeriod = 20000000;
+// An interruptible wait has a time-out, however long: only then does the kernel end it after any
+// signal handler, SA_RESTART or not.
+constexpr int64_t kInterruptible = 3600 * kSecond;
+
+// Spinning: so many looks at the clock, or tries in vain, without a wait are taken for a loop that
+// waits by polling. From then on each costs time, a small part of what the loop took already.
+constexpr uint32_t kClockReads = 10000;
+constexpr uint32_t kFailedPolls = 200;
+constexpr int64_t kSmallestCreep = 1000;
+constexpr int64_t kLargestCreep = 1000000;
+
+Region* region;
+__thread Self self;
+
+ThreadSlot& slotAt(uint32_t slot) {
+    return region->threads[slot - 1];
+}
+
+// A slot that says it runs but has no token belongs to a change that a kill cut short.
+static void repair() {
+    for (uint32_t i = 0; i < region->slotsUsed; i++) {
+        ThreadSlot& slot = region->threads[i];
+        if (slot.state == State::Running && region->running != i + 1)
+            slot.state = State::Ready;
+    }
+}
+
+Locked::Locked() {
+    self.locked = true;
+    if (real().pthread_mutex_lock(&region->lock) == EOWNERDEAD) {
+        repair();
+        pthread_mutex_consistent(&region->lock);
+    }
+}
+
+static int futexWait(std::atomic<uint32_t>* word, uint32_t seen, int64_t ns) {
+    int saved = errno;
+    timespec limit = {static_cast<time_t>(ns / kSecond), static_cast<long>(ns % kSecond)};
+    long result =
+        real().syscall(SYS_futex, word, FUTEX_WAIT, seen, ns > 0 ? &limit : nullptr, nullptr, 0);
+    int error = result < 0 ? errno : 0;
+    errno = saved;
+    return error;
+}
+
+void kick(uint32_t slot) {
+    if (slot == 0 || slot == self.slot)
+        return;
+    int saved = errno;
+    ThreadSlot& other = slotAt(slot);
+    other.wake.fetch_add(1);
+    real().syscall(SYS_futex, &other.wake, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
+    errno = saved;
+}
+
+void makeReady(ThreadSlot& slot, Result result) {
+    slot.state = State::Ready;
+    slot.result = result;
+    slot.order = ++region->order;
+}
+
+static int64_t offsetOf(Clock clock) {
+    switch (clock) {
+        case Clock::Calendar:
+            return region->calendarOffset.load(std::memory_order_relaxed);
+        case Clock::Boot:
+            return region->suspended.load(std::memory_order_relaxed);
+        default:
+            return 0;
+    }
+}
+
+// When a wait ends, on the monotonic clock; the calendar may have been set since it began.
+static int64_t dueTime(const ThreadSlot& slot) {
+    return slot.clock == Clock::Monotonic || slot.deadline == kForever
+               ? slot.deadline
+               : slot.deadline - offsetOf(slot.clock);
+}
+
+// xorshift64*
+static uint32_t randomBelow(uint32_t limit) {
+    uint64_t x = region->random;
+    x ^= x >> 12;
+    x ^= x << 25;
+    x ^= x >> 27;
+    region->random = x;
+    return static_cast<uint32_t>((x * 2685821657736338717ull) >> 32) % limit;
+}
+
+struct Census {
+    uint32_t ready = 0;       // how many
+    uint32_t firstReady = 0;  // slot with the lowest sequence number
+    uint32_t firstLeaving = 0;
+    uint32_t firstDue = 0;
+    uint32_t waiting = 0;
+    int64_t due = kForever;
+    bool timeHeld = false;
+    bool outside = false;
+};
+
+static bool earlier(uint32_t slot, uint32_t than) {
+    return than == 0 || slotAt(slot).order < slotAt(than).order;
+}
+
+static Census takeCensus() {
+    Census census;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Free ||
+            region->processes[thread.process].state != ProcessState::Live)
+            continue;
+        if (thread.state == State::Ready) {
+            census.ready++;
+            if (earlier(slot, census.firstReady))
+                census.firstReady = slot;
+        } else if (thread.state == State::Leaving) {
+            if (earlier(slot, census.firstLeaving))
+                census.firstLeaving = slot;
+        } else if (thread.state == State::Outside) {
+            census.outside = true;
+            census.timeHeld = census.timeHeld || thread.holdsTime != 0;
+        } else if (thread.state == State::Waiting) {
+            census.waiting++;
+            int64_t due = dueTime(thread);
+            if (due < census.due ||
+                (due == census.due && due != kForever && earlier(slot, census.firstDue))) {
+                census.due = due;
+                census.firstDue = slot;
+            }
+        }
+    }
+    return census;
+}
+
+static uint32_t kthReady(uint32_t k) {
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Ready &&
+            region->processes[thread.process].state == ProcessState::Live && k-- == 0)
+            return slot;
+    }
+    return 0;
+}
+
+// Time jumps to the next deadline; all that are due become ready, the earliest first.
+static void advance(int64_t due) {
+    int64_t now = region->now.load(std::memory_order_relaxed);
+    if (due > now)
+        region->now.store(now = due);
+    for (;;) {
+        uint32_t first = 0;
+        int64_t firstTime = kForever;
+        for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+            const ThreadSlot& thread = slotAt(slot);
+            if (thread.state != State::Waiting)
+                continue;
+            int64_t time = dueTime(thread);
+            if (time <= now &&
+                (time < firstTime || first == 0 || (time == firstTime && earlier(slot, first)))) {
+                first = slot;
+                firstTime = time;
+            }
+        }
+        if (first == 0)
+            return;
+        makeReady(slotAt(first), Result::TimedOut);
+        if (traceFile >= 0)
+            traceLine("due", slotAt(first));
+    }
+}
+
+// Whoever waits for a descriptor looks again before time goes on, if anybody did anything since:
+// writes to pipes reach the kernel in many ways, and only it knows what can be read.
+static uint32_t lookAgain() {
+    uint32_t count = 0;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Waiting && thread.kind == Wait::Descriptor &&
+            thread.looked != region->activity) {
+            makeReady(thread, Result::Retry);
+            thread.looked = region->activity;
+            count++;
+        }
+    }
+    return count;
+}
+
+static uint32_t grant(uint32_t slot) {
+    ThreadSlot& thread = slotAt(slot);
+    thread.state = State::Running;
+    region->running.store(slot);
+    if (traceFile >= 0)
+        traceLine("run", thread);
+    return slot;
+}
+
+// The waiting thread with the lowest number above this one; 0 if there is none.
+static uint32_t nextToReport(uint32_t number) {
+    uint32_t best = 0;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Waiting && thread.number > number &&
+            region->processes[thread.process].state == ProcessState::Live &&
+            (best == 0 || thread.number < slotAt(best).number))
+            best = slot;
+    }
+    return best;
+}
+
+uint32_t dispatch() {
+    for (;;) {
+        Census census = takeCensus();
+        if (census.ready > 0)
+            return grant(region->seeded && census.ready > 1 ? kthReady(randomBelow(census.ready))
+                                                            : census.firstReady);
+        if (census.firstLeaving != 0)
+            return grant(census.firstLeaving);
+        if (lookAgain() != 0)
+            continue;
+        if (census.firstDue != 0 && !census.timeHeld) {
+            advance(census.due);
+            continue;
+        }
+        region->running.store(0);
+        if (census.outside || census.waiting == 0 || programsRunning())
+            return 0;
+        // Every thread waits, and nothing will ever come: each says in turn where it stands.
+        region->reporting = 1;
+        reportHeader();
+        uint32_t first = nextToReport(0);
+        region->running.store(first);
+        return first;
+    }
+}
+
+// A signal handler that interrupted the holder of the lock may have posted a semaphore: all who
+// wait for one look again.
+static uint32_t afterPosts() {
+    self.posted = false;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Waiting && thread.kind == Wait::Semaphore)
+            makeReady(thread, Result::Retry);
+    }
+    return region->running == 0 ? dispatch() : 0;
+}
+
+Locked::~Locked() {
+    uint32_t next = 0;
+    if (__builtin_expect(self.posted, 0))
+        next = afterPosts();
+    real().pthread_mutex_unlock(&region->lock);
+    self.locked = false;
+    kick(next);
+}
+
+// The thread has the token to report: says where it waits, then the next one does; the last ends
+// all processes of the domain.
+static void takePartInReport() {
+    ThreadSlot& me = slotAt(self.slot);
+    reportThread(me);
+    uint32_t next = 0;
+    {
+        Locked lock;
+        next = nextToReport(me.number);
+        if (next != 0)
+            region->running.store(next);
+    }
+    if (next != 0) {
+        kick(next);
+        return;
+    }
+    region->finished = 1;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        if (slotAt(slot).state != State::Free && slotAt(slot).process != me.process)
+            kick(slot);
+    }
+    closeFilesOfReport();
+    real()._exit(VCLOCK_EXIT_DEADLOCK);
+}
+
+static bool takeWatch() {
+    std::atomic<uint32_t>& watcher = region->processes[myProcess - 1].watcher;
+    uint32_t nobody = 0;
+    return watcher.load(std::memory_order_relaxed) == self.slot ||
+           watcher.compare_exchange_strong(nobody, self.slot);
+}
+
+static void dropWatch() {
+    std::atomic<uint32_t>& watcher = region->processes[myProcess - 1].watcher;
+    uint32_t me = self.slot;
+    if (watcher.load(std::memory_order_relaxed) == me)
+        watcher.compare_exchange_strong(me, 0);
+}
+
+void passWatch() {
+    if (!region->severalProcesses || region->processes[myProcess - 1].watcher.load() != 0)
+        return;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& thread = slotAt(slot);
+        if (thread.process == myProcess - 1 && slot != self.slot &&
+            (thread.state == State::Waiting || thread.state == State::Ready)) {
+            kick(slot);
+            return;
+        }
+    }
+}
+
+// A signal handler ran while the thread waited.
+static void interrupted() {
+    uint32_t next = 0;
+    {
+        Locked lock;
+        ThreadSlot& me = slotAt(self.slot);
+        if (me.state != State::Waiting)
+            return;
+        makeReady(me, Result::Interrupted);
+        if (region->running == 0)
+            next = dispatch();
+    }
+    kick(next);
+}
+
+void awaitTurn() {
+    ThreadSlot& me = slotAt(self.slot);
+    for (;;) {
+        uint32_t seen = me.wake.load();
+        // The number tells whether the slot is still ours: a process that ends has given it up.
+        if (region->running.load() == self.slot && me.number == self.number) {
+            if (!region->reporting || me.state == State::Running)
+                break;
+            takePartInReport();
+            continue;
+        }
+        if (region->finished) {
+            closeFilesOfReport();
+            real()._exit(VCLOCK_EXIT_DEADLOCK);
+        }
+        bool watching = region->severalProcesses && (takeWatch() || self.nested);
+        bool interruptible = me.interruptible != 0;
+        int error = futexWait(&me.wake, seen,
+                              watching        ? kWatchPeriod
+                              : interruptible ? kInterruptible
+                                              : 0);
+        if (error == EINTR && interruptible)
+            interrupted();
+        else if (error == ETIMEDOUT && watching)
+            findDeaths();
+    }
+    if (region->severalProcesses)
+        dropWatch();
+}
+
+Result wait(const WaitFor& what) {
+    if (region == nullptr || self.slot == 0)
+        return Result::TimedOut;
+    ThreadSlot& me = slotAt(self.slot);
+    uint32_t next;
+    {
+        Locked lock;
+        me.kind = what.kind;
+        me.object = what.object;
+        me.deadline = what.until.ns;
+        me.clock = what.until.clock;
+        me.address = reinterpret_cast<uintptr_t>(what.address);
+        me.owner = what.owner;
+        me.interruptible = what.interruptible;
+        me.cancellable = what.cancellable;
+        if (!what.lookedInVain)
+            region->activity++;
+        me.looked = region->activity;
+        if (what.unless != nullptr && *what.unless != 0)
+            return Result::Retry;
+        me.order = ++region->order;
+        me.state = State::Waiting;
+        if (traceFile >= 0)
+            traceLine("wait", me);
+        next = dispatch();
+    }
+    kick(next);
+    awaitTurn();
+    me.interruptible = 0;
+    self.clockReads = self.failedPolls = 0;
+    self.creptSince = 0;
+    Result result = me.result;
+    if (result != Result::Cancelled)
+        return result;
+    if (what.endsIfCancelled)
+        real().pthread_testcancel();
+    return Result::Retry;
+}
+
+void yield() {
+    ThreadSlot& me = slotAt(self.slot);
+    uint32_t next;
+    {
+        Locked lock;
+        makeReady(me, Result::Woken);
+        next = dispatch();
+    }
+    kick(next);
+    awaitTurn();
+}
+
+// The thread polls instead of waiting: it sleeps for a small part of the time that it polled
+// already, so that what it polls for can come about.
+static void creep() {
+    int64_t now = region->now.load(std::memory_order_relaxed);
+    Self before = self;
+    if (before.creptSince == 0)
+        before.creptSince = now;
+    int64_t step = (now - before.creptSince) / 128;
+    step = step < kSmallestCreep ? kSmallestCreep : step > kLargestCreep ? kLargestCreep : step;
+    WaitFor what;
+    what.until.ns = now + step;
+    wait(what);
+    self.clockReads = before.clockReads;
+    self.failedPolls = before.failedPolls;
+    self.creptSince = before.creptSince;
+}
+
+void failedPoll() {
+    if (self.slot != 0 && ++self.failedPolls > kFailedPolls)
+        creep();
+}
+
+void clockRead() {
+    if (self.slot != 0 && ++self.clockReads > kClockReads)
+        creep();
+}
+
+static ThreadSlot* firstWaiting(Wait kind, uint32_t object) {
+    uint32_t first = 0;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Waiting && thread.kind == kind &&
+            (object == 0 || thread.object == object) && earlier(slot, first))
+            first = slot;
+    }
+    return first == 0 ? nullptr : &slotAt(first);
+}
+
+uint32_t wakeOne(Wait kind, uint32_t object) {
+    Locked lock;
+    ThreadSlot* thread = firstWaiting(kind, object);
+    if (thread == nullptr)
+        return 0;
+    makeReady(*thread, Result::Woken);
+    return thread->number;
+}
+
+uint32_t wakeAll(Wait kind, uint32_t object) {
+    Locked lock;
+    uint32_t count = 0;
+    while (ThreadSlot* thread = firstWaiting(kind, object)) {
+        makeReady(*thread, Result::Woken);
+        count++;
+    }
+    return count;
+}
+
+uint32_t wakeFutex(const void* address, uint32_t count, bool shared) {
+    Locked lock;
+    uint32_t woken = 0;
+    while (woken < count) {
+        uint32_t first = 0;
+        for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+            const ThreadSlot& thread = slotAt(slot);
+            bool mine = thread.process == myProcess - 1
+                            ? thread.address == reinterpret_cast<uintptr_t>(address)
+                            : shared && thread.object != 0;
+            if (thread.state == State::Waiting && thread.kind == Wait::Futex && mine &&
+                earlier(slot, first))
+                first = slot;
+        }
+        if (first == 0)
+            break;
+        woken += slotAt(first).process == myProcess - 1;
+        makeReady(slotAt(first), Result::Woken);
+    }
+    return woken;
+}
+
+void afterWake() {
+    if (region->seeded && self.slot != 0 && randomBelow(4) == 0)
+        yield();
+}
+
+int64_t clockNow(Clock clock) {
+    return region->now.load(std::memory_order_relaxed) + offsetOf(clock);
+}
+
+void setCalendar(int64_t ns) {
+    region->calendarOffset.store(ns - region->now.load());
+}
+
+void suspend(int64_t ns) {
+    region->calendarOffset.fetch_add(ns);
+    region->suspended.fetch_add(ns);
+}
+
+RealCall::RealCall(bool holdsTime) {
+    if (region == nullptr || self.slot == 0 || self.locked)
+        return;
+    outside_ = true;
+    int saved = errno;
+    ThreadSlot& me = slotAt(self.slot);
+    uint32_t next;
+    {
+        Locked lock;
+        me.state = State::Leaving;
+        me.order = ++region->order;
+        next = dispatch();
+    }
+    kick(next);
+    awaitTurn();
+    {
+        Locked lock;
+        me.holdsTime = holdsTime;
+        me.state = State::Outside;
+        if (traceFile >= 0)
+            traceLine("out", me);
+        next = dispatch();
+    }
+    kick(next);
+    passWatch();
+    errno = saved;
+}
+
+RealCall::~RealCall() {
+    if (!outside_)
+        return;
+    int saved = errno;
+    if (region->severalProcesses)
+        findDeaths();
+    ThreadSlot& me = slotAt(self.slot);
+    uint32_t next = 0;
+    {
+        Locked lock;
+        makeReady(me, Result::Woken);
+        region->activity++;
+        if (traceFile >= 0)
+            traceLine("back", me);
+        if (region->running == 0)
+            next = dispatch();
+    }
+    kick(next);
+    awaitTurn();
+    self.clockReads = self.failedPolls = 0;
+    self.creptSince = 0;
+    errno = saved;
+}
+
+}  // namespace vclock

@@ -1,0 +1,268 @@
+// Replacements of the calls that make, replace, await and end processes.
+#include <errno.h>
+#include <fcntl.h>
+#include <stdarg.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "vclock/domain.h"
+#include "vclock/real.h"
+
+using namespace vclock;
+
+VCLOCK_REPLACE(pid_t, fork, void) {
+    Turn turn;
+    if (!turn)
+        return real().fork();
+    Child child = addProcess();
+    if (child.thread == 0) {
+        errno = EAGAIN;
+        return -1;
+    }
+    pid_t pid = real().fork();
+    if (pid == 0) {
+        becomeChild(child);
+    } else if (pid < 0) {
+        int saved = errno;
+        removeProcess(child);
+        errno = saved;
+    } else {
+        nameChild(child, pid);
+        afterWake();
+    }
+    return pid;
+}
+
+// A vfork may be a fork: the parent does not stand still until the child's exec, which no correct
+// program can tell.
+VCLOCK_REPLACE(pid_t, vfork, void) {
+    return replaced_fork();
+}
+
+VCLOCK_REPLACE(int, daemon, int keepDirectory, int keepFiles) {
+    pid_t pid = replaced_fork();
+    if (pid < 0)
+        return -1;
+    if (pid > 0) {
+        leaveDomain();
+        real()._exit(0);
+    }
+    setsid();
+    if (!keepDirectory && chdir("/") < 0)
+        return -1;
+    int null = keepFiles ? -1 : open("/dev/null", O_RDWR);
+    for (int file = 0; null >= 0 && file <= 2; file++)
+        real().dup2(null, file);
+    if (null > 2)
+        real().close(null);
+    return 0;
+}
+
+// exec: the process leaves the domain; what it becomes runs in real time. Only a failure returns.
+template <typename Call>
+static int replaceProgram(Call call) {
+    Turn turn;
+    if (!turn)
+        return call();
+    beginExec();
+    AnyProcessor processor;
+    int result = call();
+    failedExec();
+    return result;
+}
+
+VCLOCK_REPLACE(int, execve, const char* path, char* const argv[], char* const envp[]) {
+    return replaceProgram([&] { return real().execve(path, argv, envp); });
+}
+
+VCLOCK_REPLACE(int, execveat, int folder, const char* path, char* const argv[], char* const envp[],
+               int flags) {
+    return replaceProgram([&] { return real().execveat(folder, path, argv, envp, flags); });
+}
+
+VCLOCK_REPLACE(int, fexecve, int file, char* const argv[], char* const envp[]) {
+    return replaceProgram([&] { return real().fexecve(file, argv, envp); });
+}
+
+VCLOCK_REPLACE(int, execv, const char* path, char* const argv[]) {
+    return replaceProgram([&] { return real().execve(path, argv, environ); });
+}
+
+VCLOCK_REPLACE(int, execvpe, const char* file, char* const argv[], char* const envp[]) {
+    return replaceProgram([&] { return real().execvpe(file, argv, envp); });
+}
+
+VCLOCK_REPLACE(int, execvp, const char* file, char* const argv[]) {
+    return replaceProgram([&] { return real().execvpe(file, argv, environ); });
+}
+
+// The argument lists of the execl family: as long as any program's, and one more for the end.
+constexpr int kMaxArguments = 1024;
+
+// Returns false if the list is too long.
+static bool collect(const char* first, va_list* arguments, char** list) {
+    const char* argument = first;
+    for (int count = 0; count < kMaxArguments; count++) {
+        list[count] = const_cast<char*>(argument);
+        if (argument == nullptr)
+            return true;
+        argument = va_arg(*arguments, const char*);
+    }
+    errno = E2BIG;
+    return false;
+}
+
+VCLOCK_REPLACE(int, execl, const char* path, const char* first, ...) {
+    char* list[kMaxArguments];
+    va_list arguments;
+    va_start(arguments, first);
+    bool whole = collect(first, &arguments, list);
+    va_end(arguments);
+    return whole ? replaced_execv(path, list) : -1;
+}
+
+VCLOCK_REPLACE(int, execlp, const char* file, const char* first, ...) {
+    char* list[kMaxArguments];
+    va_list arguments;
+    va_start(arguments, first);
+    bool whole = collect(first, &arguments, list);
+    va_end(arguments);
+    return whole ? replaced_execvp(file, list) : -1;
+}
+
+VCLOCK_REPLACE(int, execle, const char* path, const char* first, ...) {
+    char* list[kMaxArguments];
+    va_list arguments;
+    va_start(arguments, first);
+    bool whole = collect(first, &arguments, list);
+    char* const* environment = whole ? va_arg(arguments, char* const*) : nullptr;
+    va_end(arguments);
+    return whole ? replaced_execve(path, list, environment) : -1;
+}
+
+// Programs outside the domain take real time only: the clock stands until they are done.
+VCLOCK_REPLACE(int, system, const char* command) {
+    Turn turn;
+    if (!turn)
+        return real().system(command);
+    RealCall call;
+    AnyProcessor processor;
+    return real().system(command);
+}
+
+VCLOCK_REPLACE(int, pclose, FILE* stream) {
+    Turn turn;
+    if (!turn)
+        return real().pclose(stream);
+    RealCall call;
+    return real().pclose(stream);
+}
+
+VCLOCK_REPLACE(pid_t, wait4, pid_t pid, int* status, int options, struct rusage* usage) {
+    Turn turn;
+    if (!turn)
+        return real().wait4(pid, status, options, usage);
+    for (;;) {
+        pid_t ended = real().wait4(pid, status, options | WNOHANG, usage);
+        if (ended != 0)
+            return ended;
+        if (options & WNOHANG) {
+            failedPoll();
+            return 0;
+        }
+        if (!liveChild(pid)) {
+            RealCall call;
+            return real().wait4(pid, status, options, usage);
+        }
+        WaitFor what;
+        what.kind = Wait::Child;
+        what.object = pid > 0 ? static_cast<uint32_t>(pid) : 0;
+        what.interruptible = what.cancellable = what.endsIfCancelled = true;
+        if (wait(what) == Result::Interrupted) {
+            errno = EINTR;
+            return -1;
+        }
+    }
+}
+
+VCLOCK_REPLACE(pid_t, waitpid, pid_t pid, int* status, int options) {
+    return replaced_wait4(pid, status, options, nullptr);
+}
+
+VCLOCK_REPLACE(pid_t, wait, int* status) {
+    return replaced_wait4(-1, status, 0, nullptr);
+}
+
+VCLOCK_REPLACE(pid_t, wait3, int* status, int options, struct rusage* usage) {
+    return replaced_wait4(-1, status, options, usage);
+}
+
+VCLOCK_REPLACE(int, waitid, idtype_t type, id_t id, siginfo_t* info, int options) {
+    Turn turn;
+    if (!turn)
+        return real().waitid(type, id, info, options);
+    for (;;) {
+        siginfo_t seen = {};
+        int error = real().waitid(type, id, &seen, options | WNOHANG);
+        if (error != 0 || seen.si_pid != 0 || (options & WNOHANG)) {
+            if (info != nullptr)
+                *info = seen;
+            if (error == 0 && seen.si_pid == 0)
+                failedPoll();
+            return error;
+        }
+        if (!liveChild(type == P_PID ? static_cast<pid_t>(id) : -1)) {
+            RealCall call;
+            return real().waitid(type, id, info, options);
+        }
+        WaitFor what;
+        what.kind = Wait::Child;
+        what.interruptible = true;
+        if (wait(what) == Result::Interrupted) {
+            errno = EINTR;
+            return -1;
+        }
+    }
+}
+
+VCLOCK_REPLACE(void, _exit, int status) {
+    leaveDomain();
+    real()._exit(status);
+}
+
+VCLOCK_REPLACE(void, _Exit, int status) {
+    leaveDomain();
+    real()._exit(status);
+}
+
+// Waits for signals, which come in real time from anywhere: time goes on meanwhile.
+VCLOCK_REPLACE(int, pause, void) {
+    Turn turn;
+    RealCall call(false);
+    return real().pause();
+}
+
+VCLOCK_REPLACE(int, sigsuspend, const sigset_t* mask) {
+    Turn turn;
+    RealCall call(false);
+    return real().sigsuspend(mask);
+}
+
+VCLOCK_REPLACE(int, sigwait, const sigset_t* set, int* number) {
+    Turn turn;
+    RealCall call(false);
+    return real().sigwait(set, number);
+}
+
+VCLOCK_REPLACE(int, sigwaitinfo, const sigset_t* set, siginfo_t* info) {
+    Turn turn;
+    RealCall call(false);
+    return real().sigwaitinfo(set, info);
+}
+
+VCLOCK_REPLACE(int, sigtimedwait, const sigset_t* set, siginfo_t* info, const timespec* time) {
+    Turn turn;
+    RealCall call(false);
+    return real().sigtimedwait(set, info, time);
+}
