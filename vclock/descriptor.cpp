@@ -60,12 +60,6 @@ static bool isEventCounter(int file) {
     return strcmp(target, "anon_inode:[eventfd]") == 0;
 }
 
-// Another program may hold the other end of any pipe: then only a real call notices it.
-static Kind kindOfPeer(int file, mode_t mode, ino_t inode) {
-    bool inDomain = (mode & S_IFMT) == 0 ? isEventCounter(file) : knownPipe(inode);
-    return inDomain && !programsRunning() ? Kind::Domain : Kind::Foreign;
-}
-
 static Kind kindOf(int file, bool heedsNonBlocking = true) {
     struct stat about;
     if (region == nullptr || fstat(file, &about) < 0)
@@ -79,7 +73,8 @@ static Kind kindOf(int file, bool heedsNonBlocking = true) {
         pollfd now = {file, POLLIN, 0};
         return real().poll(&now, 1, 0) > 0 ? Kind::Plain : Kind::Foreign;
     }
-    return kindOfPeer(file, about.st_mode, about.st_ino);
+    bool inDomain = type == 0 ? isEventCounter(file) : knownPipe(about.st_ino);
+    return inDomain ? Kind::Domain : Kind::Foreign;
 }
 
 // Waits in virtual time until one of the descriptors is ready. Returns as poll does.
@@ -93,6 +88,11 @@ static int pollUntil(pollfd* files, nfds_t count, Deadline until) {
         int ready = real().poll(files, count, 0);
         if (ready != 0)
             return ready;
+        if (until.ns == kForever && programsRunning()) {
+            // A program outside may hold the other end: only a real call notices it.
+            RealCall outside;
+            return real().poll(files, count, -1);
+        }
         Result result = wait(what);
         if (result == Result::TimedOut)
             return real().poll(files, count, 0);
@@ -451,13 +451,15 @@ static ssize_t messageCall(int queue, int flags, int wouldBlock, Call call) {
     what.kind = Wait::MessageQueue;
     what.object = static_cast<uint32_t>(queue) + 1;
     what.interruptible = what.cancellable = what.endsIfCancelled = true;
-    for (;;) {
+    for (bool waited = false;; waited = true) {
         ssize_t result = call(flags | IPC_NOWAIT);
         if (result >= 0) {
             if (wakeAll(Wait::MessageQueue, what.object) != 0)
                 afterWake();
             return result;
         }
+        if (errno == EINVAL && waited)
+            errno = EIDRM;  // The queue was there when the wait began.
         if (errno != wouldBlock)
             return result;
         if (flags & IPC_NOWAIT) {

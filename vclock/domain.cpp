@@ -118,6 +118,11 @@ static bool earlier(uint32_t slot, uint32_t than) {
     return than == 0 || slotAt(slot).order < slotAt(than).order;
 }
 
+static bool mayRun(const ThreadSlot& thread) {
+    return thread.state == State::Ready && thread.inHandler == 0 &&
+           region->processes[thread.process].state == ProcessState::Live;
+}
+
 static Census takeCensus() {
     Census census;
     for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
@@ -125,7 +130,7 @@ static Census takeCensus() {
         if (thread.state == State::Free ||
             region->processes[thread.process].state != ProcessState::Live)
             continue;
-        if (thread.state == State::Ready) {
+        if (mayRun(thread)) {
             census.ready++;
             if (earlier(slot, census.firstReady))
                 census.firstReady = slot;
@@ -151,8 +156,7 @@ static Census takeCensus() {
 static uint32_t kthReady(uint32_t k) {
     for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
         const ThreadSlot& thread = slotAt(slot);
-        if (thread.state == State::Ready &&
-            region->processes[thread.process].state == ProcessState::Live && k-- == 0)
+        if (mayRun(thread) && k-- == 0)
             return slot;
     }
     return 0;
@@ -268,6 +272,8 @@ Locked::~Locked() {
     real().pthread_mutex_unlock(&region->lock);
     self.locked = false;
     kick(next);
+    if (__builtin_expect(self.posted, 0))
+        Locked again;
 }
 
 // The thread has the token to report: says where it waits, then the next one does; the last ends
@@ -372,6 +378,7 @@ Result wait(const WaitFor& what) {
         return Result::TimedOut;
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next;
+    self.handing = true;
     {
         Locked lock;
         me.kind = what.kind;
@@ -385,8 +392,10 @@ Result wait(const WaitFor& what) {
         if (!what.lookedInVain)
             region->activity++;
         me.looked = region->activity;
-        if (what.unless != nullptr && *what.unless != 0)
+        if (what.unless != nullptr && *what.unless != 0) {
+            self.handing = false;
             return Result::Retry;
+        }
         me.order = ++region->order;
         me.state = State::Waiting;
         if (traceFile >= 0)
@@ -399,6 +408,7 @@ Result wait(const WaitFor& what) {
     self.clockReads = self.failedPolls = 0;
     self.creptSince = 0;
     Result result = me.result;
+    self.handing = false;
     if (result != Result::Cancelled)
         return result;
     if (what.endsIfCancelled)
@@ -409,13 +419,16 @@ Result wait(const WaitFor& what) {
 void yield() {
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next;
+    self.handing = true;
     {
         Locked lock;
         makeReady(me, Result::Woken);
+        region->activity++;
         next = dispatch();
     }
     kick(next);
     awaitTurn();
+    self.handing = false;
 }
 
 // The thread polls instead of waiting: it sleeps for a small part of the time that it polled
@@ -522,9 +535,11 @@ RealCall::RealCall(bool holdsTime) {
     int saved = errno;
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next;
+    self.handing = true;
     {
         Locked lock;
         me.state = State::Leaving;
+        region->activity++;
         me.order = ++region->order;
         next = dispatch();
     }
@@ -540,6 +555,7 @@ RealCall::RealCall(bool holdsTime) {
     }
     kick(next);
     passWatch();
+    self.handing = false;
     errno = saved;
 }
 
@@ -551,6 +567,7 @@ RealCall::~RealCall() {
         findDeaths();
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next = 0;
+    self.handing = true;
     {
         Locked lock;
         makeReady(me, Result::Woken);
@@ -564,6 +581,7 @@ RealCall::~RealCall() {
     awaitTurn();
     self.clockReads = self.failedPolls = 0;
     self.creptSince = 0;
+    self.handing = false;
     errno = saved;
 }
 

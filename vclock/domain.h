@@ -84,7 +84,8 @@ struct alignas(64) ThreadSlot {
     uint32_t holdsTime;  // Outside only: time stands still until it is back
     uint32_t interruptible;
     uint32_t cancellable;
-    uint32_t looked;  // Descriptor only: the region's activity when it last looked
+    uint32_t inHandler;  // a signal handler of the thread has a slot of its own, and goes first
+    uint32_t looked;     // Descriptor only: the region's activity when it last looked
 };
 
 enum class ProcessState : uint32_t {
@@ -130,11 +131,12 @@ struct Self {
     uint32_t number;  // as in the slot
     uint32_t clockReads;
     uint32_t failedPolls;
-    int64_t creptSince;    // when time began to creep, 0: it does not
-    volatile bool posted;  // a signal handler posted a semaphore while the lock was held
-    bool ended;            // past its last destructor: waits no more
-    volatile bool locked;  // holds the region's lock: a signal handler must not take it
-    bool nested;           // in a signal handler that interrupted a wait
+    int64_t creptSince;     // when time began to creep, 0: it does not
+    volatile bool posted;   // a signal handler posted a semaphore while the lock was held
+    bool ended;             // past its last destructor: waits no more
+    volatile bool handing;  // inside a hand-over: a signal handler needs a slot of its own
+    volatile bool locked;   // holds the region's lock: a signal handler must not take it
+    bool nested;            // in a signal handler that interrupted a wait
 };
 
 extern Region* region;  // nullptr: the process is not (or no longer) in virtual time
@@ -145,7 +147,7 @@ extern __thread Self self __attribute__((tls_model("initial-exec")));
 class Turn {
  public:
     Turn() {
-        if (__builtin_expect(region != nullptr && self.slot != 0 &&
+        if (__builtin_expect(region != nullptr && self.slot != 0 && !self.handing &&
                                  region->running.load(std::memory_order_relaxed) == self.slot,
                              1))
             live_ = true;
@@ -166,6 +168,7 @@ class Turn {
     bool begin();
     void endNested();
     bool live_ = false;
+    bool outerHanding_ = false;
     uint32_t outerSlot_ = 0;
     uint32_t outerNumber_ = 0;
 };
@@ -231,6 +234,7 @@ void startThread(uint32_t slot);  // in the new thread: waits for its first turn
 void endThread();                 // in the ending thread: gives the token away for good
 uint32_t findThread(pthread_t handle);
 void cancelThread(pthread_t handle);
+void interruptThread(pthread_t handle);
 
 // Processes.
 struct Child {
@@ -242,11 +246,12 @@ Child addProcess();
 void removeProcess(const Child& child);
 void becomeChild(const Child& child);
 void nameChild(const Child& child, pid_t pid);
-void leaveDomain();         // the process is about to end
-void beginExec();           // it is about to become another program
-void failedExec();          // it stayed what it was
-bool programsRunning();     // other programs, started by processes of the domain, are alive
-bool liveChild(pid_t pid);  // as waitpid's argument: a child of the domain that has not ended
+void leaveDomain();      // the process is about to end
+void beginExec();        // it is about to become another program
+void failedExec();       // it stayed what it was
+bool programsRunning();  // other programs, started by processes of the domain, are alive
+pid_t findChild(pid_t pid, ProcessState state);  // a child in the domain; pid as for waitpid
+void forgetChild(pid_t pid);                     // it has ended and been waited for
 
 // While it lives, programs that the thread starts may use all processors; the domain keeps to one.
 class AnyProcessor {

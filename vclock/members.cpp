@@ -34,6 +34,7 @@ static uint32_t takeThreadSlot(uint32_t process) {
         thread.number = ++region->nextThread;
         thread.kind = Wait::None;
         thread.interruptible = 0;
+        thread.inHandler = 0;
         thread.handle = 0;
         makeReady(thread, Result::Woken);
         return i + 1;
@@ -86,6 +87,7 @@ void endThread() {
         if (traceFile >= 0)
             traceLine("end", me);
         wakeLocked(Wait::Join, me.number);
+        region->activity++;
         me.state = State::Free;
         next = dispatch();
     }
@@ -112,29 +114,45 @@ void cancelThread(pthread_t handle) {
         makeReady(slotAt(slot), Result::Cancelled);
 }
 
+void interruptThread(pthread_t handle) {
+    Locked lock;
+    uint32_t slot = findThread(handle);
+    if (slot != 0 && slotAt(slot).state == State::Waiting && slotAt(slot).interruptible)
+        makeReady(slotAt(slot), Result::Interrupted);
+}
+
 // A thread that the domain does not know yet, or a signal handler that interrupted a wait or a
 // real call: the thread gets a slot, and its turn.
 bool Turn::begin() {
     if (region == nullptr || self.ended || self.locked)
         return false;
     int saved = errno;
-    if (self.slot != 0) {
-        outerSlot_ = self.slot;
-        outerNumber_ = self.number;
-        self.nested = true;
-    }
     uint32_t next = 0;
     {
         Locked lock;
+        uint32_t outer = self.slot;
         uint32_t slot = takeThreadSlot(myProcess - 1);
-        if (slot == 0) {
-            outerSlot_ = 0;
-            self.nested = false;
+        if (slot == 0)
             return false;
+        if (outer != 0) {
+            outerSlot_ = outer;
+            outerNumber_ = self.number;
+            outerHanding_ = self.handing;
+            self.handing = false;
+            self.nested = true;
+            slotAt(outer).inHandler = 1;
+            if (region->running == outer) {
+                // The token came while the handler was on its way: the interrupted wait, whose
+                // result stands already, gets it again afterwards.
+                slotAt(outer).state = State::Ready;
+                region->running = 0;
+            }
         }
         bindSelf(slot);
-        if (region->running == 0)
-            next = dispatch();
+        if (outer != 0)
+            slotAt(slot).handle = 0;
+        // The interrupted code may have given the token away and not yet woken who got it.
+        next = region->running == 0 ? dispatch() : region->running.load();
     }
     kick(next);
     awaitTurn();
@@ -150,6 +168,12 @@ void Turn::endNested() {
         self.slot = outerSlot_;
         self.number = outerNumber_;
         self.nested = false;
+        self.handing = outerHanding_;
+        slotAt(self.slot).inHandler = 0;
+        // The handler was the interruption; time must not jump before the wait hears of it.
+        if (slotAt(self.slot).state == State::Waiting && slotAt(self.slot).interruptible)
+            makeReady(slotAt(self.slot), Result::Interrupted);
+        region->activity++;
         next = dispatch();
     }
     // The wait that goes on after the handler must notice that it is over.
@@ -292,14 +316,21 @@ bool programsRunning() {
     return false;
 }
 
-bool liveChild(pid_t pid) {
+pid_t findChild(pid_t pid, ProcessState state) {
     int32_t me = getpid();
     for (const ProcessSlot& process : region->processes) {
-        if (process.state == ProcessState::Live && process.parentPid == me &&
-            (pid <= 0 || process.pid == pid))
-            return true;
+        if (process.state == state && process.parentPid == me && (pid <= 0 || process.pid == pid))
+            return process.pid;
     }
-    return false;
+    return 0;
+}
+
+void forgetChild(pid_t pid) {
+    Locked lock;
+    for (ProcessSlot& process : region->processes) {
+        if (process.state == ProcessState::Exiting && process.pid == pid)
+            process.state = ProcessState::Free;
+    }
 }
 
 static bool isGone(pid_t pid) {
@@ -327,12 +358,17 @@ static uint32_t bury(uint32_t index, uint32_t number) {
     ProcessSlot& process = region->processes[index];
     if (process.state == ProcessState::Free || process.number != number)
         return 0;
-    if (traceFile >= 0)
+    // One that ended by itself has said so at its end: when the kernel was done with it is no event
+    // of virtual time.
+    bool killed = process.state != ProcessState::Exiting;
+    if (killed && traceFile >= 0)
         traceProcess("gone", process);
     freeThreads(index, 0);
     process.state = ProcessState::Free;
-    wakeLocked(Wait::Child, 0);
-    region->activity++;
+    if (killed) {
+        wakeLocked(Wait::Child, 0);
+        region->activity++;
+    }
     uint32_t running = region->running;
     if (running == 0 || slotAt(running).state == State::Free)
         return dispatch();

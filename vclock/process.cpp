@@ -1,8 +1,11 @@
 // Replacements of the calls that make, replace, await and end processes.
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <stdarg.h>
+#include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -60,11 +63,12 @@ VCLOCK_REPLACE(int, daemon, int keepDirectory, int keepFiles) {
 }
 
 // exec: the process leaves the domain; what it becomes runs in real time. Only a failure returns.
+// Others run on in the meantime, so a program that is not there is better refused before.
 template <typename Call>
-static int replaceProgram(Call call) {
+static int replaceProgram(const char* path, Call call) {
     Turn turn;
-    if (!turn)
-        return call();
+    if (!turn || (path != nullptr && access(path, X_OK) < 0))
+        return turn ? -1 : call();
     beginExec();
     AnyProcessor processor;
     int result = call();
@@ -73,28 +77,51 @@ static int replaceProgram(Call call) {
 }
 
 VCLOCK_REPLACE(int, execve, const char* path, char* const argv[], char* const envp[]) {
-    return replaceProgram([&] { return real().execve(path, argv, envp); });
+    return replaceProgram(path, [&] { return real().execve(path, argv, envp); });
 }
 
 VCLOCK_REPLACE(int, execveat, int folder, const char* path, char* const argv[], char* const envp[],
                int flags) {
-    return replaceProgram([&] { return real().execveat(folder, path, argv, envp, flags); });
+    return replaceProgram(nullptr,
+                          [&] { return real().execveat(folder, path, argv, envp, flags); });
 }
 
 VCLOCK_REPLACE(int, fexecve, int file, char* const argv[], char* const envp[]) {
-    return replaceProgram([&] { return real().fexecve(file, argv, envp); });
+    return replaceProgram(nullptr, [&] { return real().fexecve(file, argv, envp); });
 }
 
 VCLOCK_REPLACE(int, execv, const char* path, char* const argv[]) {
-    return replaceProgram([&] { return real().execve(path, argv, environ); });
+    return replaceProgram(path, [&] { return real().execve(path, argv, environ); });
+}
+
+static bool inPath(const char* file) {
+    if (strchr(file, '/') != nullptr)
+        return access(file, X_OK) == 0;
+    const char* path = getenv("PATH");
+    if (path == nullptr)
+        path = "/bin:/usr/bin";
+    while (path != nullptr) {
+        const char* end = strchrnul(path, ':');
+        char candidate[PATH_MAX];
+        int size = snprintf(candidate, sizeof candidate, "%.*s%s%s", static_cast<int>(end - path),
+                            path, end > path ? "/" : "", file);
+        if (size < PATH_MAX && access(candidate, X_OK) == 0)
+            return true;
+        path = *end != '\0' ? end + 1 : nullptr;
+    }
+    return false;
 }
 
 VCLOCK_REPLACE(int, execvpe, const char* file, char* const argv[], char* const envp[]) {
-    return replaceProgram([&] { return real().execvpe(file, argv, envp); });
+    if (!inPath(file)) {
+        errno = ENOENT;
+        return -1;
+    }
+    return replaceProgram(nullptr, [&] { return real().execvpe(file, argv, envp); });
 }
 
 VCLOCK_REPLACE(int, execvp, const char* file, char* const argv[]) {
-    return replaceProgram([&] { return real().execvpe(file, argv, environ); });
+    return replaced_execvpe(file, argv, environ);
 }
 
 // The argument lists of the execl family: as long as any program's, and one more for the end.
@@ -164,6 +191,17 @@ VCLOCK_REPLACE(pid_t, wait4, pid_t pid, int* status, int options, struct rusage*
     if (!turn)
         return real().wait4(pid, status, options, usage);
     for (;;) {
+        // A child that has ended in the domain takes the kernel a moment more: waited for, so that
+        // the same comes out each time.
+        if (pid_t exiting = findChild(pid, ProcessState::Exiting)) {
+            pid_t waited = real().wait4(exiting, status, options & ~WNOHANG, usage);
+            if (waited < 0 && errno == EINTR)
+                return -1;
+            forgetChild(exiting);
+            if (waited > 0)
+                return waited;
+            continue;
+        }
         pid_t ended = real().wait4(pid, status, options | WNOHANG, usage);
         if (ended != 0)
             return ended;
@@ -171,7 +209,7 @@ VCLOCK_REPLACE(pid_t, wait4, pid_t pid, int* status, int options, struct rusage*
             failedPoll();
             return 0;
         }
-        if (!liveChild(pid)) {
+        if (!findChild(pid, ProcessState::Live)) {
             RealCall call;
             return real().wait4(pid, status, options, usage);
         }
@@ -203,6 +241,18 @@ VCLOCK_REPLACE(int, waitid, idtype_t type, id_t id, siginfo_t* info, int options
     if (!turn)
         return real().waitid(type, id, info, options);
     for (;;) {
+        pid_t child = type == P_PID ? static_cast<pid_t>(id) : -1;
+        if (pid_t exiting = findChild(child, ProcessState::Exiting)) {
+            int failed = real().waitid(P_PID, static_cast<id_t>(exiting), info, options & ~WNOHANG);
+            if (failed && errno == EINTR)
+                return -1;
+            if (!(options & WNOWAIT))
+                forgetChild(exiting);
+            if (!failed)
+                return 0;
+            forgetChild(exiting);
+            continue;
+        }
         siginfo_t seen = {};
         int error = real().waitid(type, id, &seen, options | WNOHANG);
         if (error != 0 || seen.si_pid != 0 || (options & WNOHANG)) {
@@ -212,7 +262,7 @@ VCLOCK_REPLACE(int, waitid, idtype_t type, id_t id, siginfo_t* info, int options
                 failedPoll();
             return error;
         }
-        if (!liveChild(type == P_PID ? static_cast<pid_t>(id) : -1)) {
+        if (!findChild(child, ProcessState::Live)) {
             RealCall call;
             return real().waitid(type, id, info, options);
         }

@@ -1,0 +1,188 @@
+"""Virtual time, property by property: runs the small programs of probe.cpp and judges them."""
+import os
+import random
+import select
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+
+BUILD = os.environ.get("ZK_BUILD_DIR", "build/debug")
+RUN = os.path.join(BUILD, "vclock", "run")
+PROBE = os.path.join(BUILD, "vclock_probe")
+DEADLOCK = 86
+# Nothing here takes real time; a hang is what this ends.
+LIMIT = 60
+
+
+def run(probe, *options, stdin=subprocess.DEVNULL, env=None):
+    """Runs one probe in virtual time and gives its completed process."""
+    return subprocess.run([RUN, *options, PROBE, probe], stdin=stdin, capture_output=True,
+                          text=True, timeout=LIMIT, env=env, check=False)
+
+
+class Properties(unittest.TestCase):
+    def check(self, probe, *options, **more):
+        done = run(probe, *options, **more)
+        self.assertEqual(done.returncode, 0, f"{probe} {options}: {done.stdout}{done.stderr}")
+        return done.stdout
+
+    def test_probes_that_judge_themselves(self):
+        for probe in ("timed_waits", "time_stands_still", "one_at_a_time", "mutexes", "conditions",
+                      "cpp_library", "threads_end", "cancellation", "pipes_and_queues",
+                      "processes", "killed_children", "other_programs", "signals"):
+            for options in ((), ("--seed", "1"), ("--seed", "2")):
+                with self.subTest(probe=probe, options=options):
+                    self.check(probe, *options)
+
+    def test_order_is_first_come_first_served_without_a_seed(self):
+        self.check("first_come_first_served")
+        self.assertEqual(self.check("race"), "012345" * 5 + "\n")
+
+    def test_polling_lets_time_creep(self):
+        self.assertEqual(self.check("spinning"), "world goes on\n")
+
+    def test_calendar(self):
+        self.check("calendar", "--start", "1000000000")
+        self.check("calendar_deadlines")
+        # The host's own clock stayed where it was, and is where a run begins unless told.
+        self.assertLess(abs(time.time() - os.stat(RUN).st_atime), 10 * 365 * 86400)
+
+    def test_end_of_a_process(self):
+        out = self.check("ending")
+        self.assertEqual(out, "main at 1000\ndestructor at 1005\norphan at 2000\n")
+
+    def test_input_from_outside_takes_no_time(self):
+        read, write = os.pipe()
+        with subprocess.Popen([RUN, PROBE, "echo_input"], stdin=read, stdout=subprocess.PIPE,
+                              text=True) as program:
+            os.close(read)
+            for i, word in enumerate(("one", "two", "three")):
+                os.write(write, (word + "\n").encode())
+                self.assertEqual(program.stdout.readline(), f"{word} after {2 * i}\n")
+            os.close(write)
+            self.assertEqual(program.wait(LIMIT), 0)
+
+    def test_deadlock_is_reported(self):
+        done = run("deadlock")
+        self.assertEqual(done.returncode, DEADLOCK)
+        self.assertEqual(done.stdout, "before the deadlock\n")
+        for line in (r'process 1 \(pid \d+\) thread 1 "vclock_probe" waits for end-of-thread 3',
+                     r'process 2 \(pid \d+\) thread 2 .* waits for semaphore \d+ at 0x',
+                     r'thread 3 "left" waits for mutex \d+ at 0x.*, held by thread 4',
+                     r'thread 4 "right" waits for mutex \d+ at 0x.*, held by thread 3',
+                     r'after 1\.000000000 s'):
+            self.assertRegex(done.stderr, line)
+        # Where: frames of the program, not of the clock.
+        self.assertRegex(done.stderr, r"#0 .*\n")
+        self.assertNotIn("libvclock", done.stderr)
+
+
+class Repeating(unittest.TestCase):
+    def traced(self, probe, seed):
+        with tempfile.TemporaryDirectory() as folder:
+            trace = os.path.join(folder, "trace")
+            options = ("--trace", trace, "--start", "1")
+            done = run(probe, *options, *(("--seed", str(seed)) if seed is not None else ()))
+            with open(trace, "rb") as file:
+                return done.stdout, file.read()
+
+    def test_same_seed_same_trace_other_seed_other_order(self):
+        for probe in ("race", "pair_of_processes", "processes", "cpp_library"):
+            seen = set()
+            for seed in (None, 0, 1, 2):
+                with self.subTest(probe=probe, seed=seed):
+                    first = self.traced(probe, seed)
+                    self.assertGreater(len(first[1].splitlines()), 20)
+                    self.assertEqual(first, self.traced(probe, seed))
+                    seen.add(first[1])
+            # Two seeds may agree on a short program.
+            self.assertGreater(len(seen), 2, probe)
+
+    def test_the_trace_repeats_under_load(self):
+        load = subprocess.Popen(["sh", "-c", "while :; do :; done"])
+        try:
+            self.assertEqual(len({self.traced("processes", 5) for _ in range(4)}), 1)
+        finally:
+            load.kill()
+            load.wait()
+
+
+class Kills(unittest.TestCase):
+    """A main process and its monitor, killed at any moment: who is left goes on to the end."""
+
+    def members(self, group):
+        found = []
+        for entry in os.listdir("/proc"):
+            if entry.isdigit():
+                try:
+                    with open(f"/proc/{entry}/stat", encoding="ascii") as file:
+                        fields = file.read().rsplit(")", 1)[1].split()
+                except OSError:
+                    continue
+                if int(fields[2]) == group and fields[0] not in "ZX":
+                    found.append(int(entry))
+        return sorted(found)
+
+    def test_kills_at_random_moments(self):
+        moments = random.Random(11)
+        outcomes = {"main": 0, "monitor": 0, "both": 0}
+        for i in range(60):
+            victim = ("main", "monitor", "both")[i % 3]
+            program = subprocess.Popen([RUN, PROBE, "pair_of_processes"], stdout=subprocess.PIPE,
+                                       stderr=subprocess.DEVNULL, text=True,
+                                       start_new_session=True)
+            pids = []
+            while len(pids) < 2 and program.poll() is None:
+                pids = self.members(program.pid)
+            lives = {}
+            for pid in pids:
+                try:
+                    lives[pid] = os.pidfd_open(pid)
+                except ProcessLookupError:
+                    pass
+            moment = moments.randrange(20000)
+            for _ in range(moment):  # processor time, not the clock's
+                pass
+            monitor = next((pid for pid in pids if pid != program.pid), None)
+            targets = {"main": [program.pid], "monitor": [monitor],
+                       "both": [program.pid, monitor]}[victim]
+            for pid in targets:
+                if pid in self.members(program.pid):
+                    os.kill(pid, signal.SIGKILL)
+                    outcomes[victim] += 1
+            out, _ = program.communicate(timeout=LIMIT)
+            if program.returncode == 0:
+                self.assertIn("main: done", out)
+            if victim == "main" and program.returncode != 0:
+                self.assertEqual(out, "monitor: silence\n")
+            for pid, life in lives.items():
+                self.assertTrue(select.select([life], [], [], LIMIT)[0], f"{pid} of {pids} stays")
+                os.close(life)
+        for victim, count in outcomes.items():
+            self.assertGreater(count, 5, victim)
+
+
+class Launcher(unittest.TestCase):
+    def test_refusals(self):
+        for arguments, status in (([], 2), (["--seed"], 2), (["--seed", "x", PROBE], 2),
+                                  (["--start", "99999999999", PROBE], 2), (["--what", PROBE], 2),
+                                  (["/nonexistent/program"], 127), (["/etc/passwd"], 126)):
+            done = subprocess.run([RUN, *arguments], capture_output=True, text=True, timeout=LIMIT,
+                                  check=False)
+            self.assertEqual(done.returncode, status, arguments)
+            self.assertRegex(done.stderr, r"\S")
+
+    def test_passes_arguments_environment_and_status(self):
+        env = dict(os.environ, LD_PRELOAD="", PROBE_TEXT="a b")
+        done = subprocess.run([RUN, "--", "python3", "-c",
+                               "import os, sys, time; t = time.time(); time.sleep(1e5);"
+                               "print(sys.argv[1], os.environ['PROBE_TEXT'], 'LD_PRELOAD' in os.environ,"
+                               " round(time.time() - t)); sys.exit(3)", "-x"], env=env,
+                              capture_output=True, text=True, timeout=LIMIT, check=False)
+        self.assertEqual((done.returncode, done.stdout), (3, "-x a b False 100000\n"), done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
