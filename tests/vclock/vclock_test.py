@@ -4,6 +4,7 @@ import random
 import select
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -176,7 +177,7 @@ class Launcher(unittest.TestCase):
 
     def test_passes_arguments_environment_and_status(self):
         env = dict(os.environ, LD_PRELOAD="", PROBE_TEXT="a b")
-        done = subprocess.run([RUN, "--", "python3", "-c",
+        done = subprocess.run([RUN, "--", sys.executable, "-c",
                                "import os, sys, time; t = time.time(); time.sleep(1e5);"
                                "print(sys.argv[1], os.environ['PROBE_TEXT'], 'LD_PRELOAD' in os.environ,"
                                " round(time.time() - t)); sys.exit(3)", "-x"], env=env,
