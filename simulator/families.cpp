@@ -7,6 +7,10 @@ const Family families[] = {
     {"GPIO", gpioReset, gpioDescribe, nullptr},
     {"I2C", i2cReset, i2cDescribe, nullptr},
     {"Tuner", tunerReset, tunerDescribe, tunerControl},
+    {"Sys", sysReset, sysDescribe, nullptr},
+    {"Env", envReset, envDescribe, nullptr},
+    {"HDCP", hdcpReset, hdcpDescribe, hdcpControl},
+    {"Flash", flashReset, flashDescribe, nullptr},
 };
 const int familyCount = sizeof(families) / sizeof(families[0]);
 

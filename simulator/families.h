@@ -30,6 +30,15 @@ void i2cDescribe(std::string* out);
 void tunerReset();
 void tunerDescribe(std::string* out);
 bool tunerControl(const std::string& event);
+void sysReset();
+void sysDescribe(std::string* out);
+void envReset();
+void envDescribe(std::string* out);
+void hdcpReset();
+void hdcpDescribe(std::string* out);
+bool hdcpControl(const std::string& event);
+void flashReset();
+void flashDescribe(std::string* out);
 
 }  // namespace sim
 

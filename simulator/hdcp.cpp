@@ -1,0 +1,105 @@
+// HDCP for wireless display: a started service meets the phone of the outside world, and tells how
+// the authentication went a moment later, once for each start.
+//
+// Board file, section HDCP: MIRACAST_MS, the time of an authentication (300 ms), and
+// MIRACAST_RESULT (1 authenticated, 2 failed, 0 no phone comes).
+// Event of the outside world: "miracast 1" or "miracast 2", another phone at a running service.
+#include <stdio.h>
+
+#include <mutex>
+
+#include "platform/qlx_hdcp.h"
+#include "simulator/core/board.h"
+#include "simulator/core/sim.h"
+#include "simulator/families.h"
+
+namespace {
+
+/** The one service's handle in callbacks. */
+constexpr uint32_t serviceHandle = 1;
+
+struct HdcpState {
+    std::mutex mutex;
+    QLX_HDCPMiracastCallback callback = nullptr;
+    bool running = false;
+    sim::EventThread thread{"hdcp"};
+};
+
+HdcpState& state() {
+    static HdcpState* instance = new HdcpState;
+    return *instance;
+}
+
+/** On the device's thread: tells the program, if it wants to know. */
+void tell(int32_t status) {
+    QLX_HDCPMiracastCallback callback;
+    {
+        std::lock_guard<std::mutex> lock(state().mutex);
+        callback = state().running ? state().callback : nullptr;
+    }
+    if (callback == nullptr)
+        return;
+    sim::deliver("HDCPMiracast", sim::format("state=%d", status), &status, sizeof status,
+                 [&] { callback(serviceHandle, status); });
+}
+
+}  // namespace
+
+int32_t QLX_HDCPSetMiracastHdcpStatusCallack(QLX_HDCPMiracastCallback callback) {
+    SIM_ENTRY("callback=%s", callback == nullptr ? "null" : "set");
+    {
+        std::lock_guard<std::mutex> lock(state().mutex);
+        state().callback = callback;
+    }
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_HDCPStartMiracast(const QLX_HDCPMiracastData* data) {
+    SIM_ENTRY("port=%u", data == nullptr ? 0 : data->port);
+    if (data == nullptr)
+        SIM_RETURN(QLX_HDCP_ERR_INVALID_PARA);
+    state().thread.cancel(&state());
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().running = true;
+    int32_t status = static_cast<int32_t>(
+        sim::board().number("HDCP", "MIRACAST_RESULT", QLX_HDCP_MIRACAST_AUTHENTICATED));
+    if (status != 0)
+        state().thread.post(&state(), sim::board().number("HDCP", "MIRACAST_MS", 300),
+                            [status] { tell(status); });
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_HDCPStopMiracast(const QLX_HDCPMiracastData* data) {
+    SIM_ENTRY("port=%u", data == nullptr ? 0 : data->port);
+    if (data == nullptr)
+        SIM_RETURN(QLX_HDCP_ERR_INVALID_PARA);
+    {
+        std::lock_guard<std::mutex> lock(state().mutex);
+        state().running = false;
+    }
+    state().thread.cancel(&state());
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+void sim::hdcpReset() {
+    state().thread.cancelAll();
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().running = false;
+    state().callback = nullptr;
+}
+
+void sim::hdcpDescribe(std::string* out) {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (state().running)
+        *out += "HDCP wireless display service running\n";
+}
+
+bool sim::hdcpControl(const std::string& event) {
+    int status = 0;
+    if (sscanf(event.c_str(), "miracast %d", &status) != 1)
+        return false;
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (state().running)
+        state().thread.post(&state(), 0, [status] { tell(status); });
+    return true;
+}
