@@ -5,14 +5,13 @@
 //
 // Board file, section CRYPTO: a mode's name without its first word, as AES128_ECB, with 0 takes the
 // mode from the engine.
-#include "platform/qlx_crypto.h"
-
 #include <openssl/evp.h>
 #include <openssl/provider.h>
 
 #include <algorithm>
 #include <mutex>
 
+#include "platform/qlx_crypto.h"
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
 
@@ -117,8 +116,7 @@ bool transform(const Operation& op, const Mode& mode, const EVP_CIPHER* cipher) 
                 EVP_CipherInit_ex2(context, cipher, nullptr, nullptr, op.encrypt, nullptr) == 1;
     if (good && mode.keyLength == 0)
         good = EVP_CIPHER_CTX_set_key_length(context, static_cast<int>(ctrl.keyLength)) == 1;
-    good = good &&
-           EVP_CipherInit_ex2(context, nullptr, ctrl.key, iv, op.encrypt, nullptr) == 1 &&
+    good = good && EVP_CipherInit_ex2(context, nullptr, ctrl.key, iv, op.encrypt, nullptr) == 1 &&
            EVP_CIPHER_CTX_set_padding(context, 0) == 1;
     constexpr uint32_t piece = 1u << 20;
     for (uint32_t done = 0; good && done < op.inputLength;) {

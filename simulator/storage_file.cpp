@@ -16,8 +16,7 @@ namespace {
 class Descriptor {
  public:
     Descriptor(const std::string& path, int flags)
-        : number_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
-    }
+        : number_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {}
     ~Descriptor() {
         if (number_ >= 0)
             close(number_);

@@ -6,12 +6,11 @@
 //
 // Board file: section SYS, CHIP_ID (text); section CAPABILITY, one key for each field of
 // QLX_SysCapability, by its name.
-#include "platform/qlx_sys.h"
-
 #include <stdio.h>
 
 #include <mutex>
 
+#include "platform/qlx_sys.h"
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
 #include "simulator/device_clock.h"

@@ -70,9 +70,8 @@ static uint32_t CRP_TestEncryOnNullInput() {
 static uint32_t CRP_TestEncryOnNullOutput() {
     NullTest t;
     prepareNullTest(&t);
-    return judgeNull(
-        __func__, __LINE__,
-        QLX_CryptoEncrypt(t.input, nullptr, sizeof t.input, &t.outputLength, &t.ctrl));
+    return judgeNull(__func__, __LINE__,
+                     QLX_CryptoEncrypt(t.input, nullptr, sizeof t.input, &t.outputLength, &t.ctrl));
 }
 
 static uint32_t CRP_TestEncryOnNullOutputLen() {
@@ -101,9 +100,8 @@ static uint32_t CRP_TestDecryOnNullInput() {
 static uint32_t CRP_TestDecryOnNullOutput() {
     NullTest t;
     prepareNullTest(&t);
-    return judgeNull(
-        __func__, __LINE__,
-        QLX_CryptoDecrypt(t.input, nullptr, sizeof t.input, &t.outputLength, &t.ctrl));
+    return judgeNull(__func__, __LINE__,
+                     QLX_CryptoDecrypt(t.input, nullptr, sizeof t.input, &t.outputLength, &t.ctrl));
 }
 
 static uint32_t CRP_TestDecryOnNullOutputLen() {
@@ -182,13 +180,9 @@ static const TcCase CryptoModuleCases[] = {
 static_assert(tcCaseCount(CryptoModuleCases) == 21, "cases of the module");
 
 const TcModule CryptoModule = {
-    testSetup,
-    testTeardown,
-    testCaseSetupImp,
-    testCaseTeardownImp,
-    CryptoModuleCases,
-    tcCaseCount(CryptoModuleCases),
-    "Crypto",
-    "Test module for the Crpto",
+    testSetup,         testTeardown,
+    testCaseSetupImp,  testCaseTeardownImp,
+    CryptoModuleCases, tcCaseCount(CryptoModuleCases),
+    "Crypto",          "Test module for the Crpto",
     nullptr,
 };

@@ -57,8 +57,8 @@ static void dump(const char* name, const uint8_t* data, uint32_t size) {
         fprintf(stderr, "0x%02X ", data[i]);
     }
     fprintf(stderr,
-            "\n================Buffer:%s(size = %d(0x%X)) end===========================\n\n",
-            name, static_cast<int>(size), size);
+            "\n================Buffer:%s(size = %d(0x%X)) end===========================\n\n", name,
+            static_cast<int>(size), size);
 }
 
 static void fillRandom(uint8_t* buffer, uint32_t length) {
@@ -184,7 +184,8 @@ static timeval since(const timeval& start) {
 /** Seconds that neither direction may take. */
 static const long slowestSeconds = 2;
 
-static uint32_t encryptAndJudge(const char* function, const QLX_CryptoCtrl& control, uint32_t* outLength) {
+static uint32_t encryptAndJudge(const char* function, const QLX_CryptoCtrl& control,
+                                uint32_t* outLength) {
     timeval start{};
     printf("==>[%s() %d] I:Will encrypt.\n", function, __LINE__);
     *outLength = CRYPTO_BUFFER_SIZE;
@@ -210,7 +211,8 @@ static uint32_t encryptAndJudge(const char* function, const QLX_CryptoCtrl& cont
     return 0;
 }
 
-static uint32_t decryptAndJudge(const char* function, const QLX_CryptoCtrl& control, uint32_t outLength) {
+static uint32_t decryptAndJudge(const char* function, const QLX_CryptoCtrl& control,
+                                uint32_t outLength) {
     timeval start{};
     uint32_t plainLength = CRYPTO_BUFFER_SIZE;
     printf("==>[%s() %d] I:Will decrypt.\n", function, __LINE__);

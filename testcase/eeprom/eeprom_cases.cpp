@@ -203,13 +203,9 @@ static const TcCase EEPROMModuleCases[] = {
 static_assert(tcCaseCount(EEPROMModuleCases) == 8, "cases of the module");
 
 const TcModule EEPROMModule = {
-    testSetup,
-    testTeardown,
-    testCaseSetupImp,
-    testCaseTeardownImp,
-    EEPROMModuleCases,
-    tcCaseCount(EEPROMModuleCases),
-    "EEPROM",
-    "Test module for the EEPROM",
+    testSetup,         testTeardown,
+    testCaseSetupImp,  testCaseTeardownImp,
+    EEPROMModuleCases, tcCaseCount(EEPROMModuleCases),
+    "EEPROM",          "Test module for the EEPROM",
     nullptr,
 };

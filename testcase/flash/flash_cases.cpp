@@ -112,8 +112,8 @@ static uint32_t TC_FLASH_WriteRead_003(void) {
 
 /** The two bytes as a number, first byte low. */
 static uint16_t shortOf(const char (&buff)[2]) {
-    return static_cast<uint16_t>(static_cast<uint8_t>(buff[0]) |
-                                 static_cast<uint8_t>(buff[1]) << 8);
+    return static_cast<uint16_t>(static_cast<uint8_t>(buff[0]) | static_cast<uint8_t>(buff[1])
+                                                                     << 8);
 }
 
 static uint32_t TC_FLASH_WriteRead_004(void) {
@@ -178,13 +178,9 @@ static const TcCase FLASHModuleCases[] = {
 static_assert(tcCaseCount(FLASHModuleCases) == 6, "cases of the module");
 
 const TcModule FLASHModule = {
-    testSetup,
-    testTeardown,
-    testCaseSetupImp,
-    testCaseTeardownImp,
-    FLASHModuleCases,
-    tcCaseCount(FLASHModuleCases),
-    "FLASH",
-    "Test module for the FLASH",
+    testSetup,        testTeardown,
+    testCaseSetupImp, testCaseTeardownImp,
+    FLASHModuleCases, tcCaseCount(FLASHModuleCases),
+    "FLASH",          "Test module for the FLASH",
     nullptr,
 };

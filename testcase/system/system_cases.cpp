@@ -324,13 +324,9 @@ static const TcCase SysModuleCases[] = {
 static_assert(tcCaseCount(SysModuleCases) == 19, "cases of the module");
 
 const TcModule SysModule = {
-    testSetup,
-    testTeardown,
-    testCaseSetupImp,
-    testCaseTeardownImp,
-    SysModuleCases,
-    tcCaseCount(SysModuleCases),
-    "SYSTEM",
-    "Test module for system",
+    testSetup,        testTeardown,
+    testCaseSetupImp, testCaseTeardownImp,
+    SysModuleCases,   tcCaseCount(SysModuleCases),
+    "SYSTEM",         "Test module for system",
     nullptr,
 };

@@ -45,7 +45,8 @@ class BenchFolder {
     }
 
     void write(const std::string& name, const std::string& contents) const {
-        std::filesystem::create_directories(std::filesystem::path(path_ + "/" + name).parent_path());
+        std::filesystem::create_directories(
+            std::filesystem::path(path_ + "/" + name).parent_path());
         std::ofstream(path_ + "/" + name, std::ios::binary) << contents;
     }
 

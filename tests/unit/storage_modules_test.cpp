@@ -65,8 +65,9 @@ TEST_F(StorageModules, ABoardWithoutTheFeatureSucceedsWithoutTouchingIt) {
     for (const TcModule* module : {&FLASHModule, &EEPROMModule}) {
         for (uint32_t i = 0; i < module->caseCount; i++) {
             uint32_t result = 9;
-            EXPECT_NE(output(*module, module->cases[i].name, &result).find("Unsupported case ! \r\n"),
-                      std::string::npos);
+            EXPECT_NE(
+                output(*module, module->cases[i].name, &result).find("Unsupported case ! \r\n"),
+                std::string::npos);
             EXPECT_EQ(result, 0u) << module->cases[i].name;
         }
     }
@@ -107,9 +108,8 @@ TEST_F(StorageModules, VerdictsOnAFaultyDevice) {
          "FUNC:QLX_FlashRead(tcFlashDev, addr, sizeof(puBuffer), puBuffer, &sizeRead) RETURN"},
         {&FLASHModule, "TC_FLASH_WriteRead_005", "QLX_FlashWrite return=0", 1,
          "FUNC:QLX_FlashWrite(tcFlashDev, offset, 1, &value, &sizeWrite) RETURN ERROR VALUE [0]"},
-        {&EEPROMModule, "TC_EEPROM_Read_002", "QLX_EepromRead return=0", 1, "value read from 10"},
-        {&EEPROMModule, "TC_EEPROM_Write_002", "QLX_EepromWrite return=0", 1,
-         "value write to 0x10"},
+        {&EEPROMModule, "TC_EEPROM_Read_002", "QLX_EepromRead return=0", 1, "value read from 1"},
+        {&EEPROMModule, "TC_EEPROM_Write_002", "QLX_EepromWrite return=0", 1, "value write to 0x1"},
         // Sizes 4096, range 512 to 3584: a range that ends at the size, or where it starts.
         {&EEPROMModule, "TC_EEPROM_GetSizeRange_003", "QLX_EepromGetRange corrupt=5:10", 1,
          "TEST Result: FAIL"},
@@ -159,9 +159,9 @@ TEST_F(StorageModules, FlashRefusesWhatLeavesWindowOrPartition) {
         uint32_t offset, size;
         bool accepted;
     } windows[] = {
-        {"/dev/mmcblk0p2", 0, 65536, true},      {"/dev/mmcblk0p2", 65535, 1, true},
-        {"/dev/mmcblk0p2", 65535, 2, false},     {"/dev/mmcblk0p2", 0, 0, false},
-        {"/dev/mmcblk0p3", 0, 4096, false},      {"0123456789abcdef", 0, 4096, false},
+        {"/dev/mmcblk0p2", 0, 65536, true},       {"/dev/mmcblk0p2", 65535, 1, true},
+        {"/dev/mmcblk0p2", 65535, 2, false},      {"/dev/mmcblk0p2", 0, 0, false},
+        {"/dev/mmcblk0p3", 0, 4096, false},       {"0123456789abcdef", 0, 4096, false},
         {"/dev/mmcblk0p2", 0xFFFFFFFF, 2, false}, {"", 0, 4096, false},
     };
     for (const auto& row : windows) {
