@@ -2,8 +2,9 @@
 // leaves the partition as it found it, or says on the console that it could not.
 //
 // On a board without the feature every case is a success that does nothing.
-#include <stdlib.h>
 #include <string.h>
+
+#include <new>
 
 #include "environment/test_env.h"
 #include "framework/modules.h"
@@ -19,8 +20,8 @@ static uint32_t testSetup(void) {
     zk_log("%s ! \r\n", __func__);
     zk_test_get_feature(&tcFlashFeature);
     // A second visit whose teardown did not come would leave the first record behind.
-    free(tcFlashDev);
-    tcFlashDev = static_cast<QLX_FlashDevice*>(calloc(1, sizeof *tcFlashDev));
+    delete tcFlashDev;
+    tcFlashDev = new (std::nothrow) QLX_FlashDevice{};
     if (tcFlashDev == nullptr)
         return 1;
     strncpy(tcFlashDev->devicePath, "/dev/mmcblk0p2", sizeof tcFlashDev->devicePath - 1);
@@ -31,7 +32,7 @@ static uint32_t testSetup(void) {
 }
 
 static uint32_t testTeardown(void) {
-    free(tcFlashDev);
+    delete tcFlashDev;
     tcFlashDev = nullptr;
     zk_log("free tcFlashDev ! \r\n");
     zk_log("release all resources ! \r\n");
