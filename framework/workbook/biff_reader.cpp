@@ -235,8 +235,7 @@ xls_error_t readSheetEntry(xlsWorkBook* workbook, const Record* record) {
         return LIBXLS_ERROR_PARSE;
     }
     void* sheets = list->sheet;
-    if (!growArray(&sheets, &book->sheetCapacity, size_t{list->count} + 1,
-                   sizeof(xlsSheetEntry))) {
+    if (!growArray(&sheets, &book->sheetCapacity, size_t{list->count} + 1, sizeof(xlsSheetEntry))) {
         return LIBXLS_ERROR_MALLOC;
     }
     list->sheet = static_cast<xlsSheetEntry*>(sheets);
@@ -474,9 +473,9 @@ struct CellReader {
 };
 
 const CellReader kCellReaders[] = {
-    {BIFF_LABELSST, 10, readCell},  {BIFF_ROW, 2, readRow},         {BIFF_RK, 10, readCell},
-    {BIFF_NUMBER, 14, readCell},    {BIFF_LABEL, 8, readCell},      {BIFF_RSTRING, 8, readCell},
-    {BIFF_BOOLERR, 8, readCell},    {BIFF_FORMULA, 14, readCell},   {BIFF_MULRK, 6, readManyRk},
+    {BIFF_LABELSST, 10, readCell},  {BIFF_ROW, 2, readRow},       {BIFF_RK, 10, readCell},
+    {BIFF_NUMBER, 14, readCell},    {BIFF_LABEL, 8, readCell},    {BIFF_RSTRING, 8, readCell},
+    {BIFF_BOOLERR, 8, readCell},    {BIFF_FORMULA, 14, readCell}, {BIFF_MULRK, 6, readManyRk},
     {BIFF_MULBLANK, 6, readBlanks}, {BIFF_BLANK, 4, readBlanks},
 };
 

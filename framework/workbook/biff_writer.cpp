@@ -619,8 +619,8 @@ worksheet* xlsWorkbookSheet(workbook* book, const char* name) {
     sheet->book = book;
     sheet->nameLength = static_cast<uint8_t>(length);
     sheet->nameWide = !fitsBytes(units, length);
-    sheet->nameSize = static_cast<uint8_t>(
-        putUnits(sheet->name, units, length, sheet->nameWide) - sheet->name);
+    sheet->nameSize =
+        static_cast<uint8_t>(putUnits(sheet->name, units, length, sheet->nameWide) - sheet->name);
     book->sheets[book->sheetCount++] = sheet;
     return sheet;
 }

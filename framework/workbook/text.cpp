@@ -99,8 +99,8 @@ size_t utf8FromUtf16(const uint16_t* units, size_t count, char* out) {
     for (size_t i = 0; i < count; i++) {
         uint32_t c = units[i];
         if (c >= 0xD800 && c <= 0xDFFF) {
-            bool paired = c <= 0xDBFF && i + 1 < count && units[i + 1] >= 0xDC00 &&
-                          units[i + 1] <= 0xDFFF;
+            bool paired =
+                c <= 0xDBFF && i + 1 < count && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF;
             c = paired ? 0x10000 + ((c - 0xD800) << 10) + (units[++i] - 0xDC00u) : kReplacement;
         }
         length += putUtf8(c, out + length);

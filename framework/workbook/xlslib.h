@@ -46,10 +46,10 @@ cell_t* xlsWorksheetNumberInt(worksheet* sheet, unsigned row, unsigned col, int 
                               xf_t* format);
 
 // Saves the workbook as `file`: whole or not at all, also across a crash or a power cut. It is
-// written to `file`.tmp first, synced to the medium and renamed. ZK_REPORT_SYNC=0 in the environment leaves the
-// syncs out, which keeps the promise for a crash of the program but not for a power cut.
-// Returns 0, or -1 on any error, a workbook without sheets among them; the old file is then still
-// there.
+// written to `file`.tmp first, synced to the medium and renamed. ZK_REPORT_SYNC=0 in the
+// environment leaves the syncs out, which keeps the promise for a crash of the program but not for
+// a power cut. Returns 0, or -1 on any error, a workbook without sheets among them; the old file is
+// then still there.
 int xlsWorkbookDump(workbook* book, const char* file);
 
 #ifdef __cplusplus

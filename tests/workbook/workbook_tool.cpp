@@ -1,0 +1,155 @@
+// The workbook libraries as a program, for tests that compare them with other readers and writers.
+//
+//   workbook_tool dump FILE                  one line a sheet and one a cell, tab-separated
+//   workbook_tool write FILE SHEETS ROWS     a report of so many sheets, with so many rows in all
+//   workbook_tool strings FILE LENGTH        texts of all kinds around the end of a record
+//   workbook_tool grow FILE                  saves a report after every row until it is killed, and
+//                                            prints the number of rows that are surely in the file
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <string>
+
+#include "framework/workbook/xls.h"
+#include "framework/workbook/xlslib.h"
+
+static std::string escaped(const char* text) {
+    std::string out;
+    for (; *text != '\0'; text++) {
+        switch (*text) {
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            default:
+                out += *text;
+                break;
+        }
+    }
+    return out;
+}
+
+static int dump(const char* path) {
+    xls_error_t error = LIBXLS_OK;
+    xlsWorkBook* book = xls_open_file(path, "UTF-8", &error);
+    if (book == nullptr) {
+        printf("error\t%s\n", xls_getError(error));
+        return 1;
+    }
+    for (uint32_t i = 0; i < book->sheets.count; i++) {
+        xlsWorkSheet* sheet = xls_getWorkSheet(book, static_cast<int>(i));
+        error = xls_parseWorkSheet(sheet);
+        printf("sheet\t%s\t%d\t%s\n", escaped(book->sheets.sheet[i].name).c_str(),
+               sheet->rows.lastrow, xls_getError(error));
+        for (unsigned row = 0; row <= sheet->rows.lastrow; row++) {
+            for (unsigned col = 0; col <= sheet->rows.lastcol; col++) {
+                const xlsCell* cell =
+                    xls_cell(sheet, static_cast<uint16_t>(row), static_cast<uint16_t>(col));
+                if (cell->str != nullptr) {
+                    printf("cell\t%u\t%u\t%s\n", row, col, escaped(cell->str).c_str());
+                }
+            }
+        }
+        xls_close_WS(sheet);
+    }
+    xls_close_WB(book);
+    return 0;
+}
+
+static void writeRow(worksheet* sheet, unsigned row, const char* verdict) {
+    const std::string name = "TC_Module_Function_with_a_long_name_" + std::to_string(row);
+    xlsWorksheetNumberInt(sheet, row, 0, static_cast<int>(row), nullptr);
+    xlsWorksheetLabel(sheet, row, 1, name.c_str(), nullptr);
+    xlsWorksheetLabel(sheet, row, 2, "Y", nullptr);
+    xlsWorksheetLabel(sheet, row, 3, verdict, nullptr);
+}
+
+static worksheet* addSheet(workbook* book, unsigned number) {
+    static const char* const headings[] = {"ID", "Case", "Test", "Result"};
+    worksheet* sheet = xlsWorkbookSheet(book, ("Module-" + std::to_string(number)).c_str());
+    for (unsigned col = 0; col < 4; col++) {
+        xlsWorksheetLabel(sheet, 0, col, headings[col], nullptr);
+    }
+    return sheet;
+}
+
+static int write(const char* path, unsigned sheets, unsigned rows) {
+    workbook* book = xlsNewWorkbook();
+    for (unsigned i = 0; i < sheets; i++) {
+        worksheet* sheet = addSheet(book, i + 1);
+        unsigned count = rows / sheets + (i < rows % sheets ? 1 : 0);
+        for (unsigned row = 1; row <= count; row++) {
+            writeRow(sheet, row, row % 3 == 0 ? "Fail" : "Pass");
+        }
+    }
+    int result = xlsWorkbookDump(book, path);
+    xlsDeleteWorkbook(book);
+    return result;
+}
+
+static int writeStrings(const char* path, size_t length) {
+    const std::string chinese = "\xE4\xB8\xAD\xE6\x96\x87";
+    const std::string texts[] = {std::string(length, 'a'),
+                                 "bc",
+                                 chinese,
+                                 "d\xC3\xA9j\xC3\xA0 vu",
+                                 std::string(20000, 'e') + chinese,
+                                 "\xF0\x9F\x98\x80",
+                                 "bad\xFF"
+                                 "bytes"};
+    workbook* book = xlsNewWorkbook();
+    worksheet* sheet = xlsWorkbookSheet(book, chinese.c_str());
+    unsigned row = 0;
+    for (const std::string& text : texts) {
+        xlsWorksheetLabel(sheet, row++, 0, text.c_str(), nullptr);
+    }
+    for (int value : {0, -1, 536870911, 536870912, -2147483647 - 1}) {
+        xlsWorksheetNumberInt(sheet, row++, 1, value, nullptr);
+    }
+    int result = xlsWorkbookDump(book, path);
+    xlsDeleteWorkbook(book);
+    return result;
+}
+
+static int grow(const char* path) {
+    workbook* book = xlsNewWorkbook();
+    worksheet* sheet = nullptr;
+    for (unsigned done = 0;; done++) {
+        if (done % 500 == 0) {
+            sheet = addSheet(book, done / 500 + 1);
+        }
+        for (const char* verdict : {"Block", "Pass"}) {
+            writeRow(sheet, done % 500 + 1, verdict);
+            if (xlsWorkbookDump(book, path) != 0) {
+                return 1;
+            }
+        }
+        printf("%u\n", done + 1);
+        fflush(stdout);
+    }
+}
+
+int main(int argc, char** argv) {
+    const std::string command = argc > 2 ? argv[1] : "";
+    if (command == "dump") {
+        return dump(argv[2]);
+    }
+    if (command == "write" && argc == 5) {
+        return write(argv[2], static_cast<unsigned>(atoi(argv[3])),
+                     static_cast<unsigned>(atoi(argv[4])));
+    }
+    if (command == "strings" && argc == 4) {
+        return writeStrings(argv[2], static_cast<size_t>(atoi(argv[3])));
+    }
+    if (command == "grow") {
+        return grow(argv[2]);
+    }
+    fprintf(stderr, "usage: workbook_tool dump|write|strings|grow FILE ...\n");
+    return 2;
+}
