@@ -3,6 +3,7 @@
 //   workbook_tool dump FILE                  one line a sheet and one a cell, tab-separated
 //   workbook_tool write FILE SHEETS ROWS     a report of so many sheets, with so many rows in all
 //   workbook_tool strings FILE LENGTH        texts of all kinds around the end of a record
+//   workbook_tool seeds FOLDER               what the fuzz target starts from
 //   workbook_tool grow FILE                  saves a report after every row until it is killed, and
 //                                            prints the number of rows that are surely in the file
 #include <stdio.h>
@@ -11,6 +12,7 @@
 
 #include <string>
 
+#include "framework/workbook/cfb.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
 
@@ -135,6 +137,38 @@ static int grow(const char* path) {
     }
 }
 
+// Each seed as a compound file behind a byte 0, and its record stream alone behind a byte 1.
+static int writeSeeds(const std::string& folder) {
+    const char* name = "Workbook";
+    for (int seed = 0; seed < 2; seed++) {
+        const std::string path = folder + "/seed" + std::to_string(seed);
+        int result = seed == 0 ? write(path.c_str(), 2, 6) : writeStrings(path.c_str(), 8220);
+        ByteBuffer file = {};
+        ByteBuffer stream = {};
+        FILE* in = fopen(path.c_str(), "rb");
+        if (result != 0 || in == nullptr || !bufferReserve(&file, 1 << 20)) {
+            return 1;
+        }
+        file.size = fread(file.data, 1, file.capacity, in);
+        fclose(in);
+        FILE* whole = fopen(path.c_str(), "wb");
+        FILE* records = fopen((path + "_records").c_str(), "wb");
+        if (whole == nullptr || records == nullptr ||
+            cfbReadStream(file.data, file.size, &name, 1, &stream) != CFB_OK) {
+            return 1;
+        }
+        fputc(0, whole);
+        fwrite(file.data, 1, file.size, whole);
+        fputc(1, records);
+        fwrite(stream.data, 1, stream.size, records);
+        fclose(whole);
+        fclose(records);
+        bufferFree(&file);
+        bufferFree(&stream);
+    }
+    return 0;
+}
+
 int main(int argc, char** argv) {
     const std::string command = argc > 2 ? argv[1] : "";
     if (command == "dump") {
@@ -147,9 +181,12 @@ int main(int argc, char** argv) {
     if (command == "strings" && argc == 4) {
         return writeStrings(argv[2], static_cast<size_t>(atoi(argv[3])));
     }
+    if (command == "seeds") {
+        return writeSeeds(argv[2]);
+    }
     if (command == "grow") {
         return grow(argv[2]);
     }
-    fprintf(stderr, "usage: workbook_tool dump|write|strings|grow FILE ...\n");
+    fprintf(stderr, "usage: workbook_tool dump|write|strings|seeds|grow FILE ...\n");
     return 2;
 }
