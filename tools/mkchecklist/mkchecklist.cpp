@@ -133,8 +133,7 @@ void writeModule(workbook* book, const Selection& selection, const TcModule& mod
 void writeCover(workbook* book) {
     static const char* const lines[] = {
         "zktest checklist",
-        "One sheet for each module. Column \"Test\": Y runs a case in an unattended run, N does "
-        "not.",
+        "One sheet a module. Column \"Test\": Y runs a case in an unattended run, N does not.",
         "Rows are matched to cases by their place: neither sort, insert nor delete rows.",
         "The last row of each sheet is never read; leave it where it is.",
     };
