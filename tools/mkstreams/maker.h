@@ -1,0 +1,37 @@
+/* Makes the stream of a multiplex, and its variants for tests. */
+#ifndef TOOLS_MKSTREAMS_MAKER_H
+#define TOOLS_MKSTREAMS_MAKER_H
+
+#include <string>
+#include <vector>
+
+#include "tools/mkstreams/elementary.h"
+#include "tools/mkstreams/line_up.h"
+#include "tools/mkstreams/multiplexer.h"
+
+namespace mkstreams {
+
+/** All tables of a multiplex, as they are sent. */
+std::vector<Burst> tablesOf(const LineUp& lineUp, const Multiplex& multiplex);
+
+/** Checks what may not be on the air, and that every section is sound. Empty when all is well. */
+std::string complaintAbout(const LineUp& lineUp, const std::vector<Burst>& bursts);
+
+/** Makes one loop of a multiplex at the lowest rate that carries it. */
+bool makeStream(const LineUp& lineUp, const Multiplex& multiplex, EncodedContent* encoded,
+                TransportStream* stream, std::string* error);
+
+/** A stream that differs from one on the air by a fault or by its form; a row of a table. */
+struct Variant {
+    const char* name;
+    size_t packetBytes; /**< 188 or 204 */
+    /** Makes the bytes of the file out of the good stream and its tables. */
+    Bytes (*make)(const TransportStream& good, const std::vector<Burst>& bursts);
+};
+
+extern const Variant variants[];
+extern const size_t variantCount;
+
+}  // namespace mkstreams
+
+#endif
