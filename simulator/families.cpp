@@ -11,6 +11,7 @@ const Family families[] = {
     {"Env", envReset, envDescribe, nullptr},
     {"HDCP", hdcpReset, hdcpDescribe, hdcpControl},
     {"Flash", flashReset, flashDescribe, nullptr},
+    {"TEEC", teecReset, teecDescribe, nullptr},
 };
 const int familyCount = sizeof(families) / sizeof(families[0]);
 

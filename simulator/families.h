@@ -39,6 +39,8 @@ void hdcpDescribe(std::string* out);
 bool hdcpControl(const std::string& event);
 void flashReset();
 void flashDescribe(std::string* out);
+void teecReset();
+void teecDescribe(std::string* out);
 
 }  // namespace sim
 

@@ -110,9 +110,7 @@ const Open openModules[] = {
     {"LOCALPLAYER_VIDEO", 0, 0},
     {"LOCALPLAYER_AUDIO", 0, 0},
     {"LOCALPLAYER_IMAGE", 0, 0},
-    {"Factory", 0, 0},
     {"TTS", 0, 0},
-    {"TEEC", 0, 0},
     {"ASCAP", 0, 0},
     {"OSD", 0, 0},
 };
