@@ -62,14 +62,17 @@ struct RequestInfo_st {
 static_assert(sizeof(void*) != 4 || sizeof(RequestInfo_st) == 4132,
               "a request must have 4132 bytes where pointers have four");
 
+/** A copy of a PES packet. */
+struct PesData_st {
+    uint8_t* pBuffer;
+    uint32_t uLength;
+};
+
 struct PesEvent_st {
     /** QLX_FilterEvent. */
     uint32_t eEvent;
     union {
-        struct {
-            uint8_t* pBuffer;
-            uint32_t uLength;
-        } pesData;
+        PesData_st pesData;
         uintptr_t uValue;
     };
 };
