@@ -5,9 +5,6 @@
 
 #include "framework/zk_log.h"
 
-/** Of the file's own buffer: packets are small, and a search may run through a long file. */
-static const size_t FILE_BUFFER_SIZE = 64 * 1024;
-
 static void dump(const uint8_t* bytes, uint32_t length) {
     for (uint32_t i = 0; i < length; i++)
         printf("%02x ", bytes[i]);
@@ -20,7 +17,7 @@ static bool hasBytes(const SectionData_st* data) {
 
 /** What the passage of a file needs. */
 struct Passage {
-    FILE* file;
+    TsFile_st* file;
     FilterParams_st stFilter;
     bool rewound;
 };
@@ -36,12 +33,11 @@ static bool openPassage(const QLX_SectionFilterParams* pstConfigured,
     if (pstConfigured != nullptr)
         passage->stFilter.uPid = pstConfigured->uPid;
     passage->rewound = false;
-    passage->file = fopen(path, "rb");
+    passage->file = tsFileOpen(path);
     if (passage->file == nullptr) {
         printf("[%s %d]:file handle is null.\n", __func__, __LINE__);
         return false;
     }
-    setvbuf(passage->file, nullptr, _IOFBF, FILE_BUFFER_SIZE);
     return true;
 }
 
@@ -50,14 +46,16 @@ static bool openPassage(const QLX_SectionFilterParams* pstConfigured,
  * for a section may lie across its ends; once, or a file without the section would be read forever.
  */
 static bool nextPacket(Passage* passage, Packet_st* packet) {
+    memset(packet, 0, sizeof *packet);
     do {
         if (tsFileAtEnd(passage->file)) {
             if (passage->rewound)
                 return false;
             passage->rewound = true;
-            rewind(passage->file);
+            tsFileRewind(passage->file);
         }
-        memset(packet, 0, sizeof *packet);
+        // What a packet always overwrites need not be cleared for each.
+        memset(packet->buffer + TS_PACKET_SIZE, 0, sizeof *packet - TS_PACKET_SIZE);
         if (DEMUX_ReadTSPacket(passage->file, packet) != 0)
             return false;
     } while (tsPacketPid(packet) != passage->stFilter.uPid);
@@ -95,7 +93,7 @@ void Demux_ReadTsData(const QLX_SectionFilterParams* pstConfigured,
             break;
         }
     }
-    fclose(passage.file);
+    tsFileClose(passage.file);
 }
 
 void Demux_ReadTsPacketData(const QLX_SectionFilterParams* pstConfigured,
@@ -109,7 +107,7 @@ void Demux_ReadTsPacketData(const QLX_SectionFilterParams* pstConfigured,
         memcpy(file_sectionData->pBuffer, packet.buffer, packet.uSize);
         file_sectionData->uLength = packet.uSize;
     }
-    fclose(passage.file);
+    tsFileClose(passage.file);
 }
 
 void Demux_FreeTsData(SectionData_st* file_sectionData) {

@@ -1,5 +1,6 @@
 #include "testcase/demux/ts_reader.h"
 
+#include <stdlib.h>
 #include <string.h>
 
 #include "framework/tc_check.h"
@@ -63,63 +64,116 @@ void LoadFilterParams(const QLX_SectionFilterParams* pstConfigured,
     }
 }
 
-void GoBackOneByte(FILE* p_fileHandle) {
+TsFile_st* tsFileOpen(const char* path) {
+    FILE* file = fopen(path, "rb");
+    if (file == nullptr)
+        return nullptr;
+    TsFile_st* handle = static_cast<TsFile_st*>(malloc(sizeof *handle));
+    if (handle == nullptr) {
+        fclose(file);
+        return nullptr;
+    }
+    setvbuf(file, nullptr, _IONBF, 0);
+    handle->file = file;
+    handle->next = 0;
+    handle->used = 0;
+    return handle;
+}
+
+void tsFileClose(TsFile_st* p_fileHandle) {
+    fclose(p_fileHandle->file);
+    free(p_fileHandle);
+}
+
+void tsFileRewind(TsFile_st* p_fileHandle) {
+    rewind(p_fileHandle->file);
+    p_fileHandle->next = 0;
+    p_fileHandle->used = 0;
+}
+
+long tsFilePlace(const TsFile_st* p_fileHandle) {
+    return ftell(p_fileHandle->file) - static_cast<long>(p_fileHandle->used - p_fileHandle->next);
+}
+
+/** With the block used up: reads the next one. False at the end of the file. */
+static bool readBlock(TsFile_st* p_fileHandle) {
+    p_fileHandle->next = 0;
+    p_fileHandle->used = fread(p_fileHandle->block, 1, TS_FILE_BLOCK_SIZE, p_fileHandle->file);
+    return p_fileHandle->used > 0;
+}
+
+bool tsFileAtEnd(TsFile_st* p_fileHandle) {
+    return p_fileHandle->next >= p_fileHandle->used && !readBlock(p_fileHandle);
+}
+
+/** Reads up to `size` bytes. Returns how many there were. */
+static size_t readBytes(TsFile_st* p_fileHandle, uint8_t* bytes, size_t size) {
+    size_t done = 0;
+    if (p_fileHandle->used - p_fileHandle->next >= size) {
+        memcpy(bytes, p_fileHandle->block + p_fileHandle->next, size);
+        p_fileHandle->next += size;
+        return size;
+    }
+    while (done < size && !tsFileAtEnd(p_fileHandle)) {
+        const size_t held = p_fileHandle->used - p_fileHandle->next;
+        const size_t count = held < size - done ? held : size - done;
+        memcpy(bytes + done, p_fileHandle->block + p_fileHandle->next, count);
+        p_fileHandle->next += count;
+        done += count;
+    }
+    return done;
+}
+
+void GoBackOneByte(TsFile_st* p_fileHandle) {
     if (!assertHolds(p_fileHandle != nullptr, __func__, __LINE__,
                      "p_fileHandle != NULL_PTR(FILE *)"))
         return;
-    if (fseek(p_fileHandle, -1, SEEK_CUR) != 0)
+    if (p_fileHandle->next > 0) {
+        p_fileHandle->next--;
+        return;
+    }
+    if (fseek(p_fileHandle->file, -static_cast<long>(p_fileHandle->used) - 1, SEEK_CUR) == 0)
+        p_fileHandle->used = 0;
+    else
         printf("------------- GoBackOneByte error !!!!!");
 }
 
-/** The next byte, which stays the next one; EOF at the end. The stream's buffer serves it, so that
- *  no seek is needed on the way of every packet. */
-static int peekByte(FILE* p_fileHandle) {
-    int byte = getc_unlocked(p_fileHandle);
-    if (byte != EOF && ungetc(byte, p_fileHandle) == EOF)
-        GoBackOneByte(p_fileHandle);
-    return byte;
-}
-
-int32_t GetSync(FILE* p_fileHandle) {
+int32_t GetSync(TsFile_st* p_fileHandle) {
     if (!assertHolds(p_fileHandle != nullptr, __func__, __LINE__,
-                     "p_fileHandle != NULL_PTR(FILE *)"))
+                     "p_fileHandle != NULL_PTR(FILE *)") ||
+        tsFileAtEnd(p_fileHandle))
         return 1;
-    int byte = getc_unlocked(p_fileHandle);
-    if (byte != TS_SYNC_BYTE)
+    if (p_fileHandle->block[p_fileHandle->next++] != TS_SYNC_BYTE)
         return 1;
-    if (ungetc(byte, p_fileHandle) == EOF)
-        GoBackOneByte(p_fileHandle);
+    GoBackOneByte(p_fileHandle);
     return 0;
 }
 
-int32_t NextIsSync(FILE* p_fileHandle) {
+int32_t NextIsSync(TsFile_st* p_fileHandle) {
     if (!assertHolds(p_fileHandle != nullptr, __func__, __LINE__,
-                     "p_fileHandle != NULL_PTR(FILE *)"))
+                     "p_fileHandle != NULL_PTR(FILE *)") ||
+        tsFileAtEnd(p_fileHandle))
         return 1;
-    return peekByte(p_fileHandle) == TS_SYNC_BYTE ? 0 : 1;
+    return p_fileHandle->block[p_fileHandle->next] == TS_SYNC_BYTE ? 0 : 1;
 }
 
-bool tsFileAtEnd(FILE* p_fileHandle) {
-    return peekByte(p_fileHandle) == EOF;
-}
-
-int32_t DEMUX_ReadTSPacket(FILE* p_fileHandle, Packet_st* p_packet) {
+int32_t DEMUX_ReadTSPacket(TsFile_st* p_fileHandle, Packet_st* p_packet) {
     if (!assertHolds(p_fileHandle != nullptr, __func__, __LINE__,
                      "p_fileHandle != NULL_PTR(FILE *)") ||
         !assertHolds(p_packet != nullptr, __func__, __LINE__, "p_packet != NULL_PTR(Packet_st *)"))
         return 1;
     while (GetSync(p_fileHandle) != 0) {
-        if (feof(p_fileHandle) || ferror(p_fileHandle))
+        if (tsFileAtEnd(p_fileHandle))
             return 1;
     }
-    if (fread_unlocked(p_packet->buffer, 1, TS_PACKET_SIZE, p_fileHandle) != TS_PACKET_SIZE)
+    if (readBytes(p_fileHandle, p_packet->buffer, TS_PACKET_SIZE) != TS_PACKET_SIZE)
         return 1;
     p_packet->uSize = TS_PACKET_SIZE;
     if (p_packet->buffer[0] != TS_SYNC_BYTE)
         printf("------------- read ts data error !!!!! first byte = 0x%.2x\n", p_packet->buffer[0]);
     if (NextIsSync(p_fileHandle) == 0)
         return 0;
-    if (fread_unlocked(p_packet->buffer + TS_PACKET_SIZE, 1, TS_PARITY_SIZE, p_fileHandle) !=
+    if (readBytes(p_fileHandle, p_packet->buffer + TS_PACKET_SIZE, TS_PARITY_SIZE) !=
         TS_PARITY_SIZE) {
         printf("[%s %d]:Fail to read %d packet.\n", __func__, __LINE__, TS_PARITY_SIZE);
         return 1;

@@ -6,11 +6,15 @@
  * described at the functions and stay as they are, since references must not change under a rack.
  * It is safe on any bytes: no count leads outside a packet's record or the section buffer.
  *
+ * Files are read in large blocks, for a search may run through a long one, and packet by packet it
+ * looks at single bytes.
+ *
  * No state is shared: handle, packet and section belong to the caller. It calls no library.
  */
 #ifndef TESTCASE_DEMUX_TS_READER_H
 #define TESTCASE_DEMUX_TS_READER_H
 
+#include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
@@ -23,6 +27,16 @@ enum {
     TS_PACKET_SIZE_MAX = 204,
     TS_SYNC_BYTE = 0x47,
     TS_SECTION_SIZE_MAX = 4096,
+    TS_FILE_BLOCK_SIZE = 64 * 1024,
+};
+
+/** An open stream file, at a place. */
+struct TsFile_st {
+    FILE* file;
+    /** The place in the block, and the bytes in it. */
+    size_t next;
+    size_t used;
+    uint8_t block[TS_FILE_BLOCK_SIZE];
 };
 
 /** One packet as read; cleared before each read. */
@@ -73,17 +87,24 @@ uint16_t tsPacketPid(const Packet_st* p_packet);
 void LoadFilterParams(const QLX_SectionFilterParams* pstConfigured,
                       const RequestInfo_st* pRequestInfo, FilterParams_st* pstFilter);
 
+/** Opens a file at its begin. Null when it cannot be read. */
+TsFile_st* tsFileOpen(const char* path);
+void tsFileClose(TsFile_st* p_fileHandle);
+/** Goes to the begin again. */
+void tsFileRewind(TsFile_st* p_fileHandle);
+/** The place, in bytes from the begin. */
+long tsFilePlace(const TsFile_st* p_fileHandle);
+/** Whether no byte follows. The place does not change. */
+bool tsFileAtEnd(TsFile_st* p_fileHandle);
+
 /** Seeks back one byte; a failure is printed. */
-void GoBackOneByte(FILE* p_fileHandle);
+void GoBackOneByte(TsFile_st* p_fileHandle);
 
 /** 0 when the next byte is a sync byte, which stays the next one; 1 otherwise, one byte further. */
-int32_t GetSync(FILE* p_fileHandle);
+int32_t GetSync(TsFile_st* p_fileHandle);
 
 /** 0 when the next byte is a sync byte; 1 when not, or at the end. The place does not change. */
-int32_t NextIsSync(FILE* p_fileHandle);
-
-/** Whether no byte follows. The place does not change. */
-bool tsFileAtEnd(FILE* p_fileHandle);
+int32_t NextIsSync(TsFile_st* p_fileHandle);
 
 /**
  * Skips to the next sync byte and reads a packet. It has 204 bytes when no sync byte follows the
@@ -91,7 +112,7 @@ bool tsFileAtEnd(FILE* p_fileHandle);
  * @param p_packet  a cleared record
  * @return 0; 1 at the end of the file or in the middle of a packet
  */
-int32_t DEMUX_ReadTSPacket(FILE* p_fileHandle, Packet_st* p_packet);
+int32_t DEMUX_ReadTSPacket(TsFile_st* p_fileHandle, Packet_st* p_packet);
 
 /** Takes 0xff bytes off the end: lowers *p_payloadSize, never below 0 nor from below it. */
 void DiscardStuffByte(const uint8_t* p_payloadBuffer, int* p_payloadSize);

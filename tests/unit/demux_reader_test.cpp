@@ -115,8 +115,8 @@ class StreamFile {
     StreamFile(const StreamFile&) = delete;
     StreamFile& operator=(const StreamFile&) = delete;
 
-    FILE* open() const {
-        return fopen(path_.c_str(), "rb");
+    TsFile_st* open() const {
+        return tsFileOpen(path_.c_str());
     }
     const char* path() const {
         return path_.c_str();
@@ -322,7 +322,7 @@ TEST(DemuxReader, PacketSizeIsDecidedByTheByteBehind) {
     Bytes rest = streamOf(packets);
     stream.insert(stream.end(), rest.begin(), rest.end());
     StreamFile file(stream);
-    FILE* handle = file.open();
+    TsFile_st* handle = file.open();
     for (uint32_t size : {188u, 204u, 204u}) {
         Packet_st packet{};
         ASSERT_EQ(DEMUX_ReadTSPacket(handle, &packet), 0);
@@ -331,26 +331,32 @@ TEST(DemuxReader, PacketSizeIsDecidedByTheByteBehind) {
     }
     Packet_st packet{};
     EXPECT_EQ(DEMUX_ReadTSPacket(handle, &packet), 1) << "nothing follows the last packet";
-    fclose(handle);
+    tsFileClose(handle);
 }
 
 TEST(DemuxReader, SyncIsSearchedWithoutMovingAhead) {
     StreamFile file({0x00, TS_SYNC_BYTE, 0x11});
-    FILE* handle = file.open();
+    TsFile_st* handle = file.open();
     EXPECT_EQ(NextIsSync(handle), 1);
-    EXPECT_EQ(ftell(handle), 0);
+    EXPECT_EQ(tsFilePlace(handle), 0);
     EXPECT_EQ(GetSync(handle), 1);
-    EXPECT_EQ(ftell(handle), 1);
+    EXPECT_EQ(tsFilePlace(handle), 1);
     EXPECT_EQ(NextIsSync(handle), 0);
     EXPECT_EQ(GetSync(handle), 0);
-    EXPECT_EQ(ftell(handle), 1);
-    fseek(handle, 0, SEEK_END);
+    EXPECT_EQ(tsFilePlace(handle), 1);
+    Packet_st packet{};
+    EXPECT_EQ(DEMUX_ReadTSPacket(handle, &packet), 1) << "two bytes are no packet";
     EXPECT_EQ(NextIsSync(handle), 1);
     EXPECT_EQ(GetSync(handle), 1);
     EXPECT_TRUE(tsFileAtEnd(handle));
-    GoBackOneByte(handle);
-    EXPECT_EQ(ftell(handle), 2);
-    fclose(handle);
+    for (long place : {2, 1, 0, 0}) {
+        GoBackOneByte(handle);  // the last one is before the begin
+        EXPECT_EQ(tsFilePlace(handle), place);
+    }
+    tsFileRewind(handle);
+    EXPECT_EQ(NextIsSync(handle), 1);
+    EXPECT_EQ(GetSync(nullptr), 1);
+    tsFileClose(handle);
 }
 
 TEST(DemuxReader, FilesThatBreakOffEnd) {
@@ -361,10 +367,10 @@ TEST(DemuxReader, FilesThatBreakOffEnd) {
         Bytes stream = packet;
         stream.resize(length, 0x10);
         StreamFile file(stream);
-        FILE* handle = file.open();
+        TsFile_st* handle = file.open();
         Packet_st record{};
         EXPECT_EQ(DEMUX_ReadTSPacket(handle, &record), 1) << length;
-        fclose(handle);
+        tsFileClose(handle);
         EXPECT_TRUE(referenceIn(stream, 0x42).empty()) << length;
     }
 }
