@@ -9,6 +9,7 @@
 #include <sys/time.h>
 
 #include "environment/feature_list.h"
+#include "platform/qlx_tuner.h"
 
 /** Places of the feature table; each enumerator bears the name of its configuration key. */
 enum ZkFeature {
@@ -54,6 +55,22 @@ struct TcChannelInfo {
 };
 static_assert(sizeof(TcChannelInfo) == 440, "a channel has 110 words");
 
+/** Tuning parameters of the board; the frequencies are in the channel tables. */
+struct TcTunerConfig {
+    /** Default transmission system of each tuner. */
+    uint32_t eTransmissionSystem[QLX_TUNER_MAX];
+    QLX_TunerTuningParams stAtscC;
+    QLX_TunerTuningParams stAtscT;
+    QLX_TunerTuningParams stAtscT3;
+    QLX_TunerTuningParams stDvbC;
+    QLX_TunerTuningParams stDvbT;
+    QLX_TunerTuningParams stDvbS;
+    QLX_TunerTuningParams stIsdbT;
+    QLX_TunerTuningParams stIsdbS;
+    QLX_TunerTuningParams stIsdbS3;
+};
+static_assert(sizeof(TcTunerConfig) == 808, "four systems and nine records");
+
 struct TestEnvConfig {
     /** By ZkFeature: 0 absent, anything else present. */
     int32_t features[FEATURE_COUNT];
@@ -83,7 +100,7 @@ struct TestEnvConfig {
     /** Parameters of the audio and video modules. */
     uint32_t avBlock[48];
     /** Parameters of the tuner modules. */
-    uint32_t tunerBlock[202];
+    TcTunerConfig tunerBlock;
 };
 
 /** The environment of all cases. */

@@ -7,7 +7,6 @@
                              0,       name,    description, nullptr};
 
 // clang-format off
-OPEN_MODULE(TunerModule, "Tuner", "Test module for the TUNER")
 OPEN_MODULE(DemuxModuleCommon, "Demux-common", "Test cases of Demux (COMMON)")
 OPEN_MODULE(DemuxModuleAtsc, "Demux-ATSC", "Test cases of Demux (ATSC)")
 OPEN_MODULE(DemuxModuleIsdb, "Demux-ISDB", "Test cases of Demux (ISDB)")

@@ -53,25 +53,33 @@ enum {
     X(TC_TUNER_CheckInputTuningParams_002, AUTO, "Tune tuner-1 with invalid tuning type 3", \
       tuner_checkInput(__func__, 1, SPOILED_TYPE_3)) \
     X(TC_TUNER_CheckInputTuningParams_005, AUTO, \
-      "Tune tuner-0 with invalid transmission system 3", tuner_checkInput(__func__, 0, SPOILED_SYSTEM_3)) \
+      "Tune tuner-0 with invalid transmission system 3", \
+      tuner_checkInput(__func__, 0, SPOILED_SYSTEM_3)) \
     X(TC_TUNER_CheckInputTuningParams_006, AUTO, \
-      "Tune tuner-1 with invalid transmission system 3", tuner_checkInput(__func__, 1, SPOILED_SYSTEM_3)) \
+      "Tune tuner-1 with invalid transmission system 3", \
+      tuner_checkInput(__func__, 1, SPOILED_SYSTEM_3)) \
     X(TC_TUNER_CheckInputTuningParams_007, AUTO, \
-      "Tune tuner-0 with invalid transmission system 0", tuner_checkInput(__func__, 0, SPOILED_SYSTEM_0)) \
+      "Tune tuner-0 with invalid transmission system 0", \
+      tuner_checkInput(__func__, 0, SPOILED_SYSTEM_0)) \
     X(TC_TUNER_CheckInputTuningParams_008, AUTO, \
-      "Tune tuner-1 with invalid transmission system 0", tuner_checkInput(__func__, 1, SPOILED_SYSTEM_0)) \
+      "Tune tuner-1 with invalid transmission system 0", \
+      tuner_checkInput(__func__, 1, SPOILED_SYSTEM_0)) \
     X(TC_TUNER_CheckInputTuningParams_011, AUTO, "Tune tuner-2 with invalid tuning type 3", \
       tuner_checkInput(__func__, 2, SPOILED_TYPE_3)) \
     X(TC_TUNER_CheckInputTuningParams_012, AUTO, "Tune tuner-3 with invalid tuning type 3", \
       tuner_checkInput(__func__, 3, SPOILED_TYPE_3)) \
     X(TC_TUNER_CheckInputTuningParams_015, AUTO, \
-      "Tune tuner-2 with invalid transmission system 3", tuner_checkInput(__func__, 2, SPOILED_SYSTEM_3)) \
+      "Tune tuner-2 with invalid transmission system 3", \
+      tuner_checkInput(__func__, 2, SPOILED_SYSTEM_3)) \
     X(TC_TUNER_CheckInputTuningParams_016, AUTO, \
-      "Tune tuner-3 with invalid transmission system 3", tuner_checkInput(__func__, 3, SPOILED_SYSTEM_3)) \
+      "Tune tuner-3 with invalid transmission system 3", \
+      tuner_checkInput(__func__, 3, SPOILED_SYSTEM_3)) \
     X(TC_TUNER_CheckInputTuningParams_017, AUTO, \
-      "Tune tuner-2 with invalid transmission system 0", tuner_checkInput(__func__, 2, SPOILED_SYSTEM_0)) \
+      "Tune tuner-2 with invalid transmission system 0", \
+      tuner_checkInput(__func__, 2, SPOILED_SYSTEM_0)) \
     X(TC_TUNER_CheckInputTuningParams_018, AUTO, \
-      "Tune tuner-3 with invalid transmission system 0", tuner_checkInput(__func__, 3, SPOILED_SYSTEM_0))
+      "Tune tuner-3 with invalid transmission system 0", \
+      tuner_checkInput(__func__, 3, SPOILED_SYSTEM_0))
 
 #define DEFAULT_TUNING_CASES(X) \
     X(TC_TUNER_Tuning_001, AUTO, "Tune tuner-0 in its default transmission system", \
@@ -175,9 +183,11 @@ enum {
     X(TC_TUNER_ISDBT_Tuning_006, AUTO, "Consumption time of tuning ISDB-T on tuner-1", \
       tuner_frame(__func__, 1, ISDB_T, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ISDBT_Tuning_007, AUTO, \
-      "Consumption time of open, tuning ISDB-T, close on tuner-0", tuner_initFrame(__func__, 0, ISDB_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-T, close on tuner-0", \
+      tuner_initFrame(__func__, 0, ISDB_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBT_Tuning_008, AUTO, \
-      "Consumption time of open, tuning ISDB-T, close on tuner-1", tuner_initFrame(__func__, 1, ISDB_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-T, close on tuner-1", \
+      tuner_initFrame(__func__, 1, ISDB_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBT_Tuning_011, AUTO, "Tune ISDB-T on tuner-2", \
       tuner_frame(__func__, 2, ISDB_T, tuner_tuneOnce)) \
     X(TC_TUNER_ISDBT_Tuning_012, AUTO, "Tune ISDB-T on tuner-3", \
@@ -191,9 +201,11 @@ enum {
     X(TC_TUNER_ISDBT_Tuning_016, AUTO, "Consumption time of tuning ISDB-T on tuner-3", \
       tuner_frame(__func__, 3, ISDB_T, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ISDBT_Tuning_017, AUTO, \
-      "Consumption time of open, tuning ISDB-T, close on tuner-2", tuner_initFrame(__func__, 2, ISDB_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-T, close on tuner-2", \
+      tuner_initFrame(__func__, 2, ISDB_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBT_Tuning_018, AUTO, \
-      "Consumption time of open, tuning ISDB-T, close on tuner-3", tuner_initFrame(__func__, 3, ISDB_T, tuner_consumeOpenTuneAndDump))
+      "Consumption time of open, tuning ISDB-T, close on tuner-3", \
+      tuner_initFrame(__func__, 3, ISDB_T, tuner_consumeOpenTuneAndDump))
 
 #define ISDBS_TUNING_CASES(X) \
     X(TC_TUNER_ISDBS_Tuning_001, AUTO, "Tune ISDB-S on tuner-0", \
@@ -209,9 +221,11 @@ enum {
     X(TC_TUNER_ISDBS_Tuning_006, AUTO, "Consumption time of tuning ISDB-S on tuner-1", \
       tuner_frame(__func__, 1, ISDB_S, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ISDBS_Tuning_007, AUTO, \
-      "Consumption time of open, tuning ISDB-S, close on tuner-0", tuner_initFrame(__func__, 0, ISDB_S, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-S, close on tuner-0", \
+      tuner_initFrame(__func__, 0, ISDB_S, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBS_Tuning_008, AUTO, \
-      "Consumption time of open, tuning ISDB-S, close on tuner-1", tuner_initFrame(__func__, 1, ISDB_S, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-S, close on tuner-1", \
+      tuner_initFrame(__func__, 1, ISDB_S, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBS_Tuning_011, AUTO, "Tune ISDB-S on tuner-2", \
       tuner_frame(__func__, 2, ISDB_S, tuner_tuneOnce)) \
     X(TC_TUNER_ISDBS_Tuning_012, AUTO, "Tune ISDB-S on tuner-3", \
@@ -225,9 +239,11 @@ enum {
     X(TC_TUNER_ISDBS_Tuning_016, AUTO, "Consumption time of tuning ISDB-S on tuner-3", \
       tuner_frame(__func__, 3, ISDB_S, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ISDBS_Tuning_017, AUTO, \
-      "Consumption time of open, tuning ISDB-S, close on tuner-2", tuner_initFrame(__func__, 2, ISDB_S, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-S, close on tuner-2", \
+      tuner_initFrame(__func__, 2, ISDB_S, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBS_Tuning_018, AUTO, \
-      "Consumption time of open, tuning ISDB-S, close on tuner-3", tuner_initFrame(__func__, 3, ISDB_S, tuner_consumeOpenTuneAndDump))
+      "Consumption time of open, tuning ISDB-S, close on tuner-3", \
+      tuner_initFrame(__func__, 3, ISDB_S, tuner_consumeOpenTuneAndDump))
 
 #define ISDBS3_TUNING_CASES(X) \
     X(TC_TUNER_ISDBS3_Tuning_001, AUTO, "Tune ISDB-S3 on tuner-0", \
@@ -243,9 +259,11 @@ enum {
     X(TC_TUNER_ISDBS3_Tuning_006, AUTO, "Consumption time of tuning ISDB-S3 on tuner-1", \
       tuner_frame(__func__, 1, ISDB_S3, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ISDBS3_Tuning_007, AUTO, \
-      "Consumption time of open, tuning ISDB-S3, close on tuner-0", tuner_initFrame(__func__, 0, ISDB_S3, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-S3, close on tuner-0", \
+      tuner_initFrame(__func__, 0, ISDB_S3, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBS3_Tuning_008, AUTO, \
-      "Consumption time of open, tuning ISDB-S3, close on tuner-1", tuner_initFrame(__func__, 1, ISDB_S3, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-S3, close on tuner-1", \
+      tuner_initFrame(__func__, 1, ISDB_S3, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBS3_Tuning_011, AUTO, "Tune ISDB-S3 on tuner-2", \
       tuner_frame(__func__, 2, ISDB_S3, tuner_tuneOnce)) \
     X(TC_TUNER_ISDBS3_Tuning_012, AUTO, "Tune ISDB-S3 on tuner-3", \
@@ -259,9 +277,11 @@ enum {
     X(TC_TUNER_ISDBS3_Tuning_016, AUTO, "Consumption time of tuning ISDB-S3 on tuner-3", \
       tuner_frame(__func__, 3, ISDB_S3, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ISDBS3_Tuning_017, AUTO, \
-      "Consumption time of open, tuning ISDB-S3, close on tuner-2", tuner_initFrame(__func__, 2, ISDB_S3, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ISDB-S3, close on tuner-2", \
+      tuner_initFrame(__func__, 2, ISDB_S3, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ISDBS3_Tuning_018, AUTO, \
-      "Consumption time of open, tuning ISDB-S3, close on tuner-3", tuner_initFrame(__func__, 3, ISDB_S3, tuner_consumeOpenTuneAndDump))
+      "Consumption time of open, tuning ISDB-S3, close on tuner-3", \
+      tuner_initFrame(__func__, 3, ISDB_S3, tuner_consumeOpenTuneAndDump))
 
 #define DVBS_TUNING_CASES(X) \
     X(TC_TUNER_DVBS_Tuning_001, AUTO, "Tune DVB-S on tuner-0", \
@@ -321,9 +341,11 @@ enum {
     X(TC_TUNER_ATSCC_Tuning_006, AUTO, "Consumption time of tuning ATSC-C on tuner-1", \
       tuner_frame(__func__, 1, ATSC_C, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ATSCC_Tuning_007, AUTO, \
-      "Consumption time of open, tuning ATSC-C, close on tuner-0", tuner_initFrame(__func__, 0, ATSC_C, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-C, close on tuner-0", \
+      tuner_initFrame(__func__, 0, ATSC_C, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCC_Tuning_008, AUTO, \
-      "Consumption time of open, tuning ATSC-C, close on tuner-1", tuner_initFrame(__func__, 1, ATSC_C, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-C, close on tuner-1", \
+      tuner_initFrame(__func__, 1, ATSC_C, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCC_Tuning_009, AUTO, "Sweep the band of ATSC-C on tuner-0", \
       tuner_frame(__func__, 0, ATSC_C, tuner_sweepCount)) \
     X(TC_TUNER_ATSCC_Tuning_010, AUTO, "Sweep the band of ATSC-C on tuner-1", \
@@ -345,9 +367,11 @@ enum {
     X(TC_TUNER_ATSCC_Tuning_026, AUTO, "Consumption time of tuning ATSC-C on tuner-3", \
       tuner_frame(__func__, 3, ATSC_C, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ATSCC_Tuning_027, AUTO, \
-      "Consumption time of open, tuning ATSC-C, close on tuner-2", tuner_initFrame(__func__, 2, ATSC_C, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-C, close on tuner-2", \
+      tuner_initFrame(__func__, 2, ATSC_C, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCC_Tuning_028, AUTO, \
-      "Consumption time of open, tuning ATSC-C, close on tuner-3", tuner_initFrame(__func__, 3, ATSC_C, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-C, close on tuner-3", \
+      tuner_initFrame(__func__, 3, ATSC_C, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCC_Tuning_029, AUTO, "Sweep the band of ATSC-C on tuner-2", \
       tuner_frame(__func__, 2, ATSC_C, tuner_sweepCount)) \
     X(TC_TUNER_ATSCC_Tuning_030, AUTO, "Sweep the band of ATSC-C on tuner-3", \
@@ -371,9 +395,11 @@ enum {
     X(TC_TUNER_ATSCT_Tuning_006, AUTO, "Consumption time of tuning ATSC-T on tuner-1", \
       tuner_frame(__func__, 1, ATSC_T, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ATSCT_Tuning_007, AUTO, \
-      "Consumption time of open, tuning ATSC-T, close on tuner-0", tuner_initFrame(__func__, 0, ATSC_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-T, close on tuner-0", \
+      tuner_initFrame(__func__, 0, ATSC_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCT_Tuning_008, AUTO, \
-      "Consumption time of open, tuning ATSC-T, close on tuner-1", tuner_initFrame(__func__, 1, ATSC_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-T, close on tuner-1", \
+      tuner_initFrame(__func__, 1, ATSC_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCT_Tuning_009, AUTO, "Sweep the band of ATSC-T on tuner-0", \
       tuner_frame(__func__, 0, ATSC_T, tuner_sweepCount)) \
     X(TC_TUNER_ATSCT_Tuning_010, AUTO, "Sweep the band of ATSC-T on tuner-1", \
@@ -395,9 +421,11 @@ enum {
     X(TC_TUNER_ATSCT_Tuning_026, AUTO, "Consumption time of tuning ATSC-T on tuner-3", \
       tuner_frame(__func__, 3, ATSC_T, tuner_consumeTuneAndDump)) \
     X(TC_TUNER_ATSCT_Tuning_027, AUTO, \
-      "Consumption time of open, tuning ATSC-T, close on tuner-2", tuner_initFrame(__func__, 2, ATSC_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-T, close on tuner-2", \
+      tuner_initFrame(__func__, 2, ATSC_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCT_Tuning_028, AUTO, \
-      "Consumption time of open, tuning ATSC-T, close on tuner-3", tuner_initFrame(__func__, 3, ATSC_T, tuner_consumeOpenTuneAndDump)) \
+      "Consumption time of open, tuning ATSC-T, close on tuner-3", \
+      tuner_initFrame(__func__, 3, ATSC_T, tuner_consumeOpenTuneAndDump)) \
     X(TC_TUNER_ATSCT_Tuning_029, AUTO, "Sweep the band of ATSC-T on tuner-2", \
       tuner_frame(__func__, 2, ATSC_T, tuner_sweepCount)) \
     X(TC_TUNER_ATSCT_Tuning_030, AUTO, "Sweep the band of ATSC-T on tuner-3", \
@@ -449,7 +477,8 @@ enum {
     X(TC_TUNER_DVBC_CheckSignalInfo_020, AUTO, "Check the symbol rate of DVB-C on tuner-0", \
       tuner_frame(__func__, 0, DVB_C, tuner_infoSymbolRate)) \
     X(TC_TUNER_DVBC_CheckSignalInfo_021, AUTO, \
-      "Check the strength and quality of DVB-C on tuner-0", tuner_frame(__func__, 0, DVB_C, tuner_infoStrengthAndQuality))
+      "Check the strength and quality of DVB-C on tuner-0", \
+      tuner_frame(__func__, 0, DVB_C, tuner_infoStrengthAndQuality))
 
 #define DVBT_INFO_CASES(X) \
     X(TC_TUNER_DVBT_CheckSignalInfo_001, AUTO, "Check the lock status of DVB-T on tuner-0", \
@@ -489,7 +518,8 @@ enum {
     X(TC_TUNER_DVBT_CheckSignalInfo_020, AUTO, "Check the symbol rate of DVB-T on tuner-0", \
       tuner_frame(__func__, 0, DVB_T, tuner_infoSymbolRate)) \
     X(TC_TUNER_DVBT_CheckSignalInfo_021, AUTO, \
-      "Check the strength and quality of DVB-T on tuner-0", tuner_frame(__func__, 0, DVB_T, tuner_infoStrengthAndQuality)) \
+      "Check the strength and quality of DVB-T on tuner-0", \
+      tuner_frame(__func__, 0, DVB_T, tuner_infoStrengthAndQuality)) \
     X(TC_TUNER_DVBT_CheckSignalInfo_022, MANUAL, "Check the system of DVB-T2 tuned as DVB-T", \
       tuner_frame(__func__, 0, DVB_T, tuner_infoSecondGeneration)) \
     X(TC_TUNER_DVBT_CheckSignalInfo_023, MANUAL, "Check the cell identifier of DVB-T", \
@@ -533,7 +563,8 @@ enum {
     X(TC_TUNER_DVBS_CheckSignalInfo_020, AUTO, "Check the symbol rate of DVB-S on tuner-0", \
       tuner_frame(__func__, 0, DVB_S, tuner_infoSymbolRate)) \
     X(TC_TUNER_DVBS_CheckSignalInfo_021, AUTO, \
-      "Check the strength and quality of DVB-S on tuner-0", tuner_frame(__func__, 0, DVB_S, tuner_infoStrengthAndQuality)) \
+      "Check the strength and quality of DVB-S on tuner-0", \
+      tuner_frame(__func__, 0, DVB_S, tuner_infoStrengthAndQuality)) \
     X(TC_TUNER_DVBS_CheckSignalInfo_022, AUTO, "Check the offset of DVB-S 2 MHz above", \
       tuner_frame(__func__, 0, DVB_S, tuner_infoOffsetAbove)) \
     X(TC_TUNER_DVBS_CheckSignalInfo_023, AUTO, "Check the offset of DVB-S 2 MHz below", \

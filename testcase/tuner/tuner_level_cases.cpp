@@ -79,8 +79,8 @@ static const LevelRow rowsDvbs2Level001[] = {
     {-95, 0, 3},
 };
 const TunerLevelTable tunerDvbs2Level001 = {
-    LEVEL_FLOAT, "DVBS2(QPSK)", 20000000, QLX_MODULATION_QPSK, QLX_FEC_TYPE_DVB_S2, QLX_FEC_RATE_3_4,
-    rowsDvbs2Level001, rowCount(rowsDvbs2Level001),
+    LEVEL_FLOAT, "DVBS2(QPSK)", 20000000, QLX_MODULATION_QPSK, QLX_FEC_TYPE_DVB_S2,
+    QLX_FEC_RATE_3_4, rowsDvbs2Level001, rowCount(rowsDvbs2Level001),
 };
 
 static const LevelRow rowsDvbs2Level002[] = {
