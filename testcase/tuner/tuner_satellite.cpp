@@ -173,44 +173,47 @@ static bool startBand(const char* name, uint32_t eTunerId, const ScanBand& band,
     return TUNER_RET(QLX_TunerBlindScanStart(eTunerId, &stBlindScanParams));
 }
 
+/** Goes on with the scan of a band until it ends, and stops it. */
+static TunerScanEnd finishBand(const char* name, uint32_t eTunerId) {
+    QLX_TunerBlindScanInfo stResult = {};
+    int32_t code;
+    do {
+        code = QLX_TunerBlindScanNext(eTunerId, &stResult);
+    } while (code == 0 || code == 1);
+    TunerScanEnd end = SCAN_FAILED;
+    if (code == QLX_TUNER_ERR_BLINDSCAN_CANCELED) {
+        zk_log("Blind scan canceled.\n");
+        end = SCAN_CANCELED;
+    } else if (code == QLX_TUNER_ERR_BLINDSCAN_END) {
+        zk_log("End of band.\n");
+        end = SCAN_FINISHED;
+    } else {
+        tc_checkRet(name, __LINE__, "QLX_TunerBlindScanNext(eTunerId, &stResult)", code);
+    }
+    return TUNER_RET(QLX_TunerBlindScanStop(eTunerId)) ? end : SCAN_FAILED;
+}
+
 TunerScanEnd tuner_scanBands(const char* name, uint32_t eTunerId,
                              const volatile uint32_t* puCancelFlag, const char* endText) {
     QLX_TunerBlindScanParams stBlindScanParams = firstScan();
-    QLX_TunerBlindScanInfo stResult = {};
-    uint32_t band = 0;
     s_finishedBands = 0;
     stBlindScanParams.puCancelFlag = puCancelFlag;
     stBlindScanParams.callback = TUNER_DVBS_BlindScanCallback;
     stBlindScanParams.tuneCallback = TUNER_DVBS_BlindScanTuneCallback;
     stBlindScanParams.puFinishedBands = &s_finishedBands;
-    if (!startBand(name, eTunerId, scanBands[0], &stBlindScanParams))
-        return SCAN_FAILED;
-    for (;;) {
-        int32_t code = QLX_TunerBlindScanNext(eTunerId, &stResult);
-        if (code == QLX_TUNER_ERR_BLINDSCAN_CANCELED) {
-            zk_log("Blind scan canceled.\n");
-            return TUNER_RET(QLX_TunerBlindScanStop(eTunerId)) ? SCAN_CANCELED : SCAN_FAILED;
-        }
-        if (code == QLX_TUNER_ERR_BLINDSCAN_END) {
-            zk_log("End of band.\n");
-            if (!TUNER_RET(QLX_TunerBlindScanStop(eTunerId)))
-                return SCAN_FAILED;
-            if (++band < SCAN_BANDS) {
-                if (!startBand(name, eTunerId, scanBands[band], &stBlindScanParams))
-                    return SCAN_FAILED;
-            } else {
-                zk_log("Scan Complete.\n");
-            }
-        } else if (code != 0 && code != 1) {
-            tc_checkRet(name, __LINE__, "QLX_TunerBlindScanNext(eTunerId, &stResult)", code);
-            QLX_TunerBlindScanStop(eTunerId);
+    for (const ScanBand& band : scanBands) {
+        if (!startBand(name, eTunerId, band, &stBlindScanParams))
             return SCAN_FAILED;
-        }
-        if (s_finishedBands >= SCAN_BANDS && band >= SCAN_BANDS) {
-            zk_log("%s", endText);
-            return SCAN_FINISHED;
-        }
+        TunerScanEnd end = finishBand(name, eTunerId);
+        if (end != SCAN_FINISHED)
+            return end;
     }
+    zk_log("Scan Complete.\n");
+    // Each band must have told its end to the callback as well.
+    if (!tuner_checkEqual(name, __LINE__, SCAN_BANDS, s_finishedBands))
+        return SCAN_FAILED;
+    zk_log("%s", endText);
+    return SCAN_FINISHED;
 }
 
 void* TUNER_DVBS_BlindScanTuneThread(void* argument) {

@@ -75,7 +75,6 @@ struct Open {
     uint32_t automatic;
 };
 const Open openModules[] = {
-    {"Tuner", 0, 0},
     {"Demux-common", 0, 0},
     {"Demux-ATSC", 0, 0},
     {"Demux-ISDB", 0, 0},
