@@ -14,6 +14,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -115,6 +116,50 @@ int runTool(const std::vector<std::string>& words) {
     int status = 0;
     waitpid(pid, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
+}
+
+/** A number that changes with any file of the folder's common configuration. */
+std::string lineUpKey(const Options& options) {
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(options.dir / "config/common"))
+        files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    uint64_t hash = 1469598103934665603u;
+    for (const fs::path& file : files) {
+        for (char byte : readText(file))
+            hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211u;
+    }
+    char text[20];
+    snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
+    return text;
+}
+
+/** Makes the streams of the folder's line-up. They are kept with the build by line-up, since making
+ *  them takes longer than a run; the folder only points there. */
+bool makeStreams(const Options& options) {
+    fs::path tool = options.build / "mkstreams";
+    if (!fs::exists(tool))
+        return true;
+    fs::path streams = options.source / "build/streams" / lineUpKey(options);
+    fs::create_directories(streams);
+    // Several benches may start at once; the first makes the streams, the others wait for it.
+    int lock = open((streams / ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    flock(lock, LOCK_EX);
+    int code = 0;
+    if (!fs::exists(streams / ".complete")) {
+        printf("making the streams of the line-up\n");
+        code = runTool({tool, "--config", options.dir / "config", "--out", streams});
+        if (code == 0)
+            std::ofstream(streams / ".complete") << "\n";
+    }
+    close(lock);
+    fs::path link = options.dir / "stream/ts";
+    fs::create_directories(link.parent_path());
+    if (fs::is_symlink(link))
+        fs::remove(link);
+    if (!fs::exists(link))
+        fs::create_directory_symlink(streams, link);
+    return code == 0;
 }
 
 bool makeChecklist(const Options& options) {
@@ -502,6 +547,8 @@ int main(int argc, char** argv) {
     try {
         // Before the report is put away: the failures of an earlier one may select the rows.
         layOut(options);
+        if (!makeStreams(options))
+            return 1;
         if (options.layOutOnly)
             return 0;
         if (!makeChecklist(options))
