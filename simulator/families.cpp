@@ -12,6 +12,8 @@ const Family families[] = {
     {"HDCP", hdcpReset, hdcpDescribe, hdcpControl},
     {"Flash", flashReset, flashDescribe, nullptr},
     {"TEEC", teecReset, teecDescribe, nullptr},
+    {"Demux", demuxReset, demuxDescribe, demuxControl},
+    {"CI", ciReset, ciDescribe, nullptr},
 };
 const int familyCount = sizeof(families) / sizeof(families[0]);
 

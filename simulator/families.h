@@ -41,6 +41,11 @@ void flashReset();
 void flashDescribe(std::string* out);
 void teecReset();
 void teecDescribe(std::string* out);
+void demuxReset();
+void demuxDescribe(std::string* out);
+bool demuxControl(const std::string& event);
+void ciReset();
+void ciDescribe(std::string* out);
 
 }  // namespace sim
 
