@@ -101,9 +101,9 @@ TEST_F(SimDemuxState, ConnectsToTunersAndToRecordedData) {
         uint32_t index;
         int32_t result;
     } rows[] = {
-        {QLX_SOURCE_TYPE_TUNER, 0, 0},      {QLX_SOURCE_TYPE_TUNER, 3, 0},
-        {QLX_SOURCE_TYPE_RECORD, 0, 0},     {QLX_SOURCE_TYPE_TUNER, 4, invalid},
-        {QLX_SOURCE_TYPE_NONE, 0, invalid}, {QLX_SOURCE_TYPE_HDMI, 0, invalid},
+        {QLX_SOURCE_TYPE_TUNER, 0, 0},       {QLX_SOURCE_TYPE_TUNER, 3, 0},
+        {QLX_SOURCE_TYPE_RECORD, 0, 0},      {QLX_SOURCE_TYPE_TUNER, 4, invalid},
+        {QLX_SOURCE_TYPE_NONE, 0, invalid},  {QLX_SOURCE_TYPE_HDMI, 0, invalid},
         {QLX_SOURCE_TYPE_DEMUX, 0, invalid}, {QLX_SOURCE_TYPE_INVALID, 0, invalid},
     };
     QLX_Source before = {};
@@ -275,8 +275,8 @@ TEST_F(SimDemuxState, ParametersHaveRanges) {
 }
 
 TEST_F(SimDemuxState, SlotsLetTheStreamThroughEitherWay) {
-    QLX_CITsConfig path = {QLX_CI_TS_MODE_PASS_THROUGH, {QLX_SOURCE_TYPE_TUNER, 0, 0},
-                           QLX_SOURCE_TYPE_DEMUX, 0};
+    QLX_CITsConfig path = {
+        QLX_CI_TS_MODE_PASS_THROUGH, {QLX_SOURCE_TYPE_TUNER, 0, 0}, QLX_SOURCE_TYPE_DEMUX, 0};
     EXPECT_EQ(QLX_CIOpen(0), QLX_FAILED);
     EXPECT_EQ(QLX_CISetSrcType(QLX_SOURCE_TYPE_TUNER), QLX_FAILED);
     EXPECT_EQ(QLX_CIInit(), 0);
