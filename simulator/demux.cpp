@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "platform/qlx_demux.h"
+#include "platform/qlx_tuner.h"
 #include "simulator/air.h"
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
@@ -189,7 +190,7 @@ int32_t createFilter(uint32_t number, FilterKind kind, uint32_t* handle) {
 
 bool isConnectable(const QLX_Source& source) {
     if (source.eSourceType == QLX_SOURCE_TYPE_TUNER)
-        return source.uSourceIndex < demuxCount;
+        return source.uSourceIndex < QLX_TUNER_MAX;
     return source.eSourceType == QLX_SOURCE_TYPE_RECORD;
 }
 
