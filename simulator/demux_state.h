@@ -55,6 +55,8 @@ struct FilterRun {
     bool done = false;
     /** The job that counts; earlier ones that are still queued do nothing. */
     uint64_t turn = 0;
+    /** When it comes; INT64_MAX while none is queued. */
+    int64_t jobUs = INT64_MAX;
 
     TsStreamPtr stream;
     /** What the stream has of the PID, of section and PES filters. */

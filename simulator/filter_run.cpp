@@ -226,7 +226,9 @@ void work(const FilterRunPtr& run, uint64_t turn) {
             std::lock_guard<std::mutex> lock(demuxFamily().mutex);
             if (!run->alive || run->turn != turn)
                 return;
+            run->jobUs = 0;
             if (!nextReport(*run, &report)) {
+                run->jobUs = never;
                 scheduleRun(run);
                 return;
             }
@@ -291,9 +293,11 @@ void scheduleRun(const FilterRunPtr& run) {
         due = std::min(due, run->timeOutUs);
     if (!run->ready.empty() || run->overflow)
         due = 0;
-    uint64_t turn = ++run->turn;
-    if (due == never)
+    // A job that comes too early finds nothing to report, and waits again.
+    if (due >= run->jobUs)
         return;
+    run->jobUs = due;
+    uint64_t turn = ++run->turn;
     int64_t delayMs = std::max<int64_t>(0, (due - nowUs() + 999) / 1000);
     demuxThread(run->demux).post(run.get(), delayMs, [run, turn] { work(run, turn); });
 }
@@ -327,6 +331,7 @@ void pauseRun(const FilterRunPtr& run) {
     }
     demuxThread(run->demux).cancel(run.get());
     std::lock_guard<std::mutex> lock(demuxFamily().mutex);
+    run->jobUs = never;
     if (run->alive)
         scheduleRun(run);
 }
