@@ -71,6 +71,51 @@ struct TcTunerConfig {
 };
 static_assert(sizeof(TcTunerConfig) == 808, "four systems and nine records");
 
+/** Where a picture comes from, and what decodes it. */
+struct AvSource {
+    /** Kind of source: 1 ATV, 2 CVBS, 5 YPBPR, 10 HDMI, 12 PVR, 14 stream, 16 DTV. */
+    uint32_t eSource;
+    uint32_t eVideoDev;
+    uint32_t eAudioDev;
+    /** Transmission system of the DTV channel; 0: that of the tuner. */
+    uint32_t TransmissionSystem_e;
+    uint32_t eDTVDemuxDev;
+    uint32_t eDTVTunerDev;
+    /** Index in the channel table, for PVR in that of the playback file. */
+    uint32_t uDTVChannelId;
+    uint32_t eATVTunerDev;
+    uint32_t uATVChannelId;
+    /** Port of the external input, 16 bits. */
+    uint32_t uExtInPort;
+};
+
+/** Places of the standards that have channels of a content's own. */
+enum AvStandard {
+    AV_DVB_C,
+    AV_DVB_T,
+    AV_DVB_S,
+    AV_ATSC_T,
+    AV_ATSC_C,
+    AV_ISDB_T,
+    AV_ISDB_S,
+    AV_STANDARD_COUNT,
+    AV_DVB_COUNT = 3,
+    AV_ATSC_COUNT = 2,
+};
+
+/** Parameters of the audio and video modules; channel ids by AvStandard, or ATSC-T then ATSC-C. */
+struct TcAvConfig {
+    AvSource stSource;
+    uint32_t uPvrPlaybackChannelId;
+    uint32_t uAudioDescChannelIds[AV_DVB_COUNT];
+    uint32_t uMpeg2ChannelIds[AV_STANDARD_COUNT];
+    uint32_t uH264ChannelIds[AV_STANDARD_COUNT];
+    uint32_t uVideoCcChannelIds[AV_ATSC_COUNT];
+    uint32_t uAc3ChannelIds[AV_ATSC_COUNT];
+    uint32_t reserved[16];
+};
+static_assert(sizeof(TcAvConfig) == 192, "the area of the audio and video modules");
+
 struct TestEnvConfig {
     /** By ZkFeature: 0 absent, anything else present. */
     int32_t features[FEATURE_COUNT];
@@ -98,7 +143,7 @@ struct TestEnvConfig {
     TcChannelInfo isdbS3[CHANNEL_TABLE_SIZE];
     TcChannelInfo pvrPlayback[CHANNEL_TABLE_SIZE];
     /** Parameters of the audio and video modules. */
-    uint32_t avBlock[48];
+    TcAvConfig av;
     /** Parameters of the tuner modules. */
     TcTunerConfig tunerBlock;
 };

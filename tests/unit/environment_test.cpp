@@ -9,6 +9,7 @@
 
 #include "environment/test_env.h"
 #include "framework/platform_select.h"
+#include "testcase/av/av_config.h"
 
 namespace {
 
@@ -117,6 +118,29 @@ TEST_F(Environment, CountsStayWithinTheTables) {
     EXPECT_EQ(zk_testConfig.dvbC[0].audioNum, CHANNEL_PID_COUNT);
     EXPECT_EQ(zk_testConfig.dvbSChannelNum, CHANNEL_TABLE_SIZE);
     EXPECT_EQ(zk_testConfig.atvChannelNum, CHANNEL_TABLE_SIZE);
+}
+
+TEST_F(Environment, TheAvModulesParametersStopAtABadSource) {
+    const std::string rest =
+        "AV_VIDEO_DEV_ID=2\nAV_AUDIO_DEV_ID=3\n[DTV]\nAV_DTV_TUNER_ID=1\n[EXTIN]\n"
+        "AV_EXTIN_PORT_ID=0x10002\n[DVB-S]\nAV_AUDIODESC_CHANNEL_ID=7\n[ISDB-S]\n"
+        "AV_VIDEO_H264_CHANNEL_ID=5\n[ATSC-C]\nAV_AUDIO_AC3_CHANNEL_ID=4\n";
+    for (const char* source : {"0", "18", "-1"}) {
+        write("av_config.cfg", std::string("[COMMON]\nAV_SOURCE=") + source + "\n" + rest);
+        EXPECT_EQ(TC_AV_LOAD_CONFIG(), 1u);
+        EXPECT_EQ(zk_testConfig.av.stSource.eDTVTunerDev, 0u);
+    }
+    write("av_config.cfg", "[COMMON]\nAV_SOURCE=17\n" + rest);
+    EXPECT_EQ(TC_AV_LOAD_CONFIG(), 0u);
+    const TcAvConfig& av = zk_testConfig.av;
+    EXPECT_EQ(av.stSource.eVideoDev, 2u);
+    EXPECT_EQ(av.stSource.eDTVTunerDev, 1u);
+    EXPECT_EQ(av.stSource.uExtInPort, 2u);
+    EXPECT_EQ(av.uAudioDescChannelIds[AV_DVB_S], 7u);
+    EXPECT_EQ(av.uH264ChannelIds[AV_ISDB_S], 5u);
+    EXPECT_EQ(av.uAc3ChannelIds[1], 4u);
+    write("av_config.cfg", "[COMMON]\nAV_SOURCE=16\nAV_VIDEO_DEV_ID=4\n");
+    EXPECT_EQ(TC_AV_LOAD_CONFIG(), 1u);
 }
 
 TEST(DiffTime, BorrowsFromTheSeconds) {
