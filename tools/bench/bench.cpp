@@ -299,6 +299,10 @@ void show(const Durations& learnt, const Progress& progress, bool always) {
 
 // ---- The run ------------------------------------------------------------------------------------
 
+/** Where the calendar of a run with a seed begins, for it is to be the same in every respect:
+ *  the first of January 2026. */
+const char seededStart[] = "1767225600";
+
 [[noreturn]] void startProgram(const Options& options) {
     fs::path log = options.dir / "console.log";
     setpgid(0, 0);
@@ -323,8 +327,8 @@ void show(const Durations& learnt, const Progress& progress, bool always) {
     if (options.seed.empty())
         execl(launcher.c_str(), launcher.c_str(), program.c_str(), "auto", nullptr);
     else
-        execl(launcher.c_str(), launcher.c_str(), "--seed", options.seed.c_str(), program.c_str(),
-              "auto", nullptr);
+        execl(launcher.c_str(), launcher.c_str(), "--seed", options.seed.c_str(), "--start",
+              seededStart, program.c_str(), "auto", nullptr);
     _exit(126);
 }
 
@@ -471,7 +475,8 @@ void usage(FILE* out) {
         "  --build DIR        folder of the built programs\n"
         "  --source DIR       folder of the project, for the shipped configuration\n"
         "  --real-time        wait for real instead of in virtual time\n"
-        "  --seed N           another order of threads in virtual time\n"
+        "  --seed N           another order of threads in virtual time, from 2026-01-01 on; two\n"
+        "                     runs with one seed are the same to the byte\n"
         "  --restarts N       how often the device may be restarted (50)\n"
         "  --input FILE       what the program reads on its standard input (nothing)\n"
         "  --resume           go on with the folder's report instead of a new one\n"
