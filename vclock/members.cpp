@@ -14,6 +14,7 @@
 #include <initializer_list>
 
 #include "vclock/domain_internal.h"
+#include "vclock/environment.h"
 #include "vclock/real.h"
 #include "vclock/vclock.h"
 
@@ -403,37 +404,37 @@ static void initLock(pthread_mutex_t* lock) {
     pthread_mutexattr_destroy(&attributes);
 }
 
-// Programs that this one starts run in real time: takes the libraries that the launcher put in
-// front (or this library's own file) out of the preload list again.
-static void cleanEnvironment() {
-    const char* list = getenv("LD_PRELOAD");
-    const char* ours = getenv("VCLOCK_PRELOAD");
-    if (list != nullptr) {
-        size_t length = ours != nullptr ? strlen(ours) : 0;
-        char kept[4096] = "";
-        if (length > 0 && strncmp(list, ours, length) == 0)
-            list += length;
-        size_t used = 0;
-        while (*list != '\0') {
-            size_t skip = strspn(list, ": ");
-            size_t size = strcspn(list + skip, ": ");
-            const char* entry = list + skip;
-            list = entry + size;
-            if (size == 0 || memmem(entry, size, "libvclock.so", 12) != nullptr ||
-                used + size + 2 > sizeof kept)
-                continue;
-            if (used > 0)
-                kept[used++] = ':';
-            memcpy(kept + used, entry, size);
-            used += size;
-            kept[used] = '\0';
-        }
+// Takes the entries that hold a text out of a list that is separated by colons or spaces.
+static void removeEntries(const char* variable, const char* text) {
+    const char* list = getenv(variable);
+    if (list == nullptr || strstr(list, text) == nullptr)
+        return;
+    char kept[4096] = "";
+    size_t used = 0;
+    while (*list != '\0') {
+        const char* entry = list + strspn(list, ": ");
+        size_t size = strcspn(entry, ": ");
+        list = entry + size;
+        if (size == 0 || memmem(entry, size, text, strlen(text)) != nullptr ||
+            used + size + 2 > sizeof kept)
+            continue;
         if (used > 0)
-            setenv("LD_PRELOAD", kept, 1);
-        else
-            unsetenv("LD_PRELOAD");
+            kept[used++] = ':';
+        memcpy(kept + used, entry, size);
+        used += size;
+        kept[used] = '\0';
     }
-    for (const char* name : {"VCLOCK_PRELOAD", "VCLOCK_SEED", "VCLOCK_TRACE", "VCLOCK_START"})
+    if (used > 0)
+        setenv(variable, kept, 1);
+    else
+        unsetenv(variable);
+}
+
+// Programs that this one starts run in real time.
+static void cleanEnvironment() {
+    removeEntries("LD_PRELOAD", "libvclock.so");
+    removeEntries("ASAN_OPTIONS", VCLOCK_ASAN_OPTION);
+    for (const char* name : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START})
         unsetenv(name);
 }
 
@@ -490,7 +491,7 @@ AnyProcessor::~AnyProcessor() {
 }
 
 static int64_t calendarStart() {
-    const char* start = getenv("VCLOCK_START");
+    const char* start = getenv(VCLOCK_START);
     if (start != nullptr && *start != '\0')
         return static_cast<int64_t>(strtoll(start, nullptr, 10)) * kSecond;
     timespec now = {};
@@ -510,7 +511,7 @@ __attribute__((constructor)) static void joinVirtualTime() {
     initLock(&made->lock);
     made->now = kStartOfTime;
     made->calendarOffset = calendarStart() - kStartOfTime;
-    const char* seed = getenv("VCLOCK_SEED");
+    const char* seed = getenv(VCLOCK_SEED);
     if (seed != nullptr && *seed != '\0') {
         made->seeded = 1;
         made->random = (strtoull(seed, nullptr, 10) + 1) * 0x9e3779b97f4a7c15ull;
@@ -520,7 +521,7 @@ __attribute__((constructor)) static void joinVirtualTime() {
     made->processes[0].pid = getpid();
     made->processes[0].parentPid = getppid();
     made->processes[0].number = made->nextProcess = 1;
-    openTrace(getenv("VCLOCK_TRACE"));
+    openTrace(getenv(VCLOCK_TRACE));
     cleanEnvironment();
     chooseProcessor();
     region = made;
