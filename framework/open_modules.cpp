@@ -7,10 +7,6 @@
                              0,       name,    description, nullptr};
 
 // clang-format off
-OPEN_MODULE(DemuxModuleCommon, "Demux-common", "Test cases of Demux (COMMON)")
-OPEN_MODULE(DemuxModuleAtsc, "Demux-ATSC", "Test cases of Demux (ATSC)")
-OPEN_MODULE(DemuxModuleIsdb, "Demux-ISDB", "Test cases of Demux (ISDB)")
-OPEN_MODULE(DemuxModuleDvb, "Demux-DVB", "Test cases of Demux (DVB)")
 OPEN_MODULE(RecordModule, "Record", "Test module for the Record")
 OPEN_MODULE(DmxInjectModule, "DmxInject", "Test module for the DemuxInject")
 OPEN_MODULE(AVCommonModule, "AV-Common", "Test module for AV common test, no distinguishing source")

@@ -75,10 +75,9 @@ struct Open {
     uint32_t automatic;
 };
 const Open openModules[] = {
-    {"Demux-common", 0, 0},
-    {"Demux-ATSC", 0, 0},
-    {"Demux-ISDB", 0, 0},
-    {"Demux-DVB", 0, 0},
+    {"Demux-ATSC", 231, 231},
+    {"Demux-ISDB", 153, 152},
+    {"Demux-DVB", 433, 433},
     {"Record", 0, 0},
     {"DmxInject", 0, 0},
     {"AV-Common", 0, 0},
