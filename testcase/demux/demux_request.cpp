@@ -439,23 +439,28 @@ static bool anyData(const RequestInfo_st* pRequestInfo) {
     return false;
 }
 
+static uint32_t requestRound(const char* name, DemuxThreadRequest_st* req, int32_t loop) {
+    if (!tc_checkRet(name, __LINE__, "Demux_RequestSection(req->demux_id, &req->req)",
+                     Demux_RequestSection(req->demux_id, &req->req)))
+        return TC_FAILURE;
+    zk_log("demux %u, loop %d, table: 0x%02x, eventReceivedCount: %d\n", req->demux_id, loop,
+           req->req.tableId, static_cast<int>(req->req.eventReceivedCount));
+    if (anyData(&req->req))
+        return TC_SUCCESS;
+    tc_failTrue(name, __LINE__, 0);
+    return TC_FAILURE;
+}
+
 static uint32_t requestRounds(const char* name, DemuxThreadRequest_st* req, bool freeBuffers) {
-    for (int32_t loop = 0; loop < req->loop_count; loop++) {
-        if (!tc_checkRet(name, __LINE__, "Demux_RequestSection(req->demux_id, &req->req)",
-                         Demux_RequestSection(req->demux_id, &req->req)))
-            return TC_FAILURE;
-        zk_log("demux %u, loop %d, table: 0x%02x, eventReceivedCount: %d\n", req->demux_id, loop,
-               req->req.tableId, static_cast<int>(req->req.eventReceivedCount));
-        const bool dataCame = anyData(&req->req);
+    uint32_t result = TC_SUCCESS;
+    for (int32_t loop = 0; loop < req->loop_count && result == TC_SUCCESS; loop++) {
+        result = requestRound(name, req, loop);
         if (freeBuffers)
             Demux_FreeEvents(&req->req);
-        if (!dataCame) {
-            tc_failTrue(name, __LINE__, 0);
-            return TC_FAILURE;
-        }
-        usleep(req->pause_ms * 1000);
+        if (result == TC_SUCCESS)
+            usleep(req->pause_ms * 1000);
     }
-    return TC_SUCCESS;
+    return result;
 }
 
 static uint32_t* threadResult(uint32_t result) {
