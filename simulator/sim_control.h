@@ -53,7 +53,8 @@ void qlx_sim_record(int on);
 /** The record so far, one line each, as qlx_sim_state answers. */
 size_t qlx_sim_recorded(char* buffer, size_t size);
 
-/** An event of the outside world, e.g. "cable 0 out". Returns 0, or -1 when no family knows it. */
+/** An event of the outside world, e.g. "cable 0 out", or "in 500 cable 0 out" to let it come 500 ms
+ *  later. Returns 0, or -1 when no family knows it. */
 int qlx_sim_event(const char* line);
 
 #ifdef __cplusplus

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <mutex>
 #include <random>
+#include <sstream>
 #include <thread>
 
 #include "simulator/core/board.h"
@@ -137,7 +138,33 @@ static bool tracing() {
     return t.file >= 0 || t.recording || !t.opened;
 }
 
+static bool outsideEvent(const std::string& line);
+
+/** Where events that were told beforehand come from. */
+static EventThread& operatorThread() {
+    static EventThread* instance = new EventThread("operator");
+    return *instance;
+}
+
+/** "in MS EVENT": the event comes by itself after that time. */
+static bool laterEvent(const std::string& line) {
+    std::istringstream in(line);
+    std::string word;
+    int64_t delayMs = -1;
+    std::string event;
+    if (!(in >> word >> delayMs) || word != "in" || delayMs < 0 ||
+        !std::getline(in >> std::ws, event))
+        return false;
+    operatorThread().post(&trace(), delayMs, [event] {
+        if (!outsideEvent(event))
+            complain("no family knows the event '%s'", event.c_str());
+    });
+    return true;
+}
+
 static bool outsideEvent(const std::string& line) {
+    if (laterEvent(line))
+        return true;
     for (int i = 0; i < familyCount; i++) {
         if (families[i].control != nullptr && families[i].control(line))
             return true;
@@ -279,6 +306,7 @@ static size_t hand(const std::string& text, char* buffer, size_t size) {
 }
 
 void qlx_sim_reset(void) {
+    sim::operatorThread().cancelAll();
     for (int i = 0; i < sim::familyCount; i++)
         sim::families[i].reset();
     sim::resetCore();

@@ -254,6 +254,10 @@ TEST_F(SimTunerTime, TheOperatorPullsTheCable) {
     EXPECT_EQ(ear_.next(0, 0), locked);
     EXPECT_EQ(infoOf(0).eLockStatus, QLX_TUNER_STATUS_LOCKED);
     EXPECT_EQ(ear_.next(1, 0), silence);
+    EXPECT_EQ(qlx_sim_event("in 200 cable 1 out"), 0);
+    EXPECT_EQ(ear_.next(1, 190), silence);
+    EXPECT_EQ(ear_.next(1, 20), unlocked);
+    EXPECT_EQ(qlx_sim_event("in 200"), -1);
     for (const char* event : {"cable", "cable 9 out", "cable 0 up", "air", "air DVB-X LEVEL=1",
                               "air DVB-T/1 LEVEL=1", "air DVB-T VOLUME=1", "air DVB-T LEVEL"})
         EXPECT_EQ(qlx_sim_event(event), -1) << event;
