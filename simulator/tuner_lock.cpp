@@ -27,19 +27,19 @@ struct LockRule {
 
 // clang-format off
 const LockRule lockRules[] = {
-    // system                            receives network    search exact  modulation symbols width
-    {QLX_TRANSMISSION_SYSTEM_DVB_T,      1 | 2,   1 | 2,       500,  250,  false,     false,  true},
-    {QLX_TRANSMISSION_SYSTEM_DVB_T2,     2,       1 | 2,       500,  250,  false,     false,  true},
-    {QLX_TRANSMISSION_SYSTEM_DVB_S,      4 | 8,   4 | 8,      5000, 5000,  true,      true,   false},
-    {QLX_TRANSMISSION_SYSTEM_DVB_S2,     8,       4 | 8,      5000, 5000,  true,      true,   false},
-    {QLX_TRANSMISSION_SYSTEM_DVB_C,      16,      16 | 32,     500,  250,  true,      true,   false},
-    {QLX_TRANSMISSION_SYSTEM_DVB_C2,     32,      16 | 32,     500,  250,  false,     false,  false},
-    {QLX_TRANSMISSION_SYSTEM_ATSC_T,     64,      64 | 2048,   500,  250,  true,      false,  false},
-    {QLX_TRANSMISSION_SYSTEM_ATSC_C,     128,     128,         500,  250,  true,      false,  false},
-    {QLX_TRANSMISSION_SYSTEM_ISDB_T,     256,     256,         500,  250,  false,     false,  true},
-    {QLX_TRANSMISSION_SYSTEM_ISDB_S,     512,     512 | 1024, 5000, 5000,  false,     false,  false},
-    {QLX_TRANSMISSION_SYSTEM_ISDB_S3,    1024,    512 | 1024, 5000, 5000,  false,     false,  false},
-    {QLX_TRANSMISSION_SYSTEM_ATSC_T3,    2048,    64 | 2048,   500,  250,  false,     false,  true},
+    // system                         receives network search exact modulation symbols width
+    {QLX_TRANSMISSION_SYSTEM_DVB_T,   1 | 2, 1 | 2,       500,  250, false, false, true},
+    {QLX_TRANSMISSION_SYSTEM_DVB_T2,  2,     1 | 2,       500,  250, false, false, true},
+    {QLX_TRANSMISSION_SYSTEM_DVB_S,   4 | 8, 4 | 8,      5000, 5000, true,  true,  false},
+    {QLX_TRANSMISSION_SYSTEM_DVB_S2,  8,     4 | 8,      5000, 5000, true,  true,  false},
+    {QLX_TRANSMISSION_SYSTEM_DVB_C,   16,    16 | 32,     500,  250, true,  true,  false},
+    {QLX_TRANSMISSION_SYSTEM_DVB_C2,  32,    16 | 32,     500,  250, false, false, false},
+    {QLX_TRANSMISSION_SYSTEM_ATSC_T,  64,    64 | 2048,   500,  250, true,  false, false},
+    {QLX_TRANSMISSION_SYSTEM_ATSC_C,  128,   128,         500,  250, true,  false, false},
+    {QLX_TRANSMISSION_SYSTEM_ISDB_T,  256,   256,         500,  250, false, false, true},
+    {QLX_TRANSMISSION_SYSTEM_ISDB_S,  512,   512 | 1024, 5000, 5000, false, false, false},
+    {QLX_TRANSMISSION_SYSTEM_ISDB_S3, 1024,  512 | 1024, 5000, 5000, false, false, false},
+    {QLX_TRANSMISSION_SYSTEM_ATSC_T3, 2048,  64 | 2048,   500,  250, false, false, true},
 };
 // clang-format on
 

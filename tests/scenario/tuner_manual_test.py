@@ -102,7 +102,8 @@ class ManualTunerTest(bench.BenchTest):
                 self.assertIn(name, sessions)
 
     def test_cables(self):
-        for name, tuner in (("TC_TUNER_CheckLockStatus_001", 0), ("TC_TUNER_CheckLockStatus_002", 1),
+        for name, tuner in (("TC_TUNER_CheckLockStatus_001", 0),
+                            ("TC_TUNER_CheckLockStatus_002", 1),
                             ("TC_TUNER_CheckLockStatus_011", 2),
                             ("TC_TUNER_CheckLockStatus_012", 3)):
             self.begin(name)
