@@ -104,10 +104,10 @@ TEST_F(SimCore, JobsRunInTheOrderOfTheirTimes) {
         order.push_back(number);
         done.notify_all();
     };
-    thread->post(&order, 20, [&] { note(3); });
+    thread->post(&order, 300, [&] { note(3); });
     thread->post(&order, 10, [&] { note(1); });
     thread->post(&order, 10, [&] { note(2); });
-    thread->post(&note, 15, [&] { note(99); });
+    thread->post(&note, 200, [&] { note(99); });
     thread->cancel(&note);
     std::unique_lock<std::mutex> lock(mutex);
     done.wait(lock, [&] { return order.size() == 3; });
