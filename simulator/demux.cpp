@@ -10,7 +10,8 @@
 // under way are lost.
 //
 // Events of the outside world: "stream FILE byte OFFSET XX" changes a byte of a file on the air,
-// "stream FILE intact" puts it right again. Board file, section DEMUX: FILTER_NUM (32), the filters
+// "stream FILE table PID TABLE OFFSET XX" a byte of a table, "stream FILE intact" puts all right
+// again. Board file, section DEMUX: FILTER_NUM (32), the filters
 // of a demultiplexer; STREAM_PATH, the folder of the streams.
 #include "simulator/demux.h"
 

@@ -29,12 +29,18 @@ struct Entry {
     TsStreamPtr stream;
 };
 
+/** What is otherwise on the air than in the file. */
+struct Damages {
+    std::vector<std::pair<uint64_t, uint8_t>> bytes;
+    std::vector<TsTableChange> tables;
+};
+
 struct BroadcastState {
     std::mutex mutex;
     // Latest used first.
     std::list<Entry> streams;
     // By file name without folder.
-    std::map<std::string, std::vector<TsDamage>> damages;
+    std::map<std::string, Damages> damages;
     std::string complainedOf;
 };
 
@@ -100,15 +106,25 @@ TsStreamPtr load(BroadcastState& s, const std::string& path, const struct stat& 
     std::vector<uint8_t> content;
     if (file.st_size > maxFileBytes || !readFile(path, file.st_size, &content))
         return nullptr;
-    for (const TsDamage& damage : s.damages[baseName(path)]) {
-        if (damage.offset < content.size())
-            content[damage.offset] = damage.value;
+    const Damages& damages = s.damages[baseName(path)];
+    for (const auto& [offset, value] : damages.bytes) {
+        if (offset < content.size())
+            content[offset] = value;
         else
             complain("event stream: %s has no byte %llu", path.c_str(),
-                     static_cast<unsigned long long>(damage.offset));
+                     static_cast<unsigned long long>(offset));
     }
-    auto stream = std::make_shared<const TsStream>(std::move(content), packetTicks);
+    auto stream = std::make_shared<const TsStream>(std::move(content), packetTicks, damages.tables);
     return stream->packetCount() > 0 ? stream : nullptr;
+}
+
+/** Reads the next word as a number to that base, 0 for the usual prefixes. */
+bool readNumber(std::istringstream& in, int base, uint64_t most, uint64_t* value) {
+    std::string word;
+    in >> word;
+    char* end = nullptr;
+    *value = strtoull(word.c_str(), &end, base);
+    return !word.empty() && *end == '\0' && *value <= most;
 }
 
 }  // namespace
@@ -158,20 +174,23 @@ bool streamControl(const std::string& event) {
         return false;
     BroadcastState& s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
+    Damages& damages = s.damages[baseName(name)];
+    uint64_t pid = 0;
+    uint64_t tableId = 0;
+    uint64_t offset = 0;
+    uint64_t value = 0;
     if (action == "byte") {
-        std::string offset;
-        std::string value;
-        in >> offset >> value;
-        char* offsetEnd = nullptr;
-        char* valueEnd = nullptr;
-        uint64_t place = strtoull(offset.c_str(), &offsetEnd, 0);
-        unsigned long byte = strtoul(value.c_str(), &valueEnd, 16);
-        if (offset.empty() || *offsetEnd != '\0' || value.empty() || *valueEnd != '\0' ||
-            byte > 0xff)
+        if (!readNumber(in, 0, UINT64_MAX, &offset) || !readNumber(in, 16, 0xff, &value))
             return false;
-        s.damages[baseName(name)].push_back({place, static_cast<uint8_t>(byte)});
+        damages.bytes.emplace_back(offset, static_cast<uint8_t>(value));
+    } else if (action == "table") {
+        if (!readNumber(in, 0, tsPidCount - 1, &pid) || !readNumber(in, 0, 0xff, &tableId) ||
+            !readNumber(in, 0, UINT64_MAX, &offset) || !readNumber(in, 16, 0xff, &value))
+            return false;
+        damages.tables.push_back({static_cast<uint16_t>(pid), static_cast<uint8_t>(tableId),
+                                  static_cast<size_t>(offset), static_cast<uint8_t>(value)});
     } else if (action == "intact") {
-        s.damages.erase(baseName(name));
+        damages = Damages();
     } else {
         return false;
     }

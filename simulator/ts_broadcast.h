@@ -19,8 +19,9 @@ namespace sim {
  *  object as long as nobody changes the file or its damages. */
 TsStreamPtr streamOf(const Transmitter& transmitter);
 
-/** "stream FILE byte OFFSET XX", "stream FILE intact". Returns whether the event was understood;
- *  who plays the file has to ask streamOf again. */
+/** "stream FILE byte OFFSET XX", "stream FILE table PID TABLE OFFSET XX", "stream FILE intact"; the
+ *  table of events tells what they do (docs/simulator-events.md). Returns whether the event was
+ * understood; who plays the file has to ask streamOf again. */
 bool streamControl(const std::string& event);
 
 /** Forgets damages and files. */

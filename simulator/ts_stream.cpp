@@ -68,28 +68,14 @@ bool hasStamps(uint8_t streamId) {
 
 }  // namespace
 
-TsStream::TsStream(std::vector<uint8_t> content, uint32_t packetTicks)
+TsStream::TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
+                   const std::vector<TsTableChange>& changes)
     : byPid_(tsPidCount), continuityStep_(tsPidCount) {
     splitPackets(std::move(content));
-    std::vector<uint8_t> firstCounter(tsPidCount);
-    std::vector<uint8_t> lastCounter(tsPidCount);
-    std::vector<bool> counted(tsPidCount);
-    for (uint32_t place = 0; place < packetCount_; place++) {
-        const uint8_t* bytes = packet(place);
-        uint16_t pid = ts_get_pid(bytes);
-        byPid_[pid].push_back(place);
-        if (!ts_has_payload(bytes))
-            continue;
-        if (!counted[pid])
-            firstCounter[pid] = ts_get_cc(bytes);
-        counted[pid] = true;
-        lastCounter[pid] = ts_get_cc(bytes);
-    }
-    for (size_t pid = 0; pid < tsPidCount; pid++) {
-        if (counted[pid])
-            continuityStep_[pid] = (lastCounter[pid] - firstCounter[pid] + 1) & 0xf;
-    }
+    indexPackets();
     packetTicks_ = packetTicks != 0 ? packetTicks : measuredTicks();
+    for (const TsTableChange& change : changes)
+        changeTable(change);
 }
 
 /**
@@ -126,6 +112,77 @@ void TsStream::splitPackets(std::vector<uint8_t> content) {
     content.shrink_to_fit();
     data_ = std::move(content);
     packetCount_ = static_cast<uint32_t>(kept / tsPacketBytes);
+}
+
+void TsStream::indexPackets() {
+    std::vector<uint8_t> firstCounter(tsPidCount);
+    std::vector<uint8_t> lastCounter(tsPidCount);
+    std::vector<bool> counted(tsPidCount);
+    for (uint32_t place = 0; place < packetCount_; place++) {
+        const uint8_t* bytes = packet(place);
+        uint16_t pid = ts_get_pid(bytes);
+        byPid_[pid].push_back(place);
+        if (!ts_has_payload(bytes))
+            continue;
+        if (!counted[pid])
+            firstCounter[pid] = ts_get_cc(bytes);
+        counted[pid] = true;
+        lastCounter[pid] = ts_get_cc(bytes);
+    }
+    for (size_t pid = 0; pid < tsPidCount; pid++) {
+        if (counted[pid])
+            continuityStep_[pid] = (lastCounter[pid] - firstCounter[pid] + 1) & 0xf;
+    }
+}
+
+void TsStream::changeTable(const TsTableChange& change) {
+    if (packetCount_ == 0)
+        return;
+    std::vector<std::pair<TsUnit, std::vector<uint8_t>>> changed;
+    walk<TsSectionAssembler>(change.pid, [&](const TsUnit& unit) {
+        if (unit.bytes[0] != change.tableId || change.offset >= unit.size)
+            return;
+        std::vector<uint8_t> bytes(unit.bytes, unit.bytes + unit.size);
+        bool hasCrc = sectionHasCrc(unit.bytes, unit.size);
+        bytes[change.offset] = change.value;
+        if (hasCrc && change.offset + 4 < unit.size)
+            makeSectionCrc(bytes.data(), bytes.size());
+        changed.emplace_back(unit, std::move(bytes));
+    });
+    for (const auto& [unit, bytes] : changed)
+        overwrite(change.pid, unit, bytes);
+}
+
+/** Puts the bytes where the section came from. */
+void TsStream::overwrite(uint16_t pid, const TsUnit& unit, const std::vector<uint8_t>& bytes) {
+    const std::vector<uint32_t>& places = packetsOf(pid);
+    auto place = std::lower_bound(places.begin(), places.end(), unit.first);
+    size_t from = unit.place;
+    size_t before = 0;
+    size_t written = 0;
+    int last = -1;
+    int moved = 0;
+    while (written < bytes.size()) {
+        uint8_t* out = &data_[*place * tsPacketBytes];
+        TsPacket view = readTsPacket(out);
+        if (view.payload != nullptr) {
+            // A packet that is sent twice gets the same bytes twice.
+            int counter = (view.continuity + moved) & 0xf;
+            if (counter == last)
+                written = before;
+            else if (last >= 0)
+                from = tsPacketBytes - view.payloadBytes + (view.unitStart ? 1 : 0);
+            last = counter;
+            before = written;
+            size_t part = std::min(bytes.size() - written, tsPacketBytes - from);
+            memcpy(out + from, &bytes[written], part);
+            written += part;
+        }
+        if (++place == places.end()) {
+            place = places.begin();
+            moved += continuityStep_[pid];
+        }
+    }
 }
 
 /** The mean time of a packet between the first and the last clock reference of a PID. */

@@ -40,14 +40,18 @@ struct TsSpan {
     bool crcGood;
 };
 
+struct TsUnit;
+
 struct TsSections {
     std::vector<TsSpan> spans;
     std::vector<uint8_t> bytes;
 };
 
-/** A byte of the file that is another one on the air. */
-struct TsDamage {
-    uint64_t offset;
+/** A byte that is another one in every section of a table. */
+struct TsTableChange {
+    uint16_t pid;
+    uint8_t tableId;
+    size_t offset;
     uint8_t value;
 };
 
@@ -57,8 +61,11 @@ class TsStream {
      * Takes over the content of a file: packets of 188 or 204 bytes, whatever surrounds them is
      * skipped.
      * @param packetTicks  time of a packet in periods of 27 MHz; 0: as the stream's own clock says
+     * @param changes      made to the sections; their CRC is made right again, unless it is itself
+     *                     what is changed
      */
-    TsStream(std::vector<uint8_t> content, uint32_t packetTicks);
+    TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
+             const std::vector<TsTableChange>& changes = {});
 
     /** Packets of one loop; 0 when the file holds none, and nothing else may be asked then. */
     uint32_t packetCount() const {
@@ -86,6 +93,9 @@ class TsStream {
 
  private:
     void splitPackets(std::vector<uint8_t> content);
+    void indexPackets();
+    void changeTable(const TsTableChange& change);
+    void overwrite(uint16_t pid, const TsUnit& unit, const std::vector<uint8_t>& bytes);
     uint32_t measuredTicks() const;
     const uint8_t* packet(uint32_t place) const {
         return &data_[place * tsPacketBytes];

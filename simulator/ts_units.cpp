@@ -19,10 +19,11 @@ constexpr size_t maxPesBytes = 16 << 20;
 
 }  // namespace
 
-void TsSectionAssembler::begin(uint64_t number) {
+void TsSectionAssembler::begin(uint64_t number, size_t place) {
     bytes_.clear();
     open_ = true;
     first_ = number;
+    place_ = place;
 }
 
 /** Gives bytes to the open section; returns how many belonged to it. */
@@ -46,7 +47,7 @@ size_t TsSectionAssembler::take(const uint8_t* data, size_t size, uint64_t numbe
         }
         if (bytes_.size() == want) {
             open_ = false;
-            sink({bytes_.data(), bytes_.size(), first_, number});
+            sink({bytes_.data(), bytes_.size(), first_, number, place_});
             break;
         }
     }
@@ -89,7 +90,7 @@ void TsSectionAssembler::push(const TsPacket& packet, uint64_t number, const TsU
     // Where the pointer points a section begins, whether or not the one before came to its end.
     open_ = false;
     while (pointer < size && data[pointer] != stuffingByte) {
-        begin(number);
+        begin(number, tsPacketBytes - size + pointer);
         pointer += take(data + pointer, size - pointer, number, sink);
     }
 }
@@ -97,7 +98,7 @@ void TsSectionAssembler::push(const TsPacket& packet, uint64_t number, const TsU
 void TsPesAssembler::finish(uint64_t number, const TsUnitSink& sink) {
     open_ = false;
     if (bytes_.size() >= PES_HEADER_SIZE)
-        sink({bytes_.data(), bytes_.size(), first_, number});
+        sink({bytes_.data(), bytes_.size(), first_, number, 0});
 }
 
 void TsPesAssembler::push(const TsPacket& packet, uint64_t number, const TsUnitSink& sink) {
@@ -144,6 +145,12 @@ bool sectionHasCrc(const uint8_t* section, size_t size) {
     if (size < PSI_HEADER_SIZE || section[0] == tableStuffing)
         return false;
     return psi_get_syntax(section) || section[0] == tableTimeOffset;
+}
+
+void makeSectionCrc(uint8_t* section, size_t size) {
+    if (sectionHasCrc(section, size) && size >= PSI_HEADER_SIZE + PSI_CRC_SIZE &&
+        size == static_cast<size_t>(PSI_HEADER_SIZE) + psi_get_length(section))
+        psi_set_crc(section);
 }
 
 bool sectionCrcIsRight(const uint8_t* section, size_t size) {

@@ -23,6 +23,8 @@ struct TsUnit {
     /** Numbers of the packets that held its first byte, and that completed it. */
     uint64_t first;
     uint64_t last;
+    /** Where in its packet the first byte of a section was. */
+    size_t place = 0;
 };
 
 using TsUnitSink = std::function<void(const TsUnit&)>;
@@ -42,13 +44,14 @@ class TsSectionAssembler {
     }
 
  private:
-    void begin(uint64_t number);
+    void begin(uint64_t number, size_t place);
     size_t take(const uint8_t* data, size_t size, uint64_t number, const TsUnitSink& sink);
 
     TsContinuity continuity_;
     std::vector<uint8_t> bytes_;
     bool open_ = false;
     uint64_t first_ = 0;
+    size_t place_ = 0;
 };
 
 /** PES packets of one PID. One of unknown length is whole when the next begins. */
@@ -75,6 +78,9 @@ class TsPesAssembler {
 /** Whether the section carries a CRC_32: those with the section syntax do, and the time offset
  *  table, but not the stuffing table, whatever its syntax bit is. */
 bool sectionHasCrc(const uint8_t* section, size_t size);
+
+/** Makes the CRC_32 of a section right that has one. */
+void makeSectionCrc(uint8_t* section, size_t size);
 
 /** Whether the CRC_32 at the end of the section is right. False when it has no room for one. */
 bool sectionCrcIsRight(const uint8_t* section, size_t size);

@@ -344,6 +344,11 @@ TEST(SimDemuxStream, SectionsMayRunOverTheLoopPoint) {
     rotated.insert(rotated.end(), maker.bytes.begin(), maker.bytes.end() - 2 * 188);
     for (size_t i = 0; i < maker.count; i++)
         rotated[i * 188 + 3] = static_cast<uint8_t>(0x10 | i);
+    sim::TsStream changed(rotated, 0, {{pid, 0x50, 590, 0x77}});
+    whole[590] = 0x77;
+    EXPECT_EQ(memcmp(&changed.sectionsOf(pid).bytes[100], whole.data(), 596), 0);
+    EXPECT_TRUE(changed.sectionsOf(pid).spans[1].crcGood);
+    whole = makeSection(0x50, 1, 0, 600);
     sim::TsStream stream(rotated, 0);
     const sim::TsSections& found = stream.sectionsOf(pid);
     ASSERT_EQ(found.spans.size(), 2u);
@@ -353,6 +358,39 @@ TEST(SimDemuxStream, SectionsMayRunOverTheLoopPoint) {
     EXPECT_EQ(found.spans[1].last, stream.packetCount() + 1);
     EXPECT_TRUE(found.spans[1].crcGood);
     EXPECT_EQ(memcmp(&found.bytes[found.spans[1].offset], whole.data(), whole.size()), 0);
+}
+
+TEST(SimDemuxStream, AChangeOfATableReachesAllItsBytes) {
+    // The only packet of the PID: its section begins at the end and runs into the next loop.
+    Bytes section = makeSection(0x50, 1, 0, 183);
+    StreamMaker one;
+    Bytes payload = {133};
+    payload.insert(payload.end(), section.begin() + 50, section.end());
+    payload.insert(payload.end(), section.begin(), section.begin() + 50);
+    one.packet(pid, true, payload);
+    // A section whose middle packet is sent twice.
+    Bytes longer = makeSection(0x50, 1, 0, 500);
+    StreamMaker twice;
+    twice.section(pid, longer);
+    Bytes again(twice.bytes.begin() + 188, twice.bytes.begin() + 2 * 188);
+    twice.bytes.insert(twice.bytes.begin() + 188, again.begin(), again.end());
+
+    struct {
+        const Bytes* stream;
+        Bytes section;
+    } rows[] = {{&one.bytes, section}, {&twice.bytes, longer}};
+    for (const auto& row : rows) {
+        for (size_t offset = 3; offset + 4 < row.section.size(); offset += 7) {
+            Bytes expected = row.section;
+            expected[offset] ^= 0xff;
+            sim::TsStream stream(*row.stream, 0, {{pid, 0x50, offset, expected[offset]}});
+            const sim::TsSections& found = stream.sectionsOf(pid);
+            ASSERT_EQ(found.spans.size(), 1u) << offset;
+            EXPECT_TRUE(found.spans[0].crcGood) << offset;
+            EXPECT_TRUE(std::equal(expected.begin(), expected.end() - 4, found.bytes.begin()))
+                << offset;
+        }
+    }
 }
 
 TEST(SimDemuxStream, PesPacketsAreMadeAnewInEachLoop) {
@@ -385,7 +423,7 @@ TEST(SimDemuxStream, AnyBytesAreSafe) {
         for (int changes = 0; changes < 1 + round; changes++)
             content[random() % content.size()] = static_cast<uint8_t>(random());
         content.resize(content.size() - random() % 400);
-        sim::TsStream stream(content, 0);
+        sim::TsStream stream(content, 0, {{pid, 0x42, random() % 100, 0x5a}});
         if (stream.packetCount() == 0)
             continue;
         for (uint16_t each : {pid, uint16_t{0x100}, uint16_t{0x1fff}}) {

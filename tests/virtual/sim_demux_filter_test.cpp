@@ -381,9 +381,48 @@ TEST_F(SimDemuxFilters, ADamagedByteChangesWhatComesUntilItIsIntact) {
     sim::sleepMs(500);
     EXPECT_EQ(checked.all().size(), counts[0] + 10);
     EXPECT_EQ(unchecked.all().back().bytes, section);
-    for (const char* wrong : {"stream air.ts", "stream air.ts byte", "stream air.ts byte 5",
-                              "stream air.ts byte x 5", "stream air.ts byte 5 100", "streams"})
+    for (const char* wrong :
+         {"stream air.ts", "stream air.ts table 18 66 5", "stream air.ts table 8192 66 5 0",
+          "stream air.ts table 18 256 5 0", "stream air.ts byte", "stream air.ts byte 5",
+          "stream air.ts byte x 5", "stream air.ts byte 5 100", "streams"})
         EXPECT_EQ(qlx_sim_event(wrong), -1) << wrong;
+}
+
+TEST_F(SimDemuxFilters, AChangedTableIsAnotherOneWithARightCrc) {
+    StreamMaker maker;
+    Bytes section = makeSection(0x42, 1, 0, 600);
+    Bytes other = makeSection(0x46, 1, 0, 60);
+    maker.sections(pid, {other, section, other, section});
+    maker.nulls(90);
+    play(maker);
+    struct {
+        size_t offset;
+        bool crcRight;
+    } rows[] = {{5, true}, {20, true}, {300, true}, {595, true}, {596, false}, {599, false}};
+    for (const auto& row : rows) {
+        uint8_t value = section[row.offset] ^ 0x3e;
+        EXPECT_EQ(qlx_sim_event("stream air.ts intact"), 0);
+        EXPECT_EQ(
+            qlx_sim_event(
+                sim::format("stream air.ts table 0x12 0x42 %zu %x", row.offset, value).c_str()),
+            0);
+        Receiver checked;
+        Receiver untouched;
+        uint32_t handles[] = {startSection(&checked, request(0x42, true, 0)),
+                              startSection(&untouched, request(0x46, true, 0))};
+        sim::sleepMs(500);
+        for (uint32_t handle : handles)
+            EXPECT_EQ(QLX_SectionFilterDelete(handle), 0);
+        EXPECT_GE(untouched.all().size(), 18u);
+        for (const Report& report : untouched.all())
+            EXPECT_EQ(report.bytes, other) << row.offset;
+        EXPECT_EQ(checked.all().empty(), !row.crcRight) << row.offset;
+        for (const Report& report : checked.all()) {
+            for (size_t i = 0; i < 596; i++)
+                ASSERT_EQ(report.bytes[i], i == row.offset ? value : section[i]) << row.offset;
+        }
+    }
+    EXPECT_EQ(qlx_sim_event("stream air.ts table 0x12 0x42 4000 0"), 0) << "no section is so long";
 }
 
 TEST_F(SimDemuxFilters, SectionsWithoutRoomInTheBufferAreLost) {
