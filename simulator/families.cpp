@@ -12,6 +12,7 @@ const Family families[] = {
     {"HDCP", hdcpReset, hdcpDescribe, hdcpControl},
     {"Flash", flashReset, flashDescribe, nullptr},
     {"TEEC", teecReset, teecDescribe, nullptr},
+    {"PM", pmReset, pmDescribe, pmControl},
     {"Demux", demuxReset, demuxDescribe, demuxControl},
     {"CI", ciReset, ciDescribe, nullptr},
 };

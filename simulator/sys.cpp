@@ -15,6 +15,7 @@
 #include "simulator/core/sim.h"
 #include "simulator/device_clock.h"
 #include "simulator/families.h"
+#include "simulator/pm_memory.h"
 
 namespace {
 
@@ -93,7 +94,7 @@ int32_t QLX_SysSetLinuxSystemTime(struct timeval timeNow, struct timezone) {
     if (timeNow.tv_sec < 0 || timeNow.tv_sec >= farthest || timeNow.tv_usec < 0 ||
         timeNow.tv_usec >= 1000000)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
-    sim::setCalendarUs(static_cast<int64_t>(timeNow.tv_sec) * 1000000 + timeNow.tv_usec);
+    sim::setCalendarBesideRtc(static_cast<int64_t>(timeNow.tv_sec) * 1000000 + timeNow.tv_usec);
     SIM_RETURN(QLX_SUCCESS);
 }
 

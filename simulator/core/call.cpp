@@ -172,8 +172,7 @@ static bool outsideEvent(const std::string& line) {
     return false;
 }
 
-/** Acts on lines that have been appended to the control file since the last call. */
-static void readControlFile() {
+void takeOutsideEvents() {
     Trace& t = trace();
     std::string lines;
     {
@@ -227,7 +226,7 @@ Call::Call(const char* function, const char* text, ...) : function_(function) {
         va_end(arguments);
     }
     loadFaultFile();
-    readControlFile();
+    takeOutsideEvents();
     FaultEffect effect = faultsOn(function);
     sufferFaults(effect, format("%s(%s)", function_, text_.c_str()));
     int64_t latency = latencyMs(function);

@@ -127,6 +127,11 @@ int64_t nowUs();
 /** Lets the calling thread wait. */
 void sleepMs(int64_t milliseconds);
 
+/** Acts on the lines that were appended to the control file since the last call. Each entry of the
+ *  program does so; a device thread that waits for the outside world does it by itself, with no
+ *  family lock held. */
+void takeOutsideEvents();
+
 /** printf into a string. */
 std::string format(const char* text, ...) SIM_PRINTF(1, 2);
 

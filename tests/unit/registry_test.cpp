@@ -102,7 +102,6 @@ const Open openModules[] = {
     {"CEC", 0, 0},
     {"VBI", 0, 0},
     {"STREAMINJECT", 0, 0},
-    {"PM", 0, 0},
     {"Smartcard", 0, 0},
     {"DESCRAMBLER", 0, 0},
     {"LOCALPLAYER_VIDEO", 0, 0},
