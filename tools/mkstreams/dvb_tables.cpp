@@ -136,7 +136,7 @@ void addProgramTables(const Multiplex& multiplex, std::vector<Burst>* bursts) {
         "CAT", pidCat, 600, [&](unsigned version) { return catSection(multiplex, version); }));
     bursts->push_back({"EMM", pidEmm, {emmSection()}, 2000, false});
     for (const Channel& channel : multiplex.channels)
-        bursts->push_back(comparedTable("PMT", channel.pmtPid, 100, [&](unsigned version) {
+        bursts->push_back(comparedTable("PMT", channel.pmtPid, 90, [&](unsigned version) {
             return pmtSection(multiplex, channel, version);
         }));
 }
@@ -203,7 +203,7 @@ static void addNetwork(const LineUp& lineUp, const Multiplex& multiplex,
     bursts->push_back(comparedTable("NIT actual", pidNit, 1000, [&](unsigned version) {
         return networkSection(false, true, networkId(multiplex), name, streams, version, 0, 0);
     }));
-    // A neighbouring network in two sections.
+    // A neighbouring network in two sections, the first of which names it.
     Burst other = {"NIT other", pidNit, {}, 5000, false};
     uint16_t neighbour = static_cast<uint16_t>(networkId(multiplex) + 1);
     for (unsigned number = 0; number < 2; number++) {
@@ -212,9 +212,8 @@ static void addNetwork(const LineUp& lineUp, const Multiplex& multiplex,
         channel.index = 20 + number;
         channel.tsId = 0x0500u + number;
         putTransportStream(loop, standard, channel, Bytes());
-        other.sections = {networkSection(false, false, neighbour,
-                                         textDescriptor(0x40, family, "Neighbour"), loop, 1, number,
-                                         1)};
+        Bytes descriptors = number == 0 ? textDescriptor(0x40, family, "Neighbour") : Bytes();
+        other.sections = {networkSection(false, false, neighbour, descriptors, loop, 1, number, 1)};
         bursts->push_back(other);
     }
     Bytes members;
