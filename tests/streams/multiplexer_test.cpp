@@ -24,7 +24,7 @@ PesStream streamOf(uint16_t pid, size_t count, size_t size) {
     for (size_t i = 0; i < count; i++) {
         int64_t time = second * static_cast<int64_t>(i) / static_cast<int64_t>(count);
         stream.packets.push_back({Bytes(size, static_cast<uint8_t>(i)), time,
-                                  time + second / static_cast<int64_t>(count), i == 0, 0});
+                                  time + second / static_cast<int64_t>(count), i == 0});
     }
     return stream;
 }

@@ -169,7 +169,8 @@ Bytes variant(const char* name) {
     const Multiplex& multiplex = multiplexOf("dvbt_main.ts");
     for (size_t i = 0; i < variantCount; i++)
         if (std::string(variants[i].name) == name)
-            return variants[i].make(streamOf("dvbt_main.ts"), tablesOf(shippedLineUp(), multiplex));
+            return variants[i].make(multiplex, streamOf("dvbt_main.ts"),
+                                    tablesOf(shippedLineUp(), multiplex));
     ADD_FAILURE() << name;
     return Bytes();
 }
@@ -229,6 +230,26 @@ TEST(Variants, ContinuityIsBroken) {
     EXPECT_GT(duplicates, 0);
     for (unsigned pid : {0u, 18u, 513u, 516u})
         EXPECT_GT(gaps[pid], 0) << pid;
+}
+
+TEST(Variants, SectionsBeginBehindAdaptationFields) {
+    Bytes bytes = variant("adaptation");
+    const Multiplex& multiplex = multiplexOf("dvbt_main.ts");
+    std::vector<PacketView> packets = packetsOf(bytes);
+    size_t begun = 0;
+    for (const PacketView& packet : packets) {
+        if (packet.pid() > 0x1F || !packet.unitStart())
+            continue;
+        begun += packet.hasField();
+    }
+    EXPECT_GT(begun, 100u);
+    for (const Burst& burst : tablesOf(shippedLineUp(), multiplex)) {
+        std::set<Bytes> found;
+        for (const ReceivedSection& section : sectionsOf(bytes, burst.pid))
+            found.insert(section.bytes);
+        for (const Bytes& section : burst.sections)
+            EXPECT_EQ(found.count(section), 1u) << burst.name;
+    }
 }
 
 TEST(Variants, LongPacketsAreTheGoodOnes) {

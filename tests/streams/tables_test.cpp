@@ -189,7 +189,8 @@ bool decodesByUcsi(Bytes bytes, bool atsc) {
         case 0x7E:
             return dvb_dit_section_codec(plain) != nullptr;
         case 0x71:  // see above
-        case 0x82:  // private data
+        case 0x80:  // private data
+        case 0x82:
             return true;
     }
     section_ext* extended = section_ext_decode(plain, 1);
@@ -257,9 +258,9 @@ TEST_P(EverySection, ArrivesAsMadeAndIsUnderstood) {
 
 INSTANTIATE_TEST_SUITE_P(LineUp, EverySection,
                          testing::Values("dvbt_main.ts", "dvbt_hd.ts", "dvbs_main.ts",
-                                         "dvbc_main.ts", "dvb_multi.ts", "atsct_main.ts",
-                                         "atscc_main.ts", "atsc_caption.ts", "isdbt_main.ts",
-                                         "isdbs_main.ts"),
+                                         "dvbc_main.ts", "dvb_multi.ts", "dvb_scrambled.ts",
+                                         "atsct_main.ts", "atscc_main.ts", "atsc_caption.ts",
+                                         "isdbt_main.ts", "isdbs_main.ts"),
                          [](const auto& row) {
                              std::string name = row.param;
                              return name.substr(0, name.find('.'));

@@ -92,7 +92,8 @@ VideoSpec videoSpec(const Multiplex& multiplex, const Channel& channel) {
     spec.format = channel.videoFormat;
     spec.width = row->width;
     spec.height = row->height;
-    spec.interlaced = row->interlaced;
+    // MPEG-1 knows no fields.
+    spec.interlaced = row->interlaced && channel.videoFormat != VIDEO_MPEG1;
     spec.rate = row->rate;
     spec.scale = row->scale;
     spec.aspectX = row->aspectX;
@@ -101,11 +102,18 @@ VideoSpec videoSpec(const Multiplex& multiplex, const Channel& channel) {
     spec.afd = row->afd;
     spec.captions = row->captions;
     spec.tint = channel.index % 16;
-    // A random access point at least every half second, and an even number of them.
-    bool fractional = row->scale != 1;
-    spec.gop = (fractional ? 10 : row->rate / 5 * 2) * (fractional && row->rate > 30000 ? 2 : 1);
-    // Captions run through the whole loop; pictures without repeat after a short while.
-    spec.segment = spec.gop * (row->captions ? 24 : row->width > 1920 ? 2 : 4);
+    // A random access point at least every half second, and an even number of them. Big pictures
+    // take long to code: they repeat soon. Captions run through the whole loop.
+    bool big = row->width > 1920;
+    if (row->scale != 1)
+        spec.gop = 10;
+    else
+        spec.gop = row->rate / 5 * (big ? 1 : 2);
+    spec.segment = spec.gop;
+    if (row->captions)
+        spec.segment *= 24;
+    else if (!big)
+        spec.segment *= row->rate > 30 && row->scale == 1 ? 2 : 4;
     return spec;
 }
 

@@ -50,8 +50,6 @@ static const char* language(Family family, size_t component) {
 
 /* Programmes ----------------------------------------------------------------------------------- */
 
-static const uint16_t pidEcm = 0x1FE0;
-
 Bytes caDescriptor(Family family, uint16_t pid) {
     Bytes body;
     put16(body, family == Family::Isdb ? 0x0005 : 0x0001);
@@ -224,17 +222,18 @@ std::vector<Component> componentsOf(const Multiplex& multiplex, const Channel& c
 
 /* Networks and services ------------------------------------------------------------------------ */
 
-static bool isHighDefinition(const Multiplex& multiplex, const Channel& channel) {
-    return videoSpec(multiplex, channel).height > 576;
+/** service_type: digital television, or in DVB one coded by H.264 or HEVC. */
+static unsigned serviceType(Family family, const Channel& channel) {
+    if (family != Family::Dvb || channel.videoFormat < VIDEO_H264)
+        return 0x01;
+    return channel.videoFormat == VIDEO_HEVC ? 0x1F : 0x19;
 }
 
 Bytes serviceListDescriptor(const Multiplex& multiplex) {
     Bytes body;
     for (const Channel& channel : multiplex.channels) {
-        bool advanced =
-            multiplex.standard->family == Family::Dvb && isHighDefinition(multiplex, channel);
         put16(body, serviceId(*multiplex.standard, channel));
-        put8(body, advanced ? 0x19 : 0x01);
+        put8(body, serviceType(multiplex.standard->family, channel));
     }
     Bytes descriptor;
     putDescriptor(descriptor, 0x41, body);
@@ -320,8 +319,7 @@ Bytes deliveryDescriptors(const Multiplex& multiplex) {
 
 Bytes serviceDescriptor(Family family, const Channel& channel) {
     Bytes body;
-    bool advanced = family == Family::Dvb && channel.videoFormat >= VIDEO_H264;
-    put8(body, advanced ? 0x19 : 0x01);
+    put8(body, serviceType(family, channel));
     putCountedText(body, family, "Bench");
     putCountedText(body, family, serviceName(channel));
     Bytes descriptor;

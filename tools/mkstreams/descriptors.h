@@ -23,6 +23,9 @@ Bytes codedText(Family family, const std::string& text);
 /** A descriptor whose body is text. */
 Bytes textDescriptor(unsigned tag, Family family, const std::string& text);
 
+/** PID of the control messages of a scrambled programme. */
+static const uint16_t pidEcm = 0x1FE0;
+
 Bytes caDescriptor(Family family, uint16_t pid);
 
 /** Descriptors of a programme as a whole, and its elementary streams, for the PMT. */

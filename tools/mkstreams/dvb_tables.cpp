@@ -95,12 +95,12 @@ static Bytes catSection(const Multiplex& multiplex, unsigned version) {
     return section;
 }
 
-/** A message to all receivers: private data, no receiver of the laboratory reads it. */
-static Bytes emmSection() {
+/** A message of conditional access: private data that no receiver of the laboratory reads. */
+static Bytes accessSection(unsigned tableId, const char* text) {
     Bytes section(PSI_HEADER_SIZE);
     psi_init(section.data(), false);
-    psi_set_tableid(section.data(), 0x82);
-    putText(section, "Laboratory entitlement");
+    psi_set_tableid(section.data(), static_cast<uint8_t>(tableId));
+    putText(section, text);
     psi_set_length(section.data(), static_cast<uint16_t>(section.size() - PSI_HEADER_SIZE));
     return section;
 }
@@ -134,7 +134,9 @@ void addProgramTables(const Multiplex& multiplex, std::vector<Burst>* bursts) {
         "PAT", 0, 90, [&](unsigned version) { return patSection(multiplex, version); }));
     bursts->push_back(comparedTable(
         "CAT", pidCat, 600, [&](unsigned version) { return catSection(multiplex, version); }));
-    bursts->push_back({"EMM", pidEmm, {emmSection()}, 2000, false});
+    bursts->push_back({"EMM", pidEmm, {accessSection(0x82, "Entitlement for all")}, 2000, false});
+    if (kindOf(multiplex).scrambled)
+        bursts->push_back({"ECM", pidEcm, {accessSection(0x80, "Control words")}, 200, false});
     for (const Channel& channel : multiplex.channels)
         bursts->push_back(comparedTable("PMT", channel.pmtPid, 90, [&](unsigned version) {
             return pmtSection(multiplex, channel, version);

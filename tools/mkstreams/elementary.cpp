@@ -68,7 +68,7 @@ static bool addVideo(const VideoSpec& spec, uint16_t pid, int64_t duration, Enco
             int64_t earliest = dts - pictureDelay - picturePrefetch;
             stream.packets.push_back({pesPacket(streamIdVideo, pts, dts, picture.data),
                                       earliest < 0 ? 0 : earliest, dts - margin,
-                                      picture.randomAccess, 0});
+                                      picture.randomAccess});
         }
     }
     streams->push_back(stream);
@@ -98,7 +98,7 @@ static bool addSound(const Multiplex& multiplex, const Channel& channel, unsigne
     for (size_t k = 0; k < count; k++) {
         int64_t pts = soundDelay + static_cast<int64_t>(k) * frame;
         stream.packets.push_back({pesPacket(streamId, pts, pts, frames[k]),
-                                  pts - soundPrefetch - margin, pts - margin, false, 0});
+                                  pts - soundPrefetch - margin, pts - margin, false});
     }
     streams->push_back(stream);
     return true;
@@ -115,7 +115,7 @@ static void addPrivate(uint16_t pid, int64_t duration, const PrivateSource& sour
         int64_t pts = time + pictureDelay;
         stream.packets.push_back(
             {source.packet(k / source.piecesPerCycle, k % source.piecesPerCycle, pts), time,
-             time + interval, false, 0});
+             time + interval, false});
     }
     streams->push_back(stream);
 }

@@ -132,6 +132,23 @@ static void setPrivateOptions(const VideoSpec& spec, AVCodecContext* context) {
     }
 }
 
+/** Colours of 625 lines, 525 lines, high definition, or HLG. */
+static void setColours(const VideoSpec& spec, AVCodecContext* context) {
+    context->color_range = AVCOL_RANGE_MPEG;
+    context->color_primaries = AVCOL_PRI_BT709;
+    context->color_trc = AVCOL_TRC_BT709;
+    context->colorspace = AVCOL_SPC_BT709;
+    if (spec.hlg) {
+        context->color_primaries = AVCOL_PRI_BT2020;
+        context->color_trc = AVCOL_TRC_ARIB_STD_B67;
+        context->colorspace = AVCOL_SPC_BT2020_NCL;
+    } else if (spec.height <= 576) {
+        context->color_primaries = spec.height == 576 ? AVCOL_PRI_BT470BG : AVCOL_PRI_SMPTE170M;
+        context->color_trc = AVCOL_TRC_SMPTE170M;
+        context->colorspace = spec.height == 576 ? AVCOL_SPC_BT470BG : AVCOL_SPC_SMPTE170M;
+    }
+}
+
 static Context openVideo(const VideoSpec& spec, const VideoCodec& codec, std::string* error) {
     const AVCodec* encoder = avcodec_find_encoder_by_name(codec.encoder);
     Context context(encoder == nullptr ? nullptr : avcodec_alloc_context3(encoder));
@@ -158,16 +175,7 @@ static Context openVideo(const VideoSpec& spec, const VideoCodec& codec, std::st
     context->flags = AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_CLOSED_GOP;
     if (spec.interlaced)
         context->flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
-    bool standardDefinition = spec.height <= 576;
-    context->color_primaries = standardDefinition ? AVCOL_PRI_BT470BG : AVCOL_PRI_BT709;
-    context->color_trc = standardDefinition ? AVCOL_TRC_SMPTE170M : AVCOL_TRC_BT709;
-    context->colorspace = standardDefinition ? AVCOL_SPC_BT470BG : AVCOL_SPC_BT709;
-    if (spec.hlg) {
-        context->color_primaries = AVCOL_PRI_BT2020;
-        context->color_trc = AVCOL_TRC_ARIB_STD_B67;
-        context->colorspace = AVCOL_SPC_BT2020_NCL;
-    }
-    context->color_range = AVCOL_RANGE_MPEG;
+    setColours(spec, context.get());
     setPrivateOptions(spec, context.get());
     int code = avcodec_open2(context.get(), encoder, nullptr);
     if (code < 0) {

@@ -205,7 +205,7 @@ static void makeVariants(Run& run) {
             run.good = false;
             return;
         }
-        Bytes bytes = variants[i].make(good, bursts);
+        Bytes bytes = variants[i].make(multiplex, good, bursts);
         made = {variants[i].packetBytes, bytes.size() / variants[i].packetBytes, good.packetTicks};
         run.good = writeStream(file, bytes, run.hash, made) && run.good;
         run.made[name] = made;

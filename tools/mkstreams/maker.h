@@ -25,8 +25,9 @@ bool makeStream(const LineUp& lineUp, const Multiplex& multiplex, EncodedContent
 struct Variant {
     const char* name;
     size_t packetBytes; /**< 188 or 204 */
-    /** Makes the bytes of the file out of the good stream and its tables. */
-    Bytes (*make)(const TransportStream& good, const std::vector<Burst>& bursts);
+    /** Makes the bytes of the file out of the good stream of a multiplex and its tables. */
+    Bytes (*make)(const Multiplex& multiplex, const TransportStream& good,
+                  const std::vector<Burst>& bursts);
 };
 
 extern const Variant variants[];

@@ -243,7 +243,6 @@ static void sendPes(Work& work, StreamState& state, int64_t now) {
         setPcr(packet, now);
         work.lastPcr = now;
     }
-    ts_set_scrambling(packet.data(), static_cast<uint8_t>(pes.scrambling));
     std::copy_n(pes.bytes.begin() + static_cast<ptrdiff_t>(state.offset), size,
                 packet.end() - static_cast<ptrdiff_t>(size));
     emit(work, packet);

@@ -29,7 +29,6 @@ struct Pes {
     int64_t earliest; /**< not sent before */
     int64_t latest;   /**< the last byte is sent by then */
     bool randomAccess;
-    unsigned scrambling; /**< transport_scrambling_control: 0 clear, 2 even, 3 odd */
 };
 
 /** An elementary stream: PES packets in the order of decoding. */

@@ -1,19 +1,20 @@
 /* Streams for tests, out of a good one: faults that a receiver must cope with, and other forms. */
+#include <bitstream/mpeg/psi/psi.h>
 #include <bitstream/mpeg/ts.h>
 
 #include <algorithm>
 #include <map>
 
+#include "tools/mkstreams/content.h"
 #include "tools/mkstreams/maker.h"
 
 namespace mkstreams {
 
 static const uint16_t lastServicePid = 0x1F;
 
-static Bytes damageSections(const TransportStream& good, const std::vector<Burst>&);
-
 /** 16 bytes behind each packet, as demodulators deliver where parity bytes were. */
-static Bytes lengthenPackets(const TransportStream& good, const std::vector<Burst>&) {
+static Bytes lengthenPackets(const Multiplex&, const TransportStream& good,
+                             const std::vector<Burst>&) {
     Bytes bytes;
     for (size_t at = 0; at < good.packets.size(); at += packetSize) {
         auto packet = good.packets.begin() + static_cast<ptrdiff_t>(at);
@@ -24,7 +25,8 @@ static Bytes lengthenPackets(const TransportStream& good, const std::vector<Burs
 }
 
 /** Turns a bit in a packet of every section of service information: its CRC is then wrong. */
-static Bytes damageSections(const TransportStream& good, const std::vector<Burst>&) {
+static Bytes damageSections(const Multiplex&, const TransportStream& good,
+                            const std::vector<Burst>&) {
     Bytes bytes = good.packets;
     for (size_t at = 0; at < bytes.size(); at += packetSize) {
         uint8_t* packet = bytes.data() + at;
@@ -39,7 +41,8 @@ static Bytes damageSections(const TransportStream& good, const std::vector<Burst
 }
 
 /** Loses every tenth packet of each PID, and sends the packet after it twice if there is room. */
-static Bytes breakContinuity(const TransportStream& good, const std::vector<Burst>&) {
+static Bytes breakContinuity(const Multiplex&, const TransportStream& good,
+                             const std::vector<Burst>&) {
     Bytes bytes = good.packets;
     std::map<uint16_t, unsigned> counts;
     for (size_t at = 0; at + packetSize < bytes.size(); at += packetSize) {
@@ -56,57 +59,72 @@ static Bytes breakContinuity(const TransportStream& good, const std::vector<Burs
     return bytes;
 }
 
-/** Gives all sections of the second half of the loop the next version. */
-static Bytes changeVersions(const TransportStream& good, const std::vector<Burst>& bursts) {
-    Bytes bytes = good.packets;
-    std::map<Bytes, Bytes> replaced;
-    for (const Burst& burst : bursts) {
-        for (const Bytes& section : burst.sections) {
-            if ((section[1] & 0x80) == 0)
-                continue;
-            Bytes next(section.begin(), section.end() - 4);
-            unsigned version = (next[5] >> 1 & 0x1F) + 1;
-            next[5] = static_cast<uint8_t>((next[5] & 0xC1) | (version & 0x1F) << 1);
-            put32(next, sectionCrc(next));
-            replaced[section] = next;
-        }
+/** Begins all sections in packets with an adaptation field. Picture and sound are left out. */
+static Bytes addFields(const Multiplex& multiplex, const TransportStream& good,
+                       const std::vector<Burst>& bursts) {
+    MultiplexInput input = {bursts, {}, multiplex.channels.front().pcrPid, loopTicks(multiplex)};
+    for (Burst& burst : input.bursts)
+        burst.adaptation = true;
+    TransportStream stream;
+    std::string error;
+    mkstreams::multiplex(input, good.packetTicks, &stream, &error);
+    return stream.packets;
+}
+
+/** The section under the next version, with the CRC that it then has. */
+static Bytes nextVersion(const Bytes& section) {
+    Bytes next(section.begin(), section.end() - 4);
+    unsigned version = (next[5] >> 1 & 0x1F) + 1;
+    next[5] = static_cast<uint8_t>((next[5] & 0xC1) | (version & 0x1F) << 1);
+    put32(next, sectionCrc(next));
+    return next;
+}
+
+/** Whether a packet begins with a section, which is alone in it and those that follow. */
+static bool beginsWith(const uint8_t* packet, const Bytes& section) {
+    size_t size = std::min<size_t>(packetSize - 5, section.size());
+    return ts_get_unitstart(packet) && !ts_has_adaptation(packet) && packet[4] == 0 &&
+           std::equal(packet + 5, packet + 5 + size, section.begin());
+}
+
+/** Writes a section over one of the same size that begins in packet `first` of `places`. */
+static void overwrite(Bytes& stream, const std::vector<size_t>& places, size_t first,
+                      const Bytes& section) {
+    size_t done = 0;
+    for (size_t i = first; done < section.size() && i < places.size(); i++) {
+        size_t head = i == first ? 5 : 4;
+        size_t size = std::min<size_t>(packetSize - head, section.size() - done);
+        std::copy_n(section.begin() + static_cast<ptrdiff_t>(done), size,
+                    stream.begin() + static_cast<ptrdiff_t>(places[i] + head));
+        done += size;
     }
-    // A section sent alone lies in consecutive packets of its PID: rewrite it there.
+}
+
+/** Gives the sections that are sent alone the next version in the second half of the loop. */
+static Bytes changeVersions(const Multiplex&, const TransportStream& good,
+                            const std::vector<Burst>& bursts) {
+    Bytes bytes = good.packets;
     std::map<uint16_t, std::vector<size_t>> places;
-    for (size_t at = bytes.size() / 2 / packetSize * packetSize; at < bytes.size();
-         at += packetSize)
+    size_t middle = bytes.size() / packetSize / 2 * packetSize;
+    for (size_t at = middle; at < bytes.size(); at += packetSize)
         if (ts_has_payload(bytes.data() + at))
             places[ts_get_pid(bytes.data() + at)].push_back(at);
     for (const Burst& burst : bursts) {
-        if (burst.sections.size() != 1 || burst.adaptation)
+        const Bytes& section = burst.sections.front();
+        if (burst.sections.size() != 1 || burst.adaptation || !psi_get_syntax(section.data()))
             continue;
-        auto change = replaced.find(burst.sections[0]);
-        if (change == replaced.end())
-            continue;
+        Bytes next = nextVersion(section);
         const std::vector<size_t>& at = places[burst.pid];
-        size_t needed = (burst.sections[0].size() + 1 + 183) / 184;
-        for (size_t i = 0; i + needed <= at.size(); i++) {
-            const uint8_t* start = bytes.data() + at[i];
-            size_t head = std::min<size_t>(183, burst.sections[0].size());
-            if (!ts_get_unitstart(start) || start[4] != 0 ||
-                !std::equal(start + 5, start + 5 + head, burst.sections[0].begin()))
-                continue;
-            size_t done = 0;
-            for (size_t k = 0; k < needed; k++) {
-                uint8_t* to = bytes.data() + at[i + k] + (k == 0 ? 5 : 4);
-                size_t size = std::min<size_t>(k == 0 ? 183 : 184, change->second.size() - done);
-                std::copy_n(change->second.begin() + static_cast<ptrdiff_t>(done), size, to);
-                done += size;
-            }
-        }
+        for (size_t i = 0; i < at.size(); i++)
+            if (beginsWith(bytes.data() + at[i], section))
+                overwrite(bytes, at, i, next);
     }
     return bytes;
 }
 
 const Variant variants[] = {
-    {"version_changes", packetSize, changeVersions},
-    {"crc_damaged", packetSize, damageSections},
-    {"discontinuous", packetSize, breakContinuity},
+    {"version_changes", packetSize, changeVersions}, {"crc_damaged", packetSize, damageSections},
+    {"discontinuous", packetSize, breakContinuity},  {"adaptation", packetSize, addFields},
     {"packets_204", 204, lengthenPackets},
 };
 const size_t variantCount = sizeof(variants) / sizeof(variants[0]);

@@ -1,0 +1,174 @@
+// The program itself: what it writes, when it makes a file again, and what it says of bad input.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "tests/streams/made_streams.h"
+#include "tools/mkstreams/cfg_file.h"
+
+namespace {
+
+using namespace mkstreams;
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int status;
+    std::string said;
+};
+
+/** Runs the program with arguments; what it writes to either output is returned. */
+Outcome run(const std::string& arguments) {
+    FILE* pipe = popen((std::string(ZK_MKSTREAMS) + " " + arguments + " 2>&1").c_str(), "r");
+    EXPECT_NE(pipe, nullptr);
+    Outcome outcome = {-1, ""};
+    char buffer[256];
+    for (size_t size; (size = fread(buffer, 1, sizeof(buffer), pipe)) > 0;)
+        outcome.said.append(buffer, size);
+    int status = pclose(pipe);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+std::string contents(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+class Tool : public testing::Test {
+ protected:
+    void SetUp() override {
+        char name[] = "/tmp/mkstreams_test.XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        folder_ = name;
+        fs::create_directories(folder_ / "config");
+        fs::copy(ZK_SOURCE_DIR "/config/common", folder_ / "config/common");
+        arguments_ = "--config " + (folder_ / "config").string() + " --out " +
+                     (folder_ / "out").string() + " --only 'dvbt_*' ";
+    }
+    void TearDown() override {
+        fs::remove_all(folder_);
+    }
+
+    fs::path folder_;
+    std::string arguments_;
+};
+
+TEST_F(Tool, MakesTheSameBytesAndOnlyWhenSomethingChanged) {
+    Outcome first = run(arguments_ + "--variants");
+    ASSERT_EQ(first.status, 0) << first.said;
+    EXPECT_EQ(first.said, "dvbt_main.ts: 12800 packets\ndvbt_hd.ts: 12800 packets\n");
+    fs::path file = folder_ / "out/dvbt_main.ts";
+    std::string bytes = contents(file);
+    const Bytes& inProcess = streamOf("dvbt_main.ts").packets;
+    EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), inProcess.begin(), inProcess.end(),
+                           [](char a, uint8_t b) { return static_cast<uint8_t>(a) == b; }));
+    // A second run makes nothing, and the manifest stays as it is.
+    std::string manifest = contents(folder_ / "out/streams.cfg");
+    auto written = fs::last_write_time(file);
+    Outcome second = run(arguments_);
+    EXPECT_EQ(second.said, "");
+    EXPECT_EQ(fs::last_write_time(file), written);
+    EXPECT_EQ(contents(folder_ / "out/streams.cfg"), manifest);
+    // A damaged file, and a changed channel, are made again.
+    fs::resize_file(file, 1000);
+    EXPECT_EQ(run(arguments_).said, "dvbt_main.ts: 12800 packets\n");
+    EXPECT_EQ(contents(file), bytes);
+    std::ofstream(folder_ / "config/common/channel_dvb_t.cfg", std::ios::app) << "# edited\n";
+    EXPECT_EQ(run(arguments_).said, first.said);
+    EXPECT_EQ(contents(file), bytes);
+}
+
+TEST_F(Tool, ManifestTellsWhatIsOnTheAir) {
+    ASSERT_EQ(run(arguments_).status, 0);
+    CfgFile manifest;
+    ASSERT_TRUE(manifest.load((folder_ / "out/streams.cfg").string()));
+    EXPECT_EQ(manifest.number("COMMON", "TRANSMITTER_NUM"), 2u);
+    struct Row {
+        const char* key;
+        const char* main;
+        const char* hd;
+    };
+    const Row rows[] = {{"SYSTEM", "1", "1"},
+                        {"FREQUENCY", "474000", "690000"},
+                        {"TS_ID", "1025", "1026"},
+                        {"STREAM_ID", "0", "0"},
+                        {"FIRST_CHANNEL", "0", "1"},
+                        {"CHANNELS", "0", "1"},
+                        {"FILE", "dvbt_main.ts", "dvbt_hd.ts"},
+                        {"PACKET_SIZE", "188", "188"},
+                        {"PACKETS", "12800", "12800"},
+                        {"PACKET_TICKS", "20250", "20250"},
+                        {"BIT_RATE", "2005333", "2005333"},
+                        {"DURATION_MS", "9600", "9600"}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(manifest.text("TRANSMITTER0", row.key), row.main) << row.key;
+        EXPECT_EQ(manifest.text("TRANSMITTER1", row.key), row.hd) << row.key;
+    }
+}
+
+/** Channels of one frequency share a multiplex; a file that two standards name is made once. */
+TEST_F(Tool, SharedFrequenciesAndSharedFiles) {
+    fs::path common = folder_ / "config/common";
+    for (const fs::directory_entry& entry : fs::directory_iterator(common))
+        fs::remove(entry.path());
+    std::ofstream(common / "demux_config.cfg")
+        << "[COMMON]\nDEMUX_INVALID_PID=0x1B00\nDEMUX_INVALID_TABLE_ID=0xF0\n"
+           "[DVB-T]\nTS_FILE_NUM=1\nTS_FILE_0=both_multi.ts\nTS_FILE_0_CHANNEL_ID=1\n"
+           "[DVB-C]\nTS_FILE_NUM=1\nTS_FILE_0=both_multi.ts\nTS_FILE_0_CHANNEL_ID=0\n";
+    const char* channels =
+        "[COMMON]\nCHANNEL_NUM=2\n"
+        "[CHANNEL0]\nFREQUENCY=474000\nVIDEO_PID=0x201\nVIDEO_FORMAT=1\nPCR_PID=0x201\n"
+        "PMT_PID=0x200\nAUDIO_NUM=0\nEIT_PID=18\n"
+        "[CHANNEL1]\nFREQUENCY=474000\nVIDEO_PID=0x301\nVIDEO_FORMAT=4\nPCR_PID=0x301\n"
+        "PMT_PID=0x300\nAUDIO_NUM=1\nAUDIO_PID0=0x304\nAUDIO_FORMAT0=2\nPES_PID=0x305\n";
+    std::ofstream(common / "channel_dvb_t.cfg") << channels;
+    std::ofstream(common / "channel_dvb_c.cfg") << channels;
+    Outcome outcome =
+        run("--config " + (folder_ / "config").string() + " --out " + (folder_ / "out").string());
+    ASSERT_EQ(outcome.status, 0) << outcome.said;
+    CfgFile manifest;
+    ASSERT_TRUE(manifest.load((folder_ / "out/streams.cfg").string()));
+    EXPECT_EQ(manifest.number("COMMON", "TRANSMITTER_NUM"), 2u);
+    for (const char* section : {"TRANSMITTER0", "TRANSMITTER1"}) {
+        EXPECT_EQ(manifest.text(section, "CHANNELS"), "0 1");
+        EXPECT_EQ(manifest.text(section, "FILE"), "both_multi.ts");
+    }
+    std::string bytes = contents(folder_ / "out/both_multi.ts");
+    Bytes stream(bytes.begin(), bytes.end());
+    std::set<unsigned> pids;
+    for (const PacketView& packet : packetsOf(stream))
+        pids.insert(packet.pid());
+    for (unsigned pid : {0x200u, 0x201u, 0x300u, 0x301u, 0x304u, 0x305u})
+        EXPECT_EQ(pids.count(pid), 1u) << pid;
+}
+
+TEST_F(Tool, SaysWhatIsWrong) {
+    EXPECT_EQ(run("").status, 2);
+    EXPECT_EQ(run("--config x").status, 2);
+    EXPECT_EQ(run("--what").status, 2);
+    Outcome missing = run("--config /nowhere --out " + (folder_ / "out").string());
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.said.find("/nowhere/common/demux_config.cfg"), std::string::npos);
+    EXPECT_FALSE(fs::exists(folder_ / "out"));
+    // A format that there is no encoder for, and a PID that must stay free.
+    fs::path channel = folder_ / "config/common/channel_dvb_t.cfg";
+    std::string text = contents(channel);
+    std::string strange = text;
+    strange.replace(strange.find("VIDEO_FORMAT=2"), 14, "VIDEO_FORMAT=8");
+    std::ofstream(channel) << strange;
+    Outcome unknown = run(arguments_);
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_NE(unknown.said.find("dvbt_main.ts: no encoder for video format 8"), std::string::npos)
+        << unknown.said;
+    std::string forbidden = text;
+    forbidden.replace(forbidden.find("PMT_PID=0x0200"), 14, "PMT_PID=0x1B00");
+    std::ofstream(channel) << forbidden;
+    EXPECT_NE(run(arguments_).said.find("must stay free"), std::string::npos);
+}
+
+}  // namespace
