@@ -227,7 +227,29 @@ static uint32_t nextToReport(uint32_t number) {
     return best;
 }
 
-uint32_t dispatch() {
+// All processes are to end with this status. Some waiting thread hears of it first, and tells all.
+static uint32_t finish(int status) {
+    region->finished = static_cast<uint32_t>(status);
+    region->running.store(0);
+    uint32_t first = 0;
+    for (uint32_t slot = region->slotsUsed; slot > 0; slot--) {
+        if (slotAt(slot).state == State::Waiting)
+            first = slot;
+    }
+    return first;
+}
+
+[[noreturn]] static void endWithAll() {
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        if (slotAt(slot).state != State::Free && slotAt(slot).process != myProcess - 1)
+            kick(slot);
+    }
+    flushOutput();
+    real()._exit(static_cast<int>(region->finished.load()));
+    __builtin_unreachable();
+}
+
+uint32_t dispatch(bool deathsKnown) {
     for (;;) {
         Census census = takeCensus();
         if (census.ready > 0)
@@ -238,11 +260,18 @@ uint32_t dispatch() {
         if (lookAgain() != 0)
             continue;
         if (census.firstDue != 0 && !census.timeHeld) {
+            if (census.due > region->limit) {
+                reportLimit();
+                return finish(VCLOCK_EXIT_LIMIT);
+            }
             advance(census.due);
             continue;
         }
         region->running.store(0);
         if (census.outside || census.waiting == 0 || programsRunning())
+            return 0;
+        // A process that was just killed may be the reason: a waiting thread looks for it first.
+        if (region->severalProcesses && !deathsKnown)
             return 0;
         // Every thread waits, and nothing will ever come: each says in turn where it stands.
         region->reporting = 1;
@@ -292,13 +321,20 @@ static void takePartInReport() {
         kick(next);
         return;
     }
-    region->finished = 1;
-    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
-        if (slotAt(slot).state != State::Free && slotAt(slot).process != me.process)
-            kick(slot);
+    region->finished = VCLOCK_EXIT_DEADLOCK;
+    endWithAll();
+}
+
+// A waiting thread's look around, at times of real time.
+static void keepWatch() {
+    findDeaths();
+    uint32_t next = 0;
+    if (region->running == 0) {
+        Locked lock;
+        if (region->running == 0 && !region->finished)
+            next = dispatch(true);
     }
-    closeFilesOfReport();
-    real()._exit(VCLOCK_EXIT_DEADLOCK);
+    kick(next);
 }
 
 static bool takeWatch() {
@@ -354,10 +390,8 @@ void awaitTurn() {
             takePartInReport();
             continue;
         }
-        if (region->finished) {
-            closeFilesOfReport();
-            real()._exit(VCLOCK_EXIT_DEADLOCK);
-        }
+        if (region->finished)
+            endWithAll();
         bool watching = region->severalProcesses && (takeWatch() || self.nested);
         bool interruptible = me.interruptible != 0;
         int error = futexWait(&me.wake, seen,
@@ -367,7 +401,7 @@ void awaitTurn() {
         if (error == EINTR && interruptible)
             interrupted();
         else if (error == ETIMEDOUT && watching)
-            findDeaths();
+            keepWatch();
     }
     if (region->severalProcesses)
         dropWatch();

@@ -104,9 +104,9 @@ struct ProcessSlot {
 };
 
 struct Region {
-    pthread_mutex_t lock;           // robust; guards everything below but what is atomic
-    std::atomic<uint32_t> running;  // slot (index + 1) with the token, 0: nobody can run
-    std::atomic<uint32_t> finished;
+    pthread_mutex_t lock;            // robust; guards everything below but what is atomic
+    std::atomic<uint32_t> running;   // slot (index + 1) with the token, 0: nobody can run
+    std::atomic<uint32_t> finished;  // exit status of all processes, 0: they go on
     uint32_t reporting;
     uint32_t severalProcesses;  // there has been a fork: deaths must be looked for
     uint32_t slotsUsed;         // no slot from here on was ever taken
@@ -115,6 +115,7 @@ struct Region {
     uint32_t nextObject;
     uint32_t activity;  // counts waits; whoever waits may have changed a descriptor before
     uint32_t seeded;
+    int64_t limit;                        // time at which the domain ends by itself
     std::atomic<int64_t> now;             // CLOCK_MONOTONIC
     std::atomic<int64_t> calendarOffset;  // CLOCK_REALTIME - CLOCK_MONOTONIC
     std::atomic<int64_t> suspended;       // CLOCK_BOOTTIME - CLOCK_MONOTONIC
@@ -274,7 +275,8 @@ void reportHeader();
 void reportThread(const ThreadSlot& slot);
 const char* waitName(Wait kind);
 ThreadSlot& slotAt(uint32_t slot);
-void closeFilesOfReport();
+void reportLimit();
+void flushOutput();
 
 }  // namespace vclock
 

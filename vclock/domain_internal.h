@@ -20,7 +20,8 @@ extern uint32_t myProcess;  // index + 1 of this process
 
 // Chooses who runs next and gives it the token; time jumps when nobody is ready. The caller holds
 // the lock, and nobody needs the token any more. Returns the slot to kick, 0 if nobody can run.
-uint32_t dispatch();
+// deathsKnown: it has just been looked whether a process was killed.
+uint32_t dispatch(bool deathsKnown = false);
 // Wakes the owner of a slot that got the token, after the lock is released.
 void kick(uint32_t slot);
 void makeReady(ThreadSlot& slot, Result result);

@@ -6,6 +6,7 @@
 #define VCLOCK_SEED "VCLOCK_SEED"    // a number
 #define VCLOCK_TRACE "VCLOCK_TRACE"  // a file
 #define VCLOCK_START "VCLOCK_START"  // seconds of 1970 UTC
+#define VCLOCK_LIMIT "VCLOCK_LIMIT"  // seconds
 #define VCLOCK_ASAN_OPTION "verify_asan_link_order=0"
 
 #endif

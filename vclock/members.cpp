@@ -434,7 +434,7 @@ static void removeEntries(const char* variable, const char* text) {
 static void cleanEnvironment() {
     removeEntries("LD_PRELOAD", "libvclock.so");
     removeEntries("ASAN_OPTIONS", VCLOCK_ASAN_OPTION);
-    for (const char* name : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START})
+    for (const char* name : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START, VCLOCK_LIMIT})
         unsetenv(name);
 }
 
@@ -511,6 +511,10 @@ __attribute__((constructor)) static void joinVirtualTime() {
     initLock(&made->lock);
     made->now = kStartOfTime;
     made->calendarOffset = calendarStart() - kStartOfTime;
+    const char* limit = getenv(VCLOCK_LIMIT);
+    made->limit = limit != nullptr && *limit != '\0'
+                      ? kStartOfTime + static_cast<int64_t>(strtoll(limit, nullptr, 10)) * kSecond
+                      : kForever;
     const char* seed = getenv(VCLOCK_SEED);
     if (seed != nullptr && *seed != '\0') {
         made->seeded = 1;

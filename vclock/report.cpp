@@ -133,6 +133,13 @@ void reportHeader() {
         now.seconds, now.fraction);
 }
 
+void reportLimit() {
+    Time limit = sinceStart(region->limit);
+    if (traceFile >= 0)
+        say(traceFile, "%lld.%09lld limit\n", limit.seconds, limit.fraction);
+    say(STDERR_FILENO, "vclock: ended after the limit of %lld s\n", limit.seconds);
+}
+
 static void readName(char* name, size_t size, const char* path) {
     int file = open(path, O_RDONLY | O_CLOEXEC);
     ssize_t got = file >= 0 ? real().read(file, name, size - 1) : 0;
@@ -189,7 +196,7 @@ void reportThread(const ThreadSlot& slot) {
     }
 }
 
-void closeFilesOfReport() {
+void flushOutput() {
     // What the program printed so far belongs before its end; a stream that a waiting thread holds
     // is left alone.
     for (FILE* stream : {stdout, stderr}) {

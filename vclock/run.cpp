@@ -16,12 +16,15 @@
 #include "vclock/environment.h"
 
 static const char* const kUsage =
-    "Usage: run [--seed N] [--trace FILE] [--start UNIX_SECONDS] PROGRAM [ARGUMENT...]\n"
+    "Usage: run [--seed N] [--trace FILE] [--start UNIX_SECONDS] [--limit SECONDS]\n"
+    "           PROGRAM [ARGUMENT...]\n"
     "Runs PROGRAM in virtual time.\n"
     "  --seed N     choose the next thread at random from this seed, not first come first served\n"
     "  --trace FILE write who ran and waited when\n"
     "  --start S    begin the calendar at S seconds of 1970 UTC, not at the present date\n"
-    "Exit status: the program's; 86 deadlock; 126, 127 the program cannot be started; 2 usage.\n";
+    "  --limit S    end all after S seconds of virtual time; what sleeps for ever costs real time\n"
+    "Exit status: the program's; 86 deadlock; 87 limit; 126, 127 the program cannot be started; 2 "
+    "usage.\n";
 
 static bool isNumber(const char* text, unsigned long long most) {
     if (*text == '\0' || text[strspn(text, "0123456789")] != '\0')
@@ -39,7 +42,8 @@ static int readOptions(int argc, char** argv) {
     } const options[] = {{"--seed", VCLOCK_SEED, ULLONG_MAX},
                          {"--trace", VCLOCK_TRACE, 0},
                          // The end of the 32-bit unsigned count, in the year 2106.
-                         {"--start", VCLOCK_START, 0xffffffffull}};
+                         {"--start", VCLOCK_START, 0xffffffffull},
+                         {"--limit", VCLOCK_LIMIT, 0xffffffffull}};
     int at = 1;
     while (at < argc && argv[at][0] == '-') {
         if (strcmp(argv[at], "--") == 0) {
@@ -99,7 +103,7 @@ static void putInFront(const char* variable, const std::string& entry) {
 }
 
 int main(int argc, char** argv) {
-    for (const char* variable : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START}) {
+    for (const char* variable : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START, VCLOCK_LIMIT}) {
         // An empty variable says nothing; the options speak last.
         const char* value = getenv(variable);
         if (value != nullptr && *value == '\0')

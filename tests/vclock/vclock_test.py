@@ -15,6 +15,7 @@ PROBE = os.path.join(BUILD, "vclock_probe")
 # The address sanitizer of gcc 12 takes the unwinding of a cancelled thread for a fault.
 SANITIZED = "address" in os.environ.get("ZK_SANITIZE", "")
 DEADLOCK = 86
+OVER_LIMIT = 87
 # Nothing here takes real time; a hang is what this ends.
 LIMIT = 60
 
@@ -82,6 +83,14 @@ class Properties(unittest.TestCase):
         # Where: frames of the program, not of the clock.
         self.assertRegex(done.stderr, r"#0 .*\n")
         self.assertNotIn("libvclock", done.stderr)
+
+
+    def test_limit_ends_all(self):
+        # The pair takes about 500 seconds, and its monitor 300 more.
+        done = run("pair_of_processes", "--limit", "400")
+        self.assertEqual((done.returncode, done.stdout), (OVER_LIMIT, ""))
+        self.assertEqual(done.stderr, "vclock: ended after the limit of 400 s\n")
+        self.check("pair_of_processes", "--limit", "10000")
 
 
 class Repeating(unittest.TestCase):
