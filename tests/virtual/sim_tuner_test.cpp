@@ -1,5 +1,6 @@
 // The simulated tuners in time: events, the outside world, user bands, the blind scan.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <condition_variable>
 #include <cstdlib>
@@ -138,7 +139,7 @@ class SimTunerTime : public testing::Test {
     }
 
     Ear ear_;
-    std::string folder_ = testing::TempDir() + "sim_tuner_test";
+    std::string folder_ = testing::TempDir() + "sim_tuner_test." + std::to_string(getpid());
 };
 
 TEST_F(SimTunerTime, EveryChannelOfTheLineUpLocksOnEveryTuner) {
