@@ -105,6 +105,13 @@ int64_t rtcNowUs(const PmState& s) {
     return s.rtcUs + sim::uptimeUs() - s.rtcUptimeUs;
 }
 
+/** Keeps what was changed. */
+void save(PmState& s) {
+    s.memory.rtcUs = rtcNowUs(s);
+    s.memory.calendarUs = sim::calendarUs();
+    sim::savePmMemory(s.memory);
+}
+
 /** The state with the controller's memory read; its lock is held. On the first use after power on
  *  this tells what has woken the device. */
 PmState& state() {
@@ -121,14 +128,17 @@ PmState& state() {
         s.memory.standby = false;
     }
     setRtc(s, s.memory.rtcUs + passedUs);
+    if (s.wake.reason != 0)
+        save(s);
     return s;
 }
 
-/** Keeps what was changed. */
-void save(PmState& s) {
-    s.memory.rtcUs = rtcNowUs(s);
-    s.memory.calendarUs = sim::calendarUs();
-    sim::savePmMemory(s.memory);
+/** A standby of which nothing has told what ended it was ended by mains power. */
+void settleStandby(PmState& s) {
+    if (!s.memory.standby)
+        return;
+    s.memory.standby = false;
+    save(s);
 }
 
 /** The first wake-up that is known to come and that the condition allows; false when none is. What
@@ -268,6 +278,7 @@ int32_t QLX_SysEnterStandby(uint32_t mode, QLX_SysStandbyCallback callback, void
     PmState& s = state();
     if (s.power != Power::Awake)
         SIM_RETURN(QLX_FAILED);
+    settleStandby(s);
     if (mode == QLX_SYS_STANDBY_MODE_STR) {
         s.power = Power::Leaving;
         s.woken = false;
@@ -304,6 +315,7 @@ int32_t QLX_SysGetWakeupReason(uint32_t* reason) {
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     {
         std::lock_guard<std::mutex> lock(raw().mutex);
+        settleStandby(state());
         *reason = state().wake.reason;
     }
     simCall.output(reason, sizeof *reason);
