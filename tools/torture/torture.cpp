@@ -231,10 +231,11 @@ std::vector<Step> planOf(const std::string& record) {
 }
 
 /** Whether repetitions of a run let the heap grow each time. A thread keeps up to seven free blocks
- *  of each size for itself, which look used: only what outlasts those grows. */
+ *  of each size for itself, and caches of cases with threads fill over a dozen runs: only what
+ *  outlasts those grows. */
 bool leaks(const TcModule& module, const TcCase& testCase, const std::string& fault,
            int64_t bound) {
-    for (int i = 0; i < 9; i++) {
+    for (int i = 0; i < 24; i++) {
         if (runOnce(module, testCase, fault, bound).heap <= 0)
             return false;
     }
