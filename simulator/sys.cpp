@@ -105,6 +105,9 @@ int32_t QLX_SysGetCapability(QLX_SysCapability* capability) {
     for (const CapabilityField& entry : capabilityFields)
         capability->*entry.field =
             static_cast<uint32_t>(sim::board().number("CAPABILITY", entry.key, entry.absent));
+    if (!sim::board().has("CAPABILITY", "NumberOfTuners"))
+        capability->NumberOfTuners =
+            static_cast<uint32_t>(sim::board().number("TUNER", "COUNT", 4));
     simCall.output(capability, sizeof *capability);
     SIM_RETURN(QLX_SUCCESS);
 }
