@@ -324,7 +324,7 @@ static void runThreads(SectionFrame* frame, DemuxThreadRequest_st* requests, siz
         started++;
     for (size_t i = 0; i < started; i++) {
         void* status = nullptr;
-        char text[32];
+        char text[40];
         snprintf(text, sizeof text, "*((int*)status%zu)", i);
         pthread_join(threads[i], &status);
         FRAME_RET_TEXT(text, status != nullptr ? *static_cast<int*>(status) : TC_FAILURE);
