@@ -301,6 +301,7 @@ const char seededStart[] = "1767225600";
 [[noreturn]] void startProgram(const Options& options) {
     fs::path log = options.dir / "console.log";
     setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (chdir(options.dir.c_str()) != 0)
         _exit(126);
     int out = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
