@@ -14,7 +14,10 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <mutex>
+#include <set>
 #include <string>
+#include <thread>
 
 #include "tools/mkstreams/maker.h"
 
@@ -140,11 +143,8 @@ static bool writeStream(const fs::path& file, const Bytes& bytes, uint64_t hash,
     int size =
         snprintf(stamp, sizeof(stamp), "%llx %zu %zu %lld\n", static_cast<unsigned long long>(hash),
                  made.packetBytes, made.packets, static_cast<long long>(made.packetTicks));
-    if (writeFile(file, bytes.data(), bytes.size()) &&
-        writeFile(stampPath(file), stamp, static_cast<size_t>(size)))
-        return true;
-    fprintf(stderr, "mkstreams: cannot write %s\n", file.c_str());
-    return false;
+    return writeFile(file, bytes.data(), bytes.size()) &&
+           writeFile(stampPath(file), stamp, static_cast<size_t>(size));
 }
 
 /** One run of the program. */
@@ -152,40 +152,91 @@ struct Run {
     Options options;
     LineUp lineUp;
     uint64_t hash;
-    EncodedContent encoded;
     std::map<std::string, Made> made; /**< by file name */
     bool good;
+};
+
+/** A file to be made, and what came of it. */
+struct Job {
+    const Multiplex* multiplex;
+    Made made;
+    bool finished;     /**< the file is there */
+    std::string error; /**< empty when all went well */
 };
 
 static bool wanted(const Run& run, const std::string& name) {
     return run.options.only.empty() || fnmatch(run.options.only.c_str(), name.c_str(), 0) == 0;
 }
 
-static void makeFile(Run& run, const Multiplex& multiplex) {
-    fs::path file = fs::path(run.options.out) / multiplex.file;
-    Made made = {};
-    if (isCurrent(file, run.hash, &made)) {
-        run.made[multiplex.file] = made;
-        return;
-    }
-    if (!wanted(run, multiplex.file))
-        return;
+static void complain(Run& run, const std::string& file, const std::string& error) {
+    fprintf(stderr, "mkstreams: %s: %s\n", file.c_str(), error.c_str());
+    run.good = false;
+}
+
+static void makeFile(const Run& run, EncodedContent* encoded, Job* job) {
     TransportStream stream;
-    std::string error;
-    if (!makeStream(run.lineUp, multiplex, &run.encoded, &stream, &error)) {
-        fprintf(stderr, "mkstreams: %s: %s\n", multiplex.file.c_str(), error.c_str());
-        run.good = false;
+    if (!makeStream(run.lineUp, *job->multiplex, encoded, &stream, &job->error))
         return;
+    job->made = {packetSize, stream.packets.size() / packetSize, stream.packetTicks};
+    fs::path file = fs::path(run.options.out) / job->multiplex->file;
+    job->finished = writeStream(file, stream.packets, run.hash, job->made);
+    if (!job->finished)
+        job->error = "cannot be written";
+}
+
+/** The files that must be made; what need not be goes into the manifest at once. */
+static std::vector<Job> jobsOf(Run& run) {
+    std::vector<Job> jobs;
+    std::set<std::string> seen;
+    for (const Multiplex& multiplex : run.lineUp.multiplexes) {
+        if (!seen.insert(multiplex.file).second)
+            continue;
+        Made made = {};
+        if (isCurrent(fs::path(run.options.out) / multiplex.file, run.hash, &made))
+            run.made[multiplex.file] = made;
+        else if (wanted(run, multiplex.file))
+            jobs.push_back({&multiplex, {}, false, ""});
     }
-    made = {packetSize, stream.packets.size() / packetSize, stream.packetTicks};
-    run.good = writeStream(file, stream.packets, run.hash, made) && run.good;
-    run.made[multiplex.file] = made;
-    if (!run.options.quiet)
-        printf("%s: %zu packets\n", multiplex.file.c_str(), made.packets);
+    return jobs;
+}
+
+/** Makes files from both ends of the list at once: neighbours in it show and play the same, and
+ *  each end codes that once. */
+static void makeFiles(Run& run) {
+    std::vector<Job> jobs = jobsOf(run);
+    std::mutex mutex;
+    size_t front = 0;
+    size_t back = jobs.size();
+    auto work = [&](bool fromFront) {
+        EncodedContent encoded;
+        while (true) {
+            Job* job = nullptr;
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                if (front == back)
+                    return;
+                job = &jobs[fromFront ? front++ : --back];
+            }
+            makeFile(run, &encoded, job);
+        }
+    };
+    std::thread other(work, false);
+    work(true);
+    other.join();
+    for (const Job& job : jobs) {
+        if (!job.finished) {
+            complain(run, job.multiplex->file, job.error);
+            continue;
+        }
+        run.made[job.multiplex->file] = job.made;
+        if (!run.options.quiet)
+            printf("%s: %zu packets\n", job.multiplex->file.c_str(), job.made.packets);
+    }
 }
 
 static void makeVariants(Run& run) {
     const Multiplex& multiplex = run.lineUp.multiplexes.front();
+    EncodedContent encoded;
     TransportStream good;
     std::vector<Burst> bursts = tablesOf(run.lineUp, multiplex);
     for (size_t i = 0; i < variantCount; i++) {
@@ -199,16 +250,16 @@ static void makeVariants(Run& run) {
         if (!wanted(run, name))
             continue;
         std::string error;
-        if (good.packets.empty() &&
-            !makeStream(run.lineUp, multiplex, &run.encoded, &good, &error)) {
-            fprintf(stderr, "mkstreams: %s: %s\n", name.c_str(), error.c_str());
-            run.good = false;
+        if (good.packets.empty() && !makeStream(run.lineUp, multiplex, &encoded, &good, &error)) {
+            complain(run, name, error);
             return;
         }
         Bytes bytes = variants[i].make(multiplex, good, bursts);
         made = {variants[i].packetBytes, bytes.size() / variants[i].packetBytes, good.packetTicks};
-        run.good = writeStream(file, bytes, run.hash, made) && run.good;
-        run.made[name] = made;
+        if (writeStream(file, bytes, run.hash, made))
+            run.made[name] = made;
+        else
+            complain(run, name, "cannot be written");
     }
 }
 
@@ -285,14 +336,11 @@ int main(int argc, char** argv) {
     std::error_code failure;
     fs::create_directories(run.options.out, failure);
     run.hash = inputsHash(run.options.config);
-    for (const Multiplex& multiplex : run.lineUp.multiplexes)
-        if (run.made.count(multiplex.file) == 0)
-            makeFile(run, multiplex);
+    makeFiles(run);
     if (run.options.variants)
         makeVariants(run);
     if (!writeManifest(run)) {
-        fprintf(stderr, "mkstreams: cannot write streams.cfg in %s\n", run.options.out.c_str());
-        run.good = false;
+        complain(run, "streams.cfg", "cannot be written in " + run.options.out);
     }
     return run.good ? 0 : 1;
 }
