@@ -755,6 +755,10 @@ int main(int argc, char** argv) {
     if (!loadExceptions(options.exceptions, &exceptions))
         return 2;
     std::vector<Job> jobs = planJobs(options);
+    if (jobs.empty()) {
+        fputs("torture: no automatic case is selected\n", stderr);
+        return 2;
+    }
     runJobs(options, &jobs);
     return judge(options, jobs, &exceptions) ? 0 : 1;
 }
