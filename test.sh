@@ -25,6 +25,8 @@ build() {
 }
 
 build debug
+echo "test: making the streams of the line-up"
+build/debug/zkbench --source . --quiet --lay-out build/debug/golden_bench
 if [ -z "$quick" ]; then
     build clang
     build asan
