@@ -18,10 +18,13 @@ tools/setup.sh
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 jobs=$(nproc)
 
+# build PRESET [--target TARGET]
 build() {
-    echo "test: building preset $1"
-    cmake --preset "$1" > /dev/null
-    cmake --build --preset "$1" -j "$jobs"
+    preset=$1
+    shift
+    echo "test: building preset $preset"
+    cmake --preset "$preset" > /dev/null
+    cmake --build --preset "$preset" -j "$jobs" "$@"
 }
 
 build debug
@@ -31,8 +34,8 @@ if [ -z "$quick" ]; then
     build clang
     build asan
     echo "test: preset asan"
-    ctest --preset asan -j "$jobs"
-    build tsan
+    ctest --preset asan -j "$jobs" -LE slow
+    build tsan --target unit_tests
     echo "test: preset tsan, the simulated device's core"
     ctest --preset tsan -j "$jobs" -R '^(SimCore|Storage)'
 fi
