@@ -140,8 +140,10 @@ TEST_P(OnAir, SectionsOfASubTableAreApart) {
         pids.insert(burst.pid);
     for (unsigned pid : pids)
         for (const ReceivedSection& section : sectionsOf(stream().packets, pid)) {
-            auto key = std::make_tuple(pid, static_cast<unsigned>(section.bytes[0]),
-                                       section.bytes[3] * 256u + section.bytes[4]);
+            // A short section, as the DIT is, has no table id extension.
+            unsigned extension =
+                section.bytes.size() > 4 ? section.bytes[3] * 256u + section.bytes[4] : 0;
+            auto key = std::make_tuple(pid, static_cast<unsigned>(section.bytes[0]), extension);
             auto last = ends.find(key);
             // From last byte to first byte; the last byte comes with one of the next packets.
             if (last != ends.end()) {
