@@ -10,6 +10,6 @@ tools/setup.sh
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 echo "run: building"
 cmake --preset release > /dev/null
-cmake --build --preset release --target zktest mkchecklist mkstreams zkbench vclock run
+cmake --build --preset release --target zktest mkchecklist mkstreams zkbench vclock vclock_run
 echo "run: starting the bench"
 exec build/release/zkbench --source "$here" "$@"
