@@ -2,7 +2,7 @@
 # Installs what is missing, builds with gcc, clang and the sanitizers, and runs all tests.
 # Safe to repeat. Options:
 #     --quick     only the debug build and its tests
-#     --torture   also the whole torture run, which takes hours
+#     --torture   also the whole torture run, some minutes
 set -e
 cd "$(dirname "$0")"
 quick=

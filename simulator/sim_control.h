@@ -4,10 +4,11 @@
  *
  * A fault is one line:
  *
- *     FUNCTION [case=NAME] [call=N | call=N+] ACTION
+ *     FUNCTION [case=NAME] [with=ARGUMENT] [call=N | call=N+] ACTION
  *
  * It acts on the N-th call of FUNCTION (from 1; "N+": from the N-th on; without: on each), counted
- * over all calls or over those made while case NAME runs. FUNCTION is an entry point of the
+ * over all calls, over those made while case NAME runs, or over those of which the trace tells this
+ * argument ("with=filter=2"). FUNCTION is an entry point of the
  * library, or the name of a callback as the trace tells it. ACTION is one of
  *
  *     return=CODE        the call is refused with CODE and does nothing

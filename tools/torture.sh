@@ -1,9 +1,9 @@
 #!/bin/sh
-# The whole torture run and all time limits, on build/release: hours. Goes on where it stopped.
+# The whole torture run and all time limits, on build/release. Goes on where it stopped.
 set -e
 cd "$(dirname "$0")/.."
-build/release/zkbench --source . --lay-out build/torture/bench
+tools/torture_bench.sh build/release build/torture/bench
 build/release/torture --dir build/torture/bench --out build/torture/limits \
     --limits tests/torture/limits.txt
 exec build/release/torture --dir build/torture/bench --out build/torture/results --resume \
-    --exceptions tests/torture/exceptions.txt "$@"
+    --exceptions tests/torture/exceptions.txt --answers tests/torture/answers.txt "$@"

@@ -219,15 +219,15 @@ static void sufferFaults(const FaultEffect& effect, const std::string& what) {
 }
 
 Call::Call(const char* function, const char* text, ...) : function_(function) {
-    if (tracing()) {
+    loadFaultFile();
+    if (tracing() || haveFaults()) {
         va_list arguments;
         va_start(arguments, text);
         text_ = vformat(text, arguments);
         va_end(arguments);
     }
-    loadFaultFile();
     takeOutsideEvents();
-    FaultEffect effect = faultsOn(function);
+    FaultEffect effect = faultsOn(function, text_);
     sufferFaults(effect, format("%s(%s)", function_, text_.c_str()));
     int64_t latency = latencyMs(function);
     if (latency > 0)
@@ -276,7 +276,7 @@ void Call::traceResult(int64_t code) {
 void deliver(const char* name, const std::string& text, void* payload, size_t size,
              const std::function<void()>& call) {
     std::string what = format("callback %s(%s)", name, text.c_str());
-    FaultEffect effect = faultsOn(name);
+    FaultEffect effect = faultsOn(name, text);
     sufferFaults(effect, what);
     if (effect.drop) {
         traceLine(what + " dropped by a fault");

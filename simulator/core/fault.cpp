@@ -21,6 +21,7 @@ namespace sim {
 struct Fault {
     std::string name;
     std::string caseName;
+    std::string argument;
     unsigned nth = 0;
     bool onward = false;
     unsigned seen = 0;
@@ -67,6 +68,10 @@ static bool parseWord(const std::string& word, Fault* fault) {
         fault->caseName = value;
         return !value.empty();
     }
+    if (key == "with") {
+        fault->argument = value;
+        return !value.empty();
+    }
     if (key == "call") {
         fault->onward = !value.empty() && value.back() == '+';
         if (fault->onward)
@@ -110,7 +115,8 @@ bool addFault(const std::string& line, std::string* error) {
             *error = "cannot read '" + word + "' in the fault '" + line + "'";
             return false;
         }
-        actions += word.compare(0, 5, "case=") != 0 && word.compare(0, 5, "call=") != 0;
+        std::string key = word.substr(0, word.find('='));
+        actions += key != "case" && key != "with" && key != "call";
     }
     if (actions == 0) {
         *error = "no action in the fault '" + line + "'";
@@ -163,12 +169,29 @@ static bool caseMatches(const Fault& fault) {
     return name != nullptr && fault.caseName == name;
 }
 
-FaultEffect faultsOn(const char* name) {
+/** Whether one of the words of the arguments is the one that the fault wants. */
+static bool argumentMatches(const Fault& fault, const std::string& arguments) {
+    if (fault.argument.empty())
+        return true;
+    std::istringstream words(arguments);
+    for (std::string word; words >> word;) {
+        if (word == fault.argument)
+            return true;
+    }
+    return false;
+}
+
+bool haveFaults() {
+    std::lock_guard<std::mutex> lock(faults().mutex);
+    return !faults().list.empty();
+}
+
+FaultEffect faultsOn(const char* name, const std::string& arguments) {
     FaultEffect all;
     Faults& f = faults();
     std::lock_guard<std::mutex> lock(f.mutex);
     for (Fault& fault : f.list) {
-        if (fault.name != name || !caseMatches(fault))
+        if (fault.name != name || !caseMatches(fault) || !argumentMatches(fault, arguments))
             continue;
         fault.seen++;
         bool acts =

@@ -31,8 +31,11 @@ bool addFault(const std::string& line, std::string* error);
 void clearFaults();
 unsigned faultsActed();
 
-/** Counts a call or callback of that name, and collects what the faults do to it. */
-FaultEffect faultsOn(const char* name);
+bool haveFaults();
+
+/** Counts a call or callback of that name, and collects what the faults do to it.
+ *  @param arguments  as the trace tells them: words such as "filter=2" */
+FaultEffect faultsOn(const char* name, const std::string& arguments);
 
 /** Reads the file that QLX_SIM_FAULTS names, once. */
 void loadFaultFile();

@@ -60,8 +60,10 @@ static bool walkEqual(Walk* walk, int line, uint32_t expected, uint32_t actual) 
 #define WALK_REFUSED_TEXT(text, expr) walkRefused(walk, __LINE__, text, static_cast<int64_t>(expr))
 
 static bool walkInit(Walk* walk) {
-    walk->initialised = WALK_RET(QLX_DemuxInit());
-    return walk->initialised;
+    const bool good = WALK_RET(QLX_DemuxInit());
+    // A second initialisation that is refused leaves the first in place.
+    walk->initialised = walk->initialised || good;
+    return good;
 }
 
 static bool walkOpen(Walk* walk, uint32_t eDemuxId) {

@@ -8,12 +8,12 @@ import bench
 TORTURE = os.path.join(bench.BUILD, "torture")
 LISTS = os.path.join(bench.SOURCE, "tests/torture")
 # Each N-th automatic case of the registry; chosen so that a run stays below two minutes.
-EVERY = "31"
+EVERY = "7"
 
 
 class TortureTest(bench.BenchTest):
     def run_tool(self, *words):
-        subprocess.run([os.path.join(bench.BUILD, "zkbench"), "--source", bench.SOURCE, "--lay-out",
+        subprocess.run([os.path.join(bench.SOURCE, "tools/torture_bench.sh"), bench.BUILD,
                         self.path("bench")], check=True, stdout=subprocess.DEVNULL)
         done = subprocess.run([TORTURE, "--dir", self.path("bench"), "--out", self.path("out")] +
                               list(words), stdout=subprocess.PIPE, universal_newlines=True)
@@ -23,7 +23,8 @@ class TortureTest(bench.BenchTest):
         return done.stdout
 
     def test_every_fault_of_a_sample_is_caught(self):
-        out = self.run_tool("--exceptions", os.path.join(LISTS, "exceptions.txt"), "--every", EVERY)
+        out = self.run_tool("--exceptions", os.path.join(LISTS, "exceptions.txt"),
+                            "--answers", os.path.join(LISTS, "answers.txt"), "--every", EVERY)
         self.assertIn("every fault is caught", out)
 
     def test_limits_turn_at_their_millisecond(self):

@@ -41,6 +41,15 @@ TEST_F(SimCore, FaultsActOnTheCallThatTheyName) {
     EXPECT_EQ(QLX_GPIODeInit(), -1);
 }
 
+TEST_F(SimCore, FaultsCountTheCallsWithTheirArgument) {
+    EXPECT_EQ(QLX_GPIOInit(), 0);
+    EXPECT_EQ(qlx_sim_add_fault("QLX_GPIOSetValue with=pin=12 call=2 return=7"), 0);
+    for (uint32_t pin : {1, 12, 1, 120})
+        EXPECT_NE(QLX_GPIOSetValue(pin, 0), 7) << pin;
+    EXPECT_EQ(QLX_GPIOSetValue(12, 0), 7);
+    EXPECT_EQ(qlx_sim_add_fault("QLX_GPIOSetValue with= return=7"), -1);
+}
+
 TEST_F(SimCore, ARefusedCallDoesNothing) {
     EXPECT_EQ(QLX_GPIOInit(), 0);
     EXPECT_EQ(qlx_sim_add_fault("QLX_GPIODeInit return=5"), 0);

@@ -49,13 +49,18 @@ namespace {
 struct Step {
     /** Function or callback. */
     std::string name;
-    /** Which of its calls, from 1. */
+    /** Of a callback: whose it is, as "filter=2"; what comes first of two of them is chance. */
+    std::string source;
+    /** Which of all calls of the function it was, from 1. */
+    unsigned position;
+    /** Which of those with its source, from 1. */
     unsigned nth;
     /** "refuse", "accept", "drop" or "scramble". */
     std::string kind;
 
     std::string text() const {
-        return name + "#" + std::to_string(nth) + " " + kind;
+        std::string whose = source.empty() ? "" : "(" + source + ")";
+        return name + whose + "#" + std::to_string(nth) + " " + kind;
     }
     std::string fault(const std::string& caseName) const {
         std::string action = kind;
@@ -63,7 +68,8 @@ struct Step {
             action = "return=77";
         else if (kind == "accept")
             action = "return=0";
-        return name + " case=" + caseName + " call=" + std::to_string(nth) + " " + action;
+        std::string whose = source.empty() ? "" : " with=" + source;
+        return name + " case=" + caseName + whose + " call=" + std::to_string(nth) + " " + action;
     }
 };
 
@@ -97,6 +103,8 @@ bool isUndo(const std::string& function) {
 // ---- The worker ---------------------------------------------------------------------------------
 
 FILE* g_out;
+/** What is typed in each run: the file of answers, or an empty input. */
+std::string g_input = "/dev/null";
 std::atomic<int64_t> g_deadlineMs{0};
 
 int64_t virtualMs() {
@@ -155,11 +163,30 @@ struct Outcome {
     int64_t tookMs;
 };
 
+/** Waits for the begin of a minute: the line-up's streams, which repeat within one, are then at the
+ *  same place in each run, and the same table comes first. */
+void waitForMinute() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    timespec next = {now.tv_sec - now.tv_sec % 60 + 60, 0};
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr);
+}
+
+/** Lets standard input begin anew. Its buffer is not of the heap, which is compared. */
+void typeAnswers() {
+    static char buffer[4096];
+    if (freopen(g_input.c_str(), "re", stdin) == nullptr)
+        abort();
+    setvbuf(stdin, buffer, _IOFBF, sizeof buffer);
+}
+
 /** One run of the case between its hooks, with the module freshly set up. */
 Outcome runOnce(const TcModule& module, const TcCase& testCase, const std::string& fault,
                 int64_t boundMs) {
     Outcome outcome = {};
     qlx_sim_reset();
+    waitForMinute();
+    typeAnswers();
     // Heap is compared with the device at rest, so that what the device keeps does not count.
     int64_t heap = static_cast<int64_t>(mallinfo2().uordblks);
     if (module.setup != nullptr)
@@ -204,7 +231,8 @@ Outcome runOnce(const TcModule& module, const TcCase& testCase, const std::strin
  *  "time thread callback Name(...)". */
 std::vector<Step> planOf(const std::string& record) {
     std::vector<Step> all;
-    std::map<std::string, unsigned> counts;
+    std::map<std::string, unsigned> totals;
+    std::map<std::string, unsigned> ofSource;
     std::istringstream lines(record);
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
@@ -213,22 +241,29 @@ std::vector<Step> planOf(const std::string& record) {
         bool callback = word == "callback";
         if (callback)
             words >> word;
-        std::string name = word.substr(0, word.find('('));
-        unsigned nth = ++counts[name];
-        if (callback) {
-            all.push_back({name, nth, "drop"});
-            all.push_back({name, nth, "scramble"});
-            continue;
-        }
+        size_t open = word.find('(');
+        std::string name = word.substr(0, open);
+        Step step = {name, "", ++totals[name], 0, ""};
         size_t result = line.rfind(")=");
-        if (result == std::string::npos)
-            continue;
-        bool refused = strtol(line.c_str() + result + 2, nullptr, 10) != 0;
-        all.push_back({name, nth, refused ? "accept" : "refuse"});
+        if (callback) {
+            // Of several arguments the first tells whose callback it is.
+            if (open != std::string::npos && word.back() != ')')
+                step.source = word.substr(open + 1);
+            step.nth = ++ofSource[name + step.source];
+            for (const char* kind : {"drop", "scramble"}) {
+                step.kind = kind;
+                all.push_back(step);
+            }
+        } else if (result != std::string::npos) {
+            bool refused = strtol(line.c_str() + result + 2, nullptr, 10) != 0;
+            step.nth = step.position;
+            step.kind = refused ? "accept" : "refuse";
+            all.push_back(step);
+        }
     }
     std::vector<Step> plan;
     for (const Step& step : all) {
-        if (sampled(step.nth, counts[step.name]))
+        if (sampled(step.position, totals[step.name]))
             plan.push_back(step);
     }
     return plan;
@@ -263,8 +298,11 @@ const TcCase* startWork(const TcModule* module, const std::string& caseName, con
     g_out = fopen(out, "ae");
     if (testCase == nullptr || testCase->function == nullptr || g_out == nullptr)
         return nullptr;
+    if (fs::exists(std::string(out) + ".answers"))
+        g_input = std::string(out) + ".answers";
     int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(null, STDOUT_FILENO);
+    dup2(null, STDERR_FILENO);
     int32_t platform = 0;
     snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
     get_common_config(&g_configFile);
@@ -309,8 +347,23 @@ int work(const std::string& moduleName, const std::string& caseName, const char*
     _exit(0);
 }
 
+/** The last delay of a step, in milliseconds, with which the case still succeeds; -1 when it never
+ *  does, or always. */
+template <typename Verdict>
+int64_t lastGoodDelay(Verdict verdictAt) {
+    int64_t good = 0;
+    int64_t bad = 10 * 60 * 1000;
+    if (verdictAt(good) != TC_SUCCESS || verdictAt(bad) == TC_SUCCESS)
+        return -1;
+    while (bad - good > 1) {
+        int64_t middle = good + (bad - good) / 2;
+        (verdictAt(middle) == TC_SUCCESS ? good : bad) = middle;
+    }
+    return good;
+}
+
 /** A case with a limit: its step delayed by the last delay that is good, and by one millisecond
- *  more. */
+ *  more. Where the verdict turns elsewhere, that place is looked for. */
 int workOnLimit(const std::string& moduleName, const std::string& caseName, const char* out,
                 const std::string& step, int64_t lastGoodMs) {
     const TcModule* module = findModule(moduleName);
@@ -320,11 +373,15 @@ int workOnLimit(const std::string& moduleName, const std::string& caseName, cons
         return 2;
     std::string prefix =
         step.substr(0, hash) + " case=" + caseName + " call=" + step.substr(hash + 1) + " delay=";
+    auto verdictAt = [&](int64_t delayMs) {
+        return runOnce(*module, *testCase, prefix + std::to_string(delayMs), firstBoundMs).verdict;
+    };
     runOnce(*module, *testCase, "", firstBoundMs);
-    for (int64_t delay : {lastGoodMs, lastGoodMs + 1}) {
-        Outcome run = runOnce(*module, *testCase, prefix + std::to_string(delay), firstBoundMs);
-        fprintf(g_out, "%u ", run.verdict);
-    }
+    uint32_t good = verdictAt(lastGoodMs);
+    uint32_t bad = verdictAt(lastGoodMs + 1);
+    bool held = good == TC_SUCCESS && bad == TC_FAILURE;
+    fprintf(g_out, "%u %u %lld\n", good, bad,
+            static_cast<long long>(held ? lastGoodMs : lastGoodDelay(verdictAt)));
     fclose(g_out);
     _exit(0);
 }
@@ -335,6 +392,7 @@ struct Options {
     fs::path dir = fs::current_path();
     fs::path out;
     fs::path exceptions;
+    fs::path answers;
     fs::path limits;
     std::vector<std::string> modules;
     std::string pattern = "*";
@@ -391,15 +449,36 @@ bool excepted(std::vector<Exception>* list, const char* what, const std::string&
     return false;
 }
 
+/** What an operator types at the cases that ask, by their names. Lines: case, answer. */
+std::map<std::string, std::string> loadAnswers(const fs::path& path) {
+    std::map<std::string, std::string> answers;
+    std::ifstream file(path);
+    for (std::string name, answer; file >> name >> std::ws && std::getline(file, answer);)
+        answers[name] = answer;
+    return answers;
+}
+
 struct Job {
     const TcModule* module;
     const TcCase* testCase;
     fs::path file;
+    std::string answer;
     pid_t pid = 0;
     unsigned firstStep = 0;
 };
 
+/** Gives a worker a device of its own with the files of the bench's, and its answers. */
+void prepareWorker(const Options& options, const Job& job) {
+    std::error_code ignored;
+    fs::path root = job.file.string() + ".device";
+    fs::remove_all(root, ignored);
+    fs::copy(options.dir / "device", root, fs::copy_options::recursive, ignored);
+    if (!job.answer.empty())
+        std::ofstream(job.file.string() + ".answers") << job.answer << "\n";
+}
+
 void startWorker(const Options& options, Job* job) {
+    prepareWorker(options, *job);
     fs::path self = fs::canonical("/proc/self/exe");
     std::string launcher = self.parent_path() / "vclock/run";
     std::string first = std::to_string(job->firstStep);
@@ -409,8 +488,6 @@ void startWorker(const Options& options, Job* job) {
         return;
     if (chdir(options.dir.c_str()) != 0)
         _exit(126);
-    int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    dup2(null, STDIN_FILENO);
     fs::path root = job->file.string() + ".device";
     setenv("QLX_SIM_ROOT", root.c_str(), 1);
     // One heap without caches of threads: what it holds is then the same after equal runs.
@@ -461,6 +538,7 @@ bool settle(Job* job, int status) {
 
 std::vector<Job> planJobs(const Options& options) {
     std::vector<Job> jobs;
+    std::map<std::string, std::string> answers = loadAnswers(options.answers);
     unsigned number = 0;
     for (const TcModule* module : testModules) {
         if (!options.modules.empty() && std::find(options.modules.begin(), options.modules.end(),
@@ -476,6 +554,7 @@ std::vector<Job> planJobs(const Options& options) {
             job.module = module;
             job.testCase = &testCase;
             job.file = options.out / module->name / (std::string(testCase.name) + ".txt");
+            job.answer = answers[testCase.name];
             jobs.push_back(job);
         }
     }
@@ -519,6 +598,7 @@ void runJobs(const Options& options, std::vector<Job>* jobs) {
         }
         std::error_code ignored;
         fs::remove_all(job->file.string() + ".device", ignored);
+        fs::remove(job->file.string() + ".answers", ignored);
         finished++;
         bool terminal = isatty(STDOUT_FILENO);
         if (terminal || finished % 50 == 0)
@@ -640,59 +720,105 @@ bool judge(const Options& options, const std::vector<Job>& jobs,
     return wrong == 0;
 }
 
-/** Runs a limit in a worker of its own. True when the verdict turns exactly there. */
-bool holdsLimit(const Options& options, const std::string& caseName, const std::string& step,
-                const std::string& lastGoodMs) {
-    const TcModule* module = nullptr;
-    for (const TcModule* candidate : testModules) {
-        for (uint32_t i = 0; i < candidate->caseCount; i++) {
-            if (caseName == candidate->cases[i].name)
-                module = candidate;
+/** One case of one line of the limits. */
+struct LimitJob {
+    const TcModule* module;
+    const TcCase* testCase;
+    std::string step;
+    std::string lastGoodMs;
+    fs::path file;
+    pid_t pid = 0;
+};
+
+/** Lines: pattern of cases, step, last good delay in milliseconds, what the limit is. False when a
+ *  line cannot be read or names no case. */
+bool loadLimits(const Options& options, std::vector<LimitJob>* jobs) {
+    std::ifstream file(options.limits);
+    bool good = static_cast<bool>(file);
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string pattern, step, lastGoodMs;
+        if (line.empty() || line[0] == '#')
+            continue;
+        words >> pattern >> step >> lastGoodMs;
+        size_t before = jobs->size();
+        for (const TcModule* module : testModules) {
+            for (uint32_t i = 0; i < module->caseCount; i++) {
+                const TcCase* testCase = &module->cases[i];
+                if (testCase->autoFlag != AUTO || lastGoodMs.empty() ||
+                    fnmatch(pattern.c_str(), testCase->name, 0) != 0)
+                    continue;
+                fs::path out = options.out / ("limit_" + std::to_string(jobs->size()));
+                jobs->push_back({module, testCase, step, lastGoodMs, out});
+            }
+        }
+        if (jobs->size() == before) {
+            printf("LIMIT   no such case: %s\n", line.c_str());
+            good = false;
         }
     }
+    return good;
+}
+
+void startLimit(const Options& options, LimitJob* job) {
     fs::path self = fs::canonical("/proc/self/exe");
-    fs::path file = options.out / "limit.txt";
-    fs::remove(file);
+    fs::remove(job->file);
     fflush(stdout);
-    pid_t pid = fork();
-    if (pid == 0) {
-        std::string launcher = self.parent_path() / "vclock/run";
-        setenv("QLX_SIM_ROOT", (options.out / "limit.device").c_str(), 1);
-        if (module == nullptr || chdir(options.dir.c_str()) != 0)
-            _exit(126);
-        execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--limit", module->name,
-              caseName.c_str(), file.c_str(), step.c_str(), lastGoodMs.c_str(), nullptr);
+    job->pid = fork();
+    if (job->pid != 0)
+        return;
+    std::string launcher = self.parent_path() / "vclock/run";
+    setenv("QLX_SIM_ROOT", (job->file.string() + ".device").c_str(), 1);
+    if (chdir(options.dir.c_str()) != 0)
         _exit(126);
-    }
-    waitpid(pid, nullptr, 0);
+    execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--limit", job->module->name,
+          job->testCase->name, job->file.c_str(), job->step.c_str(), job->lastGoodMs.c_str(),
+          nullptr);
+    _exit(126);
+}
+
+/** Whether the verdict turned exactly at the limit; prints where it did not. */
+bool judgeLimit(const LimitJob& job) {
     unsigned good = 99;
     unsigned bad = 99;
-    std::ifstream(file) >> good >> bad;
+    long long turnsAt = -1;
+    std::ifstream(job.file) >> good >> bad >> turnsAt;
     bool held = good == TC_SUCCESS && bad == TC_FAILURE;
     if (!held)
-        printf("LIMIT   %s %s: %u at %s ms, %u one later\n", caseName.c_str(), step.c_str(), good,
-               lastGoodMs.c_str(), bad);
+        printf("LIMIT   %s %s: %u at %s ms, %u one later; turns behind %lld ms\n",
+               job.testCase->name, job.step.c_str(), good, job.lastGoodMs.c_str(), bad, turnsAt);
     return held;
 }
 
-/** Lines: case, step, last good delay in milliseconds, what the limit is. */
+/** Runs each limit in a worker of its own. */
 bool holdLimits(const Options& options) {
-    std::ifstream file(options.limits);
-    unsigned held = 0;
-    unsigned missed = 0;
-    fs::create_directories(options.out);
-    for (std::string line; std::getline(file, line);) {
-        std::istringstream words(line);
-        std::string caseName, step, lastGoodMs;
-        if (line.empty() || line[0] == '#')
-            continue;
-        words >> caseName >> step >> lastGoodMs;
-        if (fnmatch(options.pattern.c_str(), caseName.c_str(), 0) != 0)
-            continue;
-        (holdsLimit(options, caseName, step, lastGoodMs) ? held : missed)++;
+    std::vector<LimitJob> all;
+    bool good = loadLimits(options, &all);
+    std::vector<LimitJob*> chosen;
+    for (LimitJob& job : all) {
+        if (fnmatch(options.pattern.c_str(), job.testCase->name, 0) == 0)
+            chosen.push_back(&job);
     }
-    printf("limits: %u turn at their millisecond, %u do not\n", held, missed);
-    return missed == 0 && held > 0;
+    fs::create_directories(options.out);
+    size_t started = 0;
+    unsigned running = 0;
+    unsigned missed = 0;
+    while (started < chosen.size() || running > 0) {
+        if (started < chosen.size() && running < options.jobs) {
+            startLimit(options, chosen[started++]);
+            running++;
+            continue;
+        }
+        pid_t pid = wait(nullptr);
+        for (const LimitJob* job : chosen) {
+            if (job->pid != pid)
+                continue;
+            running--;
+            missed += !judgeLimit(*job);
+        }
+    }
+    printf("limits: %zu turn at their millisecond, %u do not\n", chosen.size() - missed, missed);
+    return good && missed == 0 && !chosen.empty();
 }
 
 bool parse(int argc, char** argv, Options* options) {
@@ -711,6 +837,8 @@ bool parse(int argc, char** argv, Options* options) {
             options->out = fs::absolute(value);
         else if (word == "--exceptions")
             options->exceptions = fs::absolute(value);
+        else if (word == "--answers")
+            options->answers = fs::absolute(value);
         else if (word == "--limits")
             options->limits = fs::absolute(value);
         else if (word == "--module")
@@ -739,14 +867,15 @@ int main(int argc, char** argv) {
     std::vector<Exception> exceptions;
     if (!parse(argc, argv, &options)) {
         fputs(
-            "usage: torture --out DIR --exceptions FILE [--dir BENCH] [--module NAME]...\n"
-            "               [--name PATTERN] [--every N] [--jobs N] [--resume]\n"
+            "usage: torture --out DIR --exceptions FILE [--answers FILE] [--dir BENCH]\n"
+            "               [--module NAME]... [--name PATTERN] [--every N] [--jobs N] [--resume]\n"
             "Tortures the automatic cases: each recorded library call answered wrongly, each\n"
-            "callback dropped and changed. BENCH is a folder laid out by zkbench. --every N takes\n"
-            "each N-th case only. With --limits FILE in the place of the exceptions: each step of\n"
-            "FILE delayed to its limit and one millisecond beyond. The report is DIR/report.txt; "
-            "exit code 0 when nothing was\n"
-            "missed and all runs were clean.\n",
+            "callback dropped and changed. BENCH is a folder laid out by tools/torture_bench.sh.\n"
+            "--answers tells what is typed at cases that ask. --every N takes each N-th case "
+            "only.\n"
+            "With --limits FILE in the place of the exceptions: each step of FILE delayed to its\n"
+            "limit and one millisecond beyond. The report is DIR/report.txt; exit code 0 when\n"
+            "nothing was missed and all runs were clean.\n",
             stderr);
         return 2;
     }
