@@ -1,12 +1,15 @@
 // Makes workbooks record by record, and reads them whole.
 #include "workbook_maker.h"
 
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <string.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include "framework/workbook/biff.h"
 #include "framework/workbook/cfb.h"
@@ -188,9 +191,18 @@ std::string fileContent(const std::string& path) {
 }
 
 std::string temporaryPath(const std::string& name) {
-    static const std::string folder = [] {
-        std::string pattern = testing::TempDir() + "workbook_XXXXXX";
-        return std::string(mkdtemp(&pattern[0]));
-    }();
-    return folder + "/" + name;
+    /** A folder that goes with the process. */
+    struct Folder {
+        std::string path = testing::TempDir() + "workbook_XXXXXX";
+        Folder() {
+            if (mkdtemp(&path[0]) == nullptr)
+                throw std::system_error(errno, std::generic_category(), path);
+        }
+        ~Folder() {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+    };
+    static const Folder folder;
+    return folder.path + "/" + name;
 }

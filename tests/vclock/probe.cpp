@@ -885,7 +885,7 @@ static void pairOfProcesses() {
         _exit(0);
     }
     std::thread worker([&] {
-        for (int i = 0; i < 5000; i++) {
+        for (int i = 0; i < 20000; i++) {
             CHECK(write(ends[1], "1", 1) == 1);
             usleep(100000 + i % 7 * 1000);
         }

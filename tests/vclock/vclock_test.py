@@ -145,8 +145,12 @@ class Kills(unittest.TestCase):
     def test_kills_at_random_moments(self):
         moments = random.Random(11)
         outcomes = {"main": 0, "monitor": 0, "both": 0}
-        for i in range(60):
-            victim = ("main", "monitor", "both")[i % 3]
+        trials = 0
+        # Some programs are gone before their kill comes: a fast machine takes more trials.
+        while min(outcomes.values()) < 20:
+            trials += 1
+            self.assertLess(trials, 1000, outcomes)
+            victim = min(outcomes, key=outcomes.get)
             program = subprocess.Popen([RUN, PROBE, "pair_of_processes"], stdout=subprocess.PIPE,
                                        stderr=subprocess.DEVNULL, text=True,
                                        start_new_session=True)
@@ -159,16 +163,16 @@ class Kills(unittest.TestCase):
                     lives[pid] = os.pidfd_open(pid)
                 except ProcessLookupError:
                     pass
-            moment = moments.randrange(20000)
+            moment = moments.randrange(100000)
             for _ in range(moment):  # processor time, not the clock's
                 pass
             monitor = next((pid for pid in pids if pid != program.pid), None)
             targets = {"main": [program.pid], "monitor": [monitor],
                        "both": [program.pid, monitor]}[victim]
-            for pid in targets:
-                if pid in self.members(program.pid):
-                    os.kill(pid, signal.SIGKILL)
-                    outcomes[victim] += 1
+            alive = [pid for pid in targets if pid in self.members(program.pid)]
+            for pid in alive:
+                os.kill(pid, signal.SIGKILL)
+            outcomes[victim] += len(alive) == len(targets)
             out, _ = program.communicate(timeout=LIMIT)
             if program.returncode == 0:
                 self.assertIn("main: done", out)
@@ -178,8 +182,6 @@ class Kills(unittest.TestCase):
             for pid, life in lives.items():
                 self.assertTrue(select.select([life], [], [], LIMIT)[0], f"{pid} of {pids} stays")
                 os.close(life)
-        for victim, count in outcomes.items():
-            self.assertGreater(count, 5, victim)
 
 
 class Launcher(unittest.TestCase):
