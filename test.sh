@@ -3,15 +3,18 @@
 # Safe to repeat. Options:
 #     --quick     only the debug build and its tests
 #     --torture   also the whole torture run, some minutes
+#     --arm       also the device's architecture, in an emulator
 set -e
 cd "$(dirname "$0")"
 quick=
 torture=
+arm=
 for word in "$@"; do
     case $word in
     --quick) quick=1 ;;
     --torture) torture=1 ;;
-    *) sed -n '2,6p' "$0" >&2; exit 2 ;;
+    --arm) arm=1 ;;
+    *) sed -n '2,7p' "$0" >&2; exit 2 ;;
     esac
 done
 tools/setup.sh
@@ -44,4 +47,7 @@ ctest --preset debug -j "$jobs"
 if [ -n "$torture" ]; then
     build release
     tools/torture.sh
+fi
+if [ -n "$arm" ]; then
+    tools/arm.sh
 fi

@@ -178,7 +178,7 @@ int32_t createFilter(uint32_t number, FilterKind kind, uint32_t* handle) {
     DemuxFamily& family = demuxFamily();
     auto used = std::count_if(family.filters.begin(), family.filters.end(),
                               [&](const auto& entry) { return entry.second.demux == number; });
-    if (used >= filterNum())
+    if (static_cast<uint32_t>(used) >= filterNum())
         return QLX_DEMUX_ERR_NO_RESOURCE;
     *handle = ++family.lastHandle;
     Filter filter;

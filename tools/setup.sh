@@ -1,8 +1,9 @@
 #!/bin/sh
-# Installs the Debian packages that the build and the tests need and this machine lacks.
+# Installs the Debian packages that the build and the tests need and this machine lacks, or those of
+# another list: tools/setup.sh [LIST]
 # Asks nothing; needs root or sudo only when something is missing.
 set -e
-list=$(dirname "$0")/packages.txt
+list=${1:-$(dirname "$0")/packages.txt}
 missing=
 while read -r package; do
     [ -n "$package" ] || continue

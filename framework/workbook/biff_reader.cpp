@@ -28,8 +28,9 @@ struct xlsBookState {
     size_t sharedCount;
     size_t sharedCapacity;
     size_t sheetCapacity;
-    ByteBuffer units;  // the UTF-16 units of the string being read
-    ByteBuffer utf8;   // the same as UTF-8
+    uint16_t* units;  // the UTF-16 units of the string being read
+    size_t unitCapacity;
+    ByteBuffer utf8;  // the same as UTF-8
 };
 
 struct xlsSheetState {
@@ -134,15 +135,15 @@ bool skipBytes(Cursor* cursor, uint64_t count) {
 // Takes `count` characters as UTF-16 units into the book's buffer. A CONTINUE record in their
 // midst starts with an option byte of its own, which says how wide the rest of them is.
 xls_error_t takeUnits(xlsBookState* book, Cursor* cursor, size_t count, bool wide) {
-    book->units.size = 0;
-    if (!bufferReserve(&book->units, count * sizeof(uint16_t))) {
+    void* units = book->units;
+    if (!growArray(&units, &book->unitCapacity, count, sizeof(uint16_t))) {
         return LIBXLS_ERROR_MALLOC;
     }
-    uint16_t* units = reinterpret_cast<uint16_t*>(book->units.data);
+    book->units = static_cast<uint16_t*>(units);
     for (size_t i = 0; i < count;) {
         size_t width = wide ? 2 : 1;
         if (static_cast<size_t>(cursor->end - cursor->at) >= width) {
-            units[i++] = wide ? getLe16(cursor->at) : *cursor->at;
+            book->units[i++] = wide ? getLe16(cursor->at) : *cursor->at;
             cursor->at += width;
         } else if (cursor->at != cursor->end || !nextContinue(cursor)) {
             return LIBXLS_ERROR_PARSE;
@@ -177,8 +178,7 @@ xls_error_t takeWideString(xlsBookState* book, Cursor* cursor, unsigned lengthBy
         return LIBXLS_ERROR_MALLOC;
     }
     char* utf8 = reinterpret_cast<char*>(book->utf8.data);
-    const uint16_t* units = reinterpret_cast<const uint16_t*>(book->units.data);
-    *text = arenaCopy(arena, utf8, utf8FromUtf16(units, count, utf8));
+    *text = arenaCopy(arena, utf8, utf8FromUtf16(book->units, count, utf8));
     return *text != nullptr ? LIBXLS_OK : LIBXLS_ERROR_MALLOC;
 }
 
@@ -747,7 +747,7 @@ void xls_close_WB(xlsWorkBook* workbook) {
     }
     xlsBookState* state = workbook->state;
     bufferFree(&state->stream);
-    bufferFree(&state->units);
+    free(state->units);
     bufferFree(&state->utf8);
     arenaFree(&state->texts);
     free(state->shared);

@@ -74,7 +74,7 @@ class RecoveryTest(bench.BenchTest):
 
     def test_a_reboot_command_that_kills_one_process_or_both(self):
         # The program leads its process group; the monitor is its only child.
-        both = "main=$(ps -o pgid= -p $$); monitor=$(pgrep -P $main -x zktest)"
+        both = "main=$(ps -o pgid= -p $$); monitor=$(pgrep -P $main)"
         commands = {
             # The monitor survives: nobody is left to write, so it reboots each second until the
             # device is gone for good.

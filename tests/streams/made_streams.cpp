@@ -79,8 +79,8 @@ std::vector<PacketView> packetsOf(const Bytes& stream) {
 std::vector<ReceivedSection> sectionsOf(const Bytes& stream, unsigned pid) {
     static const int largest = 4096;
     // The library wants the buffer behind its own record.
-    std::vector<uint8_t> memory(sizeof(section_buf) + largest);
-    auto* buffer = reinterpret_cast<section_buf*>(memory.data());
+    std::vector<section_buf> memory(1 + largest / sizeof(section_buf) + 1);
+    section_buf* buffer = memory.data();
     section_buf_init(buffer, largest);
     std::vector<ReceivedSection> sections;
     size_t begun = 0;

@@ -318,11 +318,14 @@ static void fillSound(const AudioSpec& spec, const AVCodecContext* context, int6
     for (int n = 0; n < frame->nb_samples; n++) {
         for (int channel = 0; channel < spec.channels; channel++) {
             double value = toneAt(spec, context->sample_rate, first + n, channel);
-            if (context->sample_fmt == AV_SAMPLE_FMT_S16)
-                reinterpret_cast<int16_t*>(frame->data[0])[n * spec.channels + channel] =
+            // Planes come aligned for any sample.
+            const bool packed = context->sample_fmt == AV_SAMPLE_FMT_S16;
+            void* plane = frame->data[packed ? 0 : channel];
+            if (packed)
+                static_cast<int16_t*>(plane)[n * spec.channels + channel] =
                     static_cast<int16_t>(lrint(value * 32767));
             else
-                reinterpret_cast<float*>(frame->data[channel])[n] = static_cast<float>(value);
+                static_cast<float*>(plane)[n] = static_cast<float>(value);
         }
     }
 }
