@@ -59,65 +59,26 @@ static uint32_t judgeNull(const char* function, int line, int32_t ret) {
     return TC_FAILURE;
 }
 
-static uint32_t CRP_TestEncryOnNullInput() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(
-        __func__, __LINE__,
-        QLX_CryptoEncrypt(nullptr, t.output, sizeof t.input, &t.outputLength, &t.ctrl));
-}
-
-static uint32_t CRP_TestEncryOnNullOutput() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(__func__, __LINE__,
-                     QLX_CryptoEncrypt(t.input, nullptr, sizeof t.input, &t.outputLength, &t.ctrl));
-}
-
-static uint32_t CRP_TestEncryOnNullOutputLen() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(__func__, __LINE__,
-                     QLX_CryptoEncrypt(t.input, t.output, sizeof t.input, nullptr, &t.ctrl));
-}
-
-static uint32_t CRP_TestEncryOnNullCtrlInfo() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(
-        __func__, __LINE__,
-        QLX_CryptoEncrypt(t.input, t.output, sizeof t.input, &t.outputLength, nullptr));
-}
-
-static uint32_t CRP_TestDecryOnNullInput() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(
-        __func__, __LINE__,
-        QLX_CryptoDecrypt(nullptr, t.output, sizeof t.input, &t.outputLength, &t.ctrl));
-}
-
-static uint32_t CRP_TestDecryOnNullOutput() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(__func__, __LINE__,
-                     QLX_CryptoDecrypt(t.input, nullptr, sizeof t.input, &t.outputLength, &t.ctrl));
-}
-
-static uint32_t CRP_TestDecryOnNullOutputLen() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(__func__, __LINE__,
-                     QLX_CryptoDecrypt(t.input, t.output, sizeof t.input, nullptr, &t.ctrl));
-}
-
-static uint32_t CRP_TestDecryOnNullCtrlInfo() {
-    NullTest t;
-    prepareNullTest(&t);
-    return judgeNull(
-        __func__, __LINE__,
-        QLX_CryptoDecrypt(t.input, t.output, sizeof t.input, &t.outputLength, nullptr));
-}
+// clang-format off
+/** X(function, operation, input, output, output length, control) of the null family. */
+#define NULL_TESTS(X) \
+    X(CRP_TestEncryOnNullInput,     QLX_CryptoEncrypt, nullptr, t.output, &t.outputLength, &t.ctrl) \
+    X(CRP_TestEncryOnNullOutput,    QLX_CryptoEncrypt, t.input, nullptr,  &t.outputLength, &t.ctrl) \
+    X(CRP_TestEncryOnNullOutputLen, QLX_CryptoEncrypt, t.input, t.output, nullptr,         &t.ctrl) \
+    X(CRP_TestEncryOnNullCtrlInfo,  QLX_CryptoEncrypt, t.input, t.output, &t.outputLength, nullptr) \
+    X(CRP_TestDecryOnNullInput,     QLX_CryptoDecrypt, nullptr, t.output, &t.outputLength, &t.ctrl) \
+    X(CRP_TestDecryOnNullOutput,    QLX_CryptoDecrypt, t.input, nullptr,  &t.outputLength, &t.ctrl) \
+    X(CRP_TestDecryOnNullOutputLen, QLX_CryptoDecrypt, t.input, t.output, nullptr,         &t.ctrl) \
+    X(CRP_TestDecryOnNullCtrlInfo,  QLX_CryptoDecrypt, t.input, t.output, &t.outputLength, nullptr)
+// clang-format on
+#define NULL_TEST_FUNCTION(function, operation, input_, output_, length_, ctrl_)      \
+    static uint32_t function() {                                                      \
+        NullTest t;                                                                   \
+        prepareNullTest(&t);                                                          \
+        return judgeNull(__func__, __LINE__,                                          \
+                         operation(input_, output_, sizeof t.input, length_, ctrl_)); \
+    }
+NULL_TESTS(NULL_TEST_FUNCTION)
 
 // clang-format off
 /** X(function, mode) of the round trips. */
