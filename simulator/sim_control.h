@@ -18,6 +18,7 @@
  *     corrupt=OFFSET:XX  the byte at OFFSET of the data that the call or callback hands out is
  *                        exchanged for the hexadecimal XX
  *     scramble           every second bit of all of that data is inverted
+ *     blank              all of that data is 0
  *     drop               the callback does not come
  *     repeat=N           the callback comes N more times
  *

@@ -227,16 +227,11 @@ Call::Call(const char* function, const char* text, ...) : function_(function) {
         va_end(arguments);
     }
     takeOutsideEvents();
-    FaultEffect effect = faultsOn(function, text_);
-    sufferFaults(effect, format("%s(%s)", function_, text_.c_str()));
+    effect_ = faultsOn(function, text_);
+    sufferFaults(effect_, format("%s(%s)", function_, text_.c_str()));
     int64_t latency = latencyMs(function);
     if (latency > 0)
         sleepMs(latency);
-    refused_ = effect.refuse;
-    refusal_ = effect.code;
-    for (const FaultEffect::Corruption& change : effect.corruptions)
-        corruptions_.push_back({change.offset, change.value});
-    scramble_ = effect.scramble;
 }
 
 Call::~Call() {
@@ -247,8 +242,8 @@ Call::~Call() {
 
 int32_t Call::refusal() {
     traced_ = true;
-    traceLine(format("%s(%s)=%d refused by a fault", function_, text_.c_str(), refusal_));
-    return refusal_;
+    traceLine(format("%s(%s)=%d refused by a fault", function_, text_.c_str(), effect_.code));
+    return effect_.code;
 }
 
 void Call::note(const char* text, ...) {
@@ -259,11 +254,8 @@ void Call::note(const char* text, ...) {
 }
 
 void Call::output(void* data, size_t size) {
-    FaultEffect effect;
-    for (const auto& change : corruptions_)
-        effect.corruptions.push_back({change.first, change.second});
-    effect.scramble = scramble_;
-    corrupt(effect, data, size);
+    corrupt(effect_, data, size);
+    note(" out=%zu", size);
 }
 
 void Call::traceResult(int64_t code) {

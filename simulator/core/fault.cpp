@@ -83,11 +83,12 @@ static bool parseWord(const std::string& word, Fault* fault) {
     }
     if (key == "corrupt")
         return parseCorruption(value, &effect);
-    if (key == "hang" || key == "kill" || key == "drop" || key == "scramble") {
+    if (key == "hang" || key == "kill" || key == "drop" || key == "scramble" || key == "blank") {
         effect.hang = effect.hang || key == "hang";
         effect.kill = effect.kill || key == "kill";
         effect.drop = effect.drop || key == "drop";
         effect.scramble = effect.scramble || key == "scramble";
+        effect.blank = effect.blank || key == "blank";
         return equals == std::string::npos;
     }
     if (!parseNumber(value, 0, &number))
@@ -209,6 +210,7 @@ FaultEffect faultsOn(const char* name, const std::string& arguments) {
         all.kill = all.kill || one.kill;
         all.drop = all.drop || one.drop;
         all.scramble = all.scramble || one.scramble;
+        all.blank = all.blank || one.blank;
         all.repeat += one.repeat;
         all.corruptions.insert(all.corruptions.end(), one.corruptions.begin(),
                                one.corruptions.end());
@@ -217,11 +219,16 @@ FaultEffect faultsOn(const char* name, const std::string& arguments) {
 }
 
 void corrupt(const FaultEffect& effect, void* data, size_t size) {
-    for (size_t i = 0; effect.scramble && data != nullptr && i < size; i++)
-        static_cast<uint8_t*>(data)[i] ^= 0x55;
+    if (data == nullptr)
+        return;
+    uint8_t* bytes = static_cast<uint8_t*>(data);
+    for (size_t i = 0; effect.scramble && i < size; i++)
+        bytes[i] ^= 0x55;
+    if (effect.blank)
+        memset(bytes, 0, size);
     for (const FaultEffect::Corruption& change : effect.corruptions) {
-        if (data != nullptr && change.offset < size)
-            static_cast<uint8_t*>(data)[change.offset] = change.value;
+        if (change.offset < size)
+            bytes[change.offset] = change.value;
     }
 }
 

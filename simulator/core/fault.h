@@ -24,6 +24,7 @@ struct FaultEffect {
     };
     std::vector<Corruption> corruptions;
     bool scramble = false;
+    bool blank = false;
 };
 
 /** Parses a line and adds the fault; false, with the reason in `error`, for a line that is none. */
@@ -40,7 +41,7 @@ FaultEffect faultsOn(const char* name, const std::string& arguments);
 /** Reads the file that QLX_SIM_FAULTS names, once. */
 void loadFaultFile();
 
-/** Exchanges the bytes of `data` that lie within `size`, or for a scramble inverts bits of all. */
+/** Scrambles or blanks `size` bytes of `data`, then exchanges single ones that lie within. */
 void corrupt(const FaultEffect& effect, void* data, size_t size);
 
 /** Never returns: a call that hangs, or a process that dies. */

@@ -29,6 +29,8 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/core/fault.h"
+
 #define SIM_PRINTF(text, first) __attribute__((format(printf, text, first)))
 
 namespace sim {
@@ -44,14 +46,14 @@ class Call {
 
     /** Whether a fault refuses the call; the device then does nothing of it. */
     bool refused() const {
-        return refused_;
+        return effect_.refuse;
     }
     int32_t refusal();
 
     /** Adds what the call answered beside its code to the trace: " level=%d". */
     void note(const char* format, ...) SIM_PRINTF(2, 3);
 
-    /** Lets a fault alter `size` bytes that the call is about to hand out. */
+    /** Lets a fault alter `size` bytes that the call is about to hand out, and notes how many. */
     void output(void* data, size_t size);
 
     template <typename T>
@@ -66,12 +68,8 @@ class Call {
     const char* function_;
     std::string text_;
     std::string note_;
-    // Offsets and bytes that a fault exchanges in the call's output.
-    std::vector<std::pair<size_t, uint8_t>> corruptions_;
-    bool scramble_ = false;
-    bool refused_ = false;
+    FaultEffect effect_;
     bool traced_ = false;
-    int32_t refusal_ = 0;
 };
 
 #define SIM_ENTRY(...)                        \

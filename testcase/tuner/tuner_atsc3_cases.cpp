@@ -78,7 +78,7 @@ uint32_t tuner_t3Details(TunerRun* run) {
 }
 
 uint32_t tuner_t3Time(TunerRun* run) {
-    if (!lockFrame(run))
+    if (!lockFrame(run) || !checkDetailPipes(*run))
         return TC_FAILURE;
     for (int i = 0; i < TIME_READS; i++) {
         sleep(1);

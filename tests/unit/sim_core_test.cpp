@@ -76,6 +76,14 @@ TEST_F(SimCore, FaultsCorruptWhatACallHandsOut) {
     EXPECT_EQ(qlx_sim_add_fault("QLX_GPIOGetValue corrupt=0:5a corrupt=400:11"), 0);
     EXPECT_EQ(QLX_GPIOGetValue(3, &level), 0);
     EXPECT_EQ(level, 0x5a);
+    qlx_sim_clear_faults();
+    QLX_GPIOSetValue(3, 1);
+    qlx_sim_add_fault("QLX_GPIOGetValue call=1 scramble");
+    qlx_sim_add_fault("QLX_GPIOGetValue call=2 blank");
+    QLX_GPIOGetValue(3, &level);
+    EXPECT_EQ(level, 0x55555554);
+    QLX_GPIOGetValue(3, &level);
+    EXPECT_EQ(level, 0);
 }
 
 TEST_F(SimCore, LinesThatAreNoFaultsAreRefused) {
@@ -100,7 +108,7 @@ TEST_F(SimCore, TheRecordTellsCallsInOrder) {
     QLX_GPIODeInit();
     EXPECT_EQ(recordedCalls(),
               "QLX_GPIOInit()=0\nQLX_GPIOSetValue(pin=4 level=1)=0\n"
-              "QLX_GPIOGetValue(pin=4)=0 level=1\nQLX_GPIOSetValue(pin=4 level=2)=1052161\n");
+              "QLX_GPIOGetValue(pin=4)=0 out=4 level=1\nQLX_GPIOSetValue(pin=4 level=2)=1052161\n");
 }
 
 TEST_F(SimCore, JobsRunInTheOrderOfTheirTimes) {

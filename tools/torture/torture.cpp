@@ -2,10 +2,11 @@
 //
 // For each automatic case that passes on the simulated device: run it once and record its library
 // calls and callbacks; then run it once for each call with that call answered wrongly (a refusal
-// where it succeeded, a success where it was refused), and once for each callback with it dropped,
-// and with its payload changed. Each of these runs must turn the verdict to failure, leave the
-// device as it was before the case, and end within a bound of virtual time. What the rules of a
-// case ignore on purpose stands in the list of exceptions, each with its reason.
+// where it succeeded, a success where it was refused), once with what it hands out changed, and
+// once for each callback with it dropped, and with its payload changed. Each of these runs must
+// turn the verdict to failure, leave the device as it was before the case, and end within a bound
+// of virtual time. What the rules of a case ignore on purpose stands in the list of exceptions,
+// each with its reason.
 //
 // One worker process tortures one case, in virtual time, and writes its results as it goes; so a
 // crash or a run without an end costs one result and not the others, and a torture that was
@@ -55,19 +56,22 @@ struct Step {
     unsigned position;
     /** Which of those with its source, from 1. */
     unsigned nth;
-    /** "refuse", "accept", "drop" or "scramble". */
+    /** "refuse", "accept", "drop" or "garble". */
     std::string kind;
 
     std::string text() const {
         std::string whose = source.empty() ? "" : "(" + source + ")";
         return name + whose + "#" + std::to_string(nth) + " " + kind;
     }
-    std::string fault(const std::string& caseName) const {
+    /** The fault's line. `blank` garbles with zeros: where any value but none will do. */
+    std::string fault(const std::string& caseName, bool blank = false) const {
         std::string action = kind;
         if (kind == "refuse")
             action = "return=77";
         else if (kind == "accept")
             action = "return=0";
+        else if (kind == "garble")
+            action = blank ? "blank" : "scramble";
         std::string whose = source.empty() ? "" : " with=" + source;
         return name + " case=" + caseName + whose + " call=" + std::to_string(nth) + " " + action;
     }
@@ -250,7 +254,7 @@ std::vector<Step> planOf(const std::string& record) {
             if (open != std::string::npos && word.back() != ')')
                 step.source = word.substr(open + 1);
             step.nth = ++ofSource[name + step.source];
-            for (const char* kind : {"drop", "scramble"}) {
+            for (const char* kind : {"drop", "garble"}) {
                 step.kind = kind;
                 all.push_back(step);
             }
@@ -259,6 +263,11 @@ std::vector<Step> planOf(const std::string& record) {
             step.nth = step.position;
             step.kind = refused ? "accept" : "refuse";
             all.push_back(step);
+            // What the call hands out is told by its size.
+            if (line.find(" out=", result) != std::string::npos) {
+                step.kind = "garble";
+                all.push_back(step);
+            }
         }
     }
     std::vector<Step> plan;
@@ -333,11 +342,18 @@ int work(const std::string& moduleName, const std::string& caseName, const char*
     }
     int64_t bound = 2 * base.tookMs + 900 * 1000;
     for (unsigned i = firstStep; base.verdict == TC_SUCCESS && i < plan.size(); i++) {
-        std::string fault = plan[i].fault(caseName);
         fprintf(g_out, "step\t%u\t%s\t", i, plan[i].text().c_str());
         fflush(g_out);
-        Outcome run = runOnce(*module, *testCase, fault, bound);
-        bool leaking = run.heap > 0 && leaks(*module, *testCase, fault, bound);
+        Outcome run = {};
+        bool leaking = false;
+        for (bool blank : {false, true}) {
+            std::string fault = plan[i].fault(caseName, blank);
+            run = runOnce(*module, *testCase, fault, bound);
+            leaking = run.heap > 0 && leaks(*module, *testCase, fault, bound);
+            bool unclean = leaking || run.threads > 0 || !run.left.empty();
+            if (plan[i].kind != "garble" || run.verdict != TC_SUCCESS || unclean)
+                break;
+        }
         fprintf(g_out, "verdict=%u\tthreads=%u\theap=%s\tleft=%s\n", run.verdict, run.threads,
                 leaking ? "grows" : "steady", oneLine(run.left).c_str());
         fflush(g_out);
@@ -510,6 +526,22 @@ bool isDone(const fs::path& path) {
     return !lines.empty() && lines.back() == "done";
 }
 
+/** When the youngest file was written that a case's results depend on. */
+fs::file_time_type youngestInput(const Options& options) {
+    fs::path program = fs::read_symlink("/proc/self/exe");
+    std::vector<fs::path> inputs = {program, program.parent_path() / "libQlx.so", options.answers};
+    for (const auto& entry : fs::recursive_directory_iterator(options.dir / "config"))
+        inputs.push_back(entry.path());
+    fs::file_time_type youngest = fs::file_time_type::min();
+    std::error_code missing;
+    for (const fs::path& input : inputs) {
+        fs::file_time_type time = fs::last_write_time(input, missing);
+        if (!missing)
+            youngest = std::max(youngest, time);
+    }
+    return youngest;
+}
+
 /** After a worker's end: true when the case is through; else the step behind the one that ended the
  *  worker is next. */
 bool settle(Job* job, int status) {
@@ -566,9 +598,10 @@ void runJobs(const Options& options, std::vector<Job>* jobs) {
     std::vector<Job*> running;
     size_t total = jobs->size();
     size_t finished = 0;
+    const fs::file_time_type youngest = youngestInput(options);
     for (Job& job : *jobs) {
         fs::create_directories(job.file.parent_path());
-        if (options.resume && isDone(job.file)) {
+        if (options.resume && isDone(job.file) && fs::last_write_time(job.file) > youngest) {
             finished++;
             continue;
         }
@@ -869,8 +902,9 @@ int main(int argc, char** argv) {
         fputs(
             "usage: torture --out DIR --exceptions FILE [--answers FILE] [--dir BENCH]\n"
             "               [--module NAME]... [--name PATTERN] [--every N] [--jobs N] [--resume]\n"
-            "Tortures the automatic cases: each recorded library call answered wrongly, each\n"
-            "callback dropped and changed. BENCH is a folder laid out by tools/torture_bench.sh.\n"
+            "Tortures the automatic cases: each recorded library call answered wrongly, what it\n"
+            "hands out changed, each callback dropped and changed. BENCH is a folder laid out by\n"
+            "tools/torture_bench.sh.\n"
             "--answers tells what is typed at cases that ask. --every N takes each N-th case "
             "only.\n"
             "With --limits FILE in the place of the exceptions: each step of FILE delayed to its\n"
