@@ -339,6 +339,12 @@ TEST_F(TunerSatellite, AUnicableScanSteersByMessages) {
               "SetLnbPower(tuner=0 power=2)=0\n");
     EXPECT_GT(count(calls, "QLX_TunerSendDiseqcCommand(tuner=0 message=E0 10 5A"), 4u);
     EXPECT_EQ(count(calls, "state=2"), 0u);
+    for (const char* fault :
+         {"QLX_TunerSetLnbPower call=1 return=5", "QLX_TunerSetLnbPower call=2 return=5",
+          "QLX_TunerSetLnbPower call=3 return=5"}) {
+        EXPECT_EQ(runCase("TC_TUNER_DVBS_BlindScanTune_001", fault), FAIL) << fault;
+        EXPECT_EQ(deviceState(), "") << fault;
+    }
     for (const char* name : {"TC_TUNER_DVBS_UnicableTuning_001", "TC_TUNER_DVBS_Tuning_001",
                              "TC_TUNER_DVBS_BlindScanTune_003"}) {
         EXPECT_EQ(runCase(name), PASS) << name;
