@@ -26,8 +26,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "simulator/core/fault.h"
 

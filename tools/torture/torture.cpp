@@ -530,10 +530,10 @@ bool isDone(const fs::path& path) {
 fs::file_time_type youngestInput(const Options& options) {
     fs::path program = fs::read_symlink("/proc/self/exe");
     std::vector<fs::path> inputs = {program, program.parent_path() / "libQlx.so", options.answers};
-    for (const auto& entry : fs::recursive_directory_iterator(options.dir / "config"))
+    std::error_code missing;
+    for (const auto& entry : fs::recursive_directory_iterator(options.dir / "config", missing))
         inputs.push_back(entry.path());
     fs::file_time_type youngest = fs::file_time_type::min();
-    std::error_code missing;
     for (const fs::path& input : inputs) {
         fs::file_time_type time = fs::last_write_time(input, missing);
         if (!missing)
@@ -884,6 +884,11 @@ bool parse(int argc, char** argv, Options* options) {
             options->every = static_cast<unsigned>(std::max(1, atoi(value.c_str())));
         else
             return false;
+    }
+    std::error_code missing;
+    if (!fs::is_directory(options->dir / "config", missing)) {
+        fprintf(stderr, "torture: %s is no bench: it has no config\n", options->dir.c_str());
+        return false;
     }
     return !options->out.empty() && (!options->exceptions.empty() || !options->limits.empty());
 }
