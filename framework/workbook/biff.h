@@ -25,11 +25,13 @@ enum BiffRecord : uint16_t {
     BIFF_NUMBER = 0x0203,
     BIFF_LABEL = 0x0204,
     BIFF_BOOLERR = 0x0205,
+    BIFF_FORMULA3 = 0x0206,  // as earlier versions number it; some writers still do
     BIFF_STRING = 0x0207,
     BIFF_ROW = 0x0208,
     BIFF_WINDOW2 = 0x023E,
     BIFF_RK = 0x027E,
     BIFF_STYLE = 0x0293,
+    BIFF_FORMULA4 = 0x0406,
     BIFF_BOF = 0x0809
 };
 

@@ -28,6 +28,8 @@ struct xlsBookState {
     size_t sharedCount;
     size_t sharedCapacity;
     size_t sheetCapacity;
+    uint32_t* byPosition;  // the sheets that have records in the stream, by where these start
+    size_t positionCount;
     uint16_t* units;  // the UTF-16 units of the string being read
     size_t unitCapacity;
     ByteBuffer utf8;  // the same as UTF-8
@@ -250,6 +252,30 @@ xls_error_t readSheetEntry(xlsWorkBook* workbook, const Record* record) {
     return error;
 }
 
+// Puts the sheets in the order of their places in the stream, so that each finds its end at once.
+xls_error_t sortSheets(xlsWorkBook* workbook) {
+    const uint8_t basicModule = 6;  // lives in another stream, so its position means nothing
+    xlsBookState* book = workbook->state;
+    const xlsSheetEntry* entries = workbook->sheets.sheet;
+    uint32_t count = workbook->sheets.count;
+    book->byPosition = static_cast<uint32_t*>(calloc(count + size_t{1}, sizeof(uint32_t)));
+    if (book->byPosition == nullptr) {
+        return LIBXLS_ERROR_MALLOC;
+    }
+    for (uint32_t i = 0; i < count; i++) {
+        if (entries[i].type != basicModule) {
+            book->byPosition[book->positionCount++] = i;
+        }
+    }
+    std::sort(book->byPosition, book->byPosition + book->positionCount,
+              [entries](uint32_t a, uint32_t b) {
+                  return entries[a].filepos != entries[b].filepos
+                             ? entries[a].filepos < entries[b].filepos
+                             : a < b;
+              });
+    return LIBXLS_OK;
+}
+
 // Reads the stream's first part, up to its EOF.
 xls_error_t readGlobals(xlsWorkBook* workbook) {
     xlsBookState* book = workbook->state;
@@ -267,7 +293,7 @@ xls_error_t readGlobals(xlsWorkBook* workbook) {
         xls_error_t error = LIBXLS_OK;
         switch (record.id) {
             case BIFF_EOF:
-                return LIBXLS_OK;
+                return sortSheets(workbook);
             case BIFF_FILEPASS:
                 return LIBXLS_ERROR_UNSUPPORTED_ENCRYPTION;
             case BIFF_CODEPAGE:
@@ -441,6 +467,8 @@ xls_error_t readCell(xlsWorkSheet* sheet, const Record* record) {
         case BIFF_BOOLERR:
             return setBoolOrError(state, cell, data[6], data[7] != 0);
         case BIFF_FORMULA:
+        case BIFF_FORMULA3:
+        case BIFF_FORMULA4:
             return readFormula(state, data + 6, cell);
         case BIFF_LABELSST: {
             uint32_t index = getLe32(data + 6);
@@ -476,7 +504,8 @@ const CellReader kCellReaders[] = {
     {BIFF_LABELSST, 10, readCell},  {BIFF_ROW, 2, readRow},       {BIFF_RK, 10, readCell},
     {BIFF_NUMBER, 14, readCell},    {BIFF_LABEL, 8, readCell},    {BIFF_RSTRING, 8, readCell},
     {BIFF_BOOLERR, 8, readCell},    {BIFF_FORMULA, 14, readCell}, {BIFF_MULRK, 6, readManyRk},
-    {BIFF_MULBLANK, 6, readBlanks}, {BIFF_BLANK, 4, readBlanks},
+    {BIFF_MULBLANK, 6, readBlanks}, {BIFF_BLANK, 4, readBlanks},  {BIFF_FORMULA3, 14, readCell},
+    {BIFF_FORMULA4, 14, readCell},
 };
 
 xls_error_t readSheetRecord(xlsWorkSheet* sheet, const Record* record) {
@@ -518,23 +547,27 @@ xls_error_t readSheetRecords(xlsWorkSheet* sheet) {
 }
 
 // Finds the sheet's part of the stream. Sheets do not overlap; were they let, a small file could
-// keep the reader busy for hours by naming the same records thousands of times.
+// keep the reader busy for hours by naming the same records thousands of times. Of several that
+// start at one place the first has the records.
 void findExtent(const xlsWorkBook* workbook, uint32_t index, xlsSheetState* state) {
     const xlsSheetEntry* entries = workbook->sheets.sheet;
-    const uint8_t basicModule = 6;  // lives in another stream, so its position means nothing
-    state->start = entries[index].filepos;
-    state->end = state->book->stream.size;
-    for (uint32_t i = 0; i < workbook->sheets.count; i++) {
-        size_t other = entries[i].filepos;
-        if (entries[i].type == basicModule) {
-            continue;
-        }
-        if (other > state->start && other < state->end) {
-            state->end = other;
-        } else if (other == state->start && i < index) {
-            state->end = state->start;
-            return;
-        }
+    const xlsBookState* book = workbook->state;
+    const uint32_t* first = book->byPosition;
+    const uint32_t* end = first + book->positionCount;
+    size_t start = entries[index].filepos;
+    const uint32_t* same = std::lower_bound(
+        first, end, start,
+        [entries](uint32_t sheet, size_t place) { return entries[sheet].filepos < place; });
+    const uint32_t* next = std::upper_bound(
+        same, end, start,
+        [entries](size_t place, uint32_t sheet) { return place < entries[sheet].filepos; });
+    state->start = start;
+    state->end = book->stream.size;
+    if (next != end && entries[*next].filepos < state->end) {
+        state->end = entries[*next].filepos;
+    }
+    if (same != next && *same < index) {
+        state->end = start;
     }
 }
 
@@ -751,6 +784,7 @@ void xls_close_WB(xlsWorkBook* workbook) {
     bufferFree(&state->utf8);
     arenaFree(&state->texts);
     free(state->shared);
+    free(state->byPosition);
     free(state);
     free(workbook->sheets.sheet);
     free(workbook);

@@ -87,6 +87,11 @@ TEST(WorkbookReader, ReadsEveryKindOfCell) {
              formula(0, 3, empty) + formula(0, 4, text) + record(0x04BC, "shared") +
              record(BIFF_STRING, narrow("TC_A", 2)),
          {{{0, 0}, "7"}, {{0, 1}, "TRUE"}, {{0, 2}, "#N/A"}, {{0, 3}, ""}, {{0, 4}, "TC_A"}}},
+        {"formulas as versions 3 and 4 number them",
+         record(BIFF_FORMULA3, place(0, 0) + leDouble(3) + le16(0)) +
+             record(BIFF_FORMULA4, place(0, 1) + text + le16(0)) +
+             record(BIFF_STRING, narrow("TC_B", 2)),
+         {{{0, 0}, "3"}, {{0, 1}, "TC_B"}}},
         {"a STRING that belongs to no formula",
          formula(0, 0, text) + record(BIFF_BLANK, place(0, 1)) +
              record(BIFF_STRING, narrow("stray", 2)),
@@ -279,6 +284,33 @@ TEST(WorkbookReader, ReadsVersion5) {
     }
 }
 
+// Of two code pages the converter holds a letter back, since an accent may follow it.
+TEST(WorkbookReader, KeepsTheLastLetterOfEveryCodePage) {
+    const struct {
+        unsigned codePage;
+        std::string bytes;
+        std::string text;
+    } cases[] = {{1258, "N/A", "N/A"},
+                 {1258, "a\xCC", "\xC3\xA0"},      // à
+                 {1258, "a\xD2", "\xE1\xBA\xA3"},  // ả
+                 {1258, "a\xD2o", "\xE1\xBA\xA3o"},
+                 {1255, "\xE0", "\xD7\x90"},             // alef
+                 {1255, "\xF9\xD1", "\xEF\xAC\xAA"},     // shin with its dot
+                 {932, "a\x81", "a\xEF\xBF\xBD"},        // half of a pair
+                 {720, "\x98\xFF", "\xD8\xA1\xC2\xA0"},  // hamza, a blank
+                 {10006, "\xB0", "\xCE\x91"},            // alpha
+                 {10081, "\xDD", "\xC4\xB1"}};           // dotless i
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.codePage << " " << c.text);
+        const std::string label =
+            record(BIFF_LABEL, place(0, 0) + le16(static_cast<unsigned>(c.bytes.size())) + c.bytes);
+        ReadBook book = readBytes(compound(
+            stream(kV5, record(BIFF_CODEPAGE, le16(c.codePage)), {{"GPIO", label, 0}}), "Book"));
+        ASSERT_EQ(book.error, LIBXLS_OK);
+        EXPECT_EQ(book.sheets[0].texts, (Texts{{{0, 0}, c.text}}));
+    }
+}
+
 TEST(WorkbookReader, ReadsTheMiniStream) {
     for (size_t padding : {0, 1, 63, 64, 65, 1000, 3000}) {
         SCOPED_TRACE(padding);
@@ -337,6 +369,7 @@ TEST(WorkbookReader, DamageIsAnErrorOfItsSheet) {
         {"short LABELSST", record(BIFF_LABELSST, place(0, 0))},
         {"short NUMBER", record(BIFF_NUMBER, place(0, 0) + le32(0))},
         {"short FORMULA", record(BIFF_FORMULA, place(0, 0))},
+        {"short FORMULA of version 4", record(BIFF_FORMULA4, place(0, 0) + le32(0))},
         {"short ROW", record(BIFF_ROW, "a")},
         {"short MULBLANK", record(BIFF_MULBLANK, le32(0))},
         {"LABEL longer than its record",

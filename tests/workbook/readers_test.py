@@ -3,6 +3,7 @@ import os
 import subprocess
 import sys
 import tempfile
+import unicodedata
 import unittest
 
 import xlrd
@@ -81,6 +82,24 @@ class Readers(unittest.TestCase):
                 expected.append((name, max(rows - 1, 0), cells))
             book.save(self.path)
             self.assertEqual(dump(self.path), expected)
+
+    def test_code_pages(self):
+        # Where two tables of one page differ, both are in use: the delta or the increment, the
+        # maker's sign, and what became of the currency sign.
+        differ = {"mac_roman": (0xC6, 0xF0), "mac_cyrillic": (0xA2, 0xFF)}
+        pages = {number: f"cp{number}" for number in (
+            437, 720, 737, 775, 850, 852, 855, 857, 858, 860, 861, 862, 863, 864, 865, 866, 869,
+            874, 1250, 1251, 1252, 1253, 1254, 1255, 1256, 1257, 1258)}
+        pages.update({10000: "mac_roman", 10006: "mac_greek", 10007: "mac_cyrillic",
+                      10029: "mac_latin2", 10081: "mac_turkish"})
+        for number, codec in pages.items():
+            output = subprocess.run([TOOL, "codepage", str(number)], stdout=subprocess.PIPE,
+                                    check=True).stdout.decode("utf-8")
+            for byte, text in zip(range(0x20, 0x100), output.split("\n")):
+                with self.subTest(codec=codec, byte=hex(byte)):
+                    wanted = "x" + bytes([byte]).decode(codec, "replace")
+                    if byte not in differ.get(codec, ()):
+                        self.assertEqual(text, unicodedata.normalize("NFC", wanted))
 
     def test_kinds_of_cells_of_another_writer(self):
         book = xlwt.Workbook()

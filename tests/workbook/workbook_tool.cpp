@@ -3,6 +3,8 @@
 //   workbook_tool dump FILE                  one line a sheet and one a cell, tab-separated
 //   workbook_tool write FILE SHEETS ROWS     a report of so many sheets, with so many rows in all
 //   workbook_tool strings FILE LENGTH        texts of all kinds around the end of a record
+//   workbook_tool sheets COUNT               reads a workbook of so many sheets
+//   workbook_tool codepage PAGE              texts "x" and one byte, from 0x20 to 0xff, a line each
 //   workbook_tool seeds FOLDER               what the fuzz target starts from
 //   workbook_tool grow FILE                  saves a report after every row until it is killed, and
 //                                            prints the number of rows that are surely in the file
@@ -12,7 +14,9 @@
 
 #include <string>
 
+#include "framework/workbook/biff.h"
 #include "framework/workbook/cfb.h"
+#include "framework/workbook/text.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
 
@@ -119,6 +123,76 @@ static int writeStrings(const char* path, size_t length) {
     return result;
 }
 
+static void putRecord(std::string* stream, unsigned id, const std::string& content) {
+    for (unsigned half : {id, static_cast<unsigned>(content.size())}) {
+        *stream += {static_cast<char>(half), static_cast<char>(half >> 8)};
+    }
+    *stream += content;
+}
+
+static std::string fourBytes(uint32_t value) {
+    uint8_t bytes[4];
+    putLe32(bytes, value);
+    return {bytes, bytes + 4};
+}
+
+// More sheets than the writer makes, each with its own number in its first cell.
+static std::string sheetsStream(uint32_t count) {
+    const std::string sheetBof = {0, 6, kBiffWorksheet, 0};
+    std::string one;
+    putRecord(&one, BIFF_BOF, sheetBof);
+    putRecord(&one, BIFF_RK, std::string(10, 0));
+    putRecord(&one, BIFF_EOF, "");
+    const std::string position = std::string(2, 0) + std::string({1, 0, 'n'});
+    size_t entry = kBiffHeaderSize + 4 + position.size();
+    size_t start = 2 * kBiffHeaderSize + 4 + count * entry;
+    std::string stream;
+    putRecord(&stream, BIFF_BOF, {0, 6, kBiffGlobals, 0});
+    for (uint32_t i = 0; i < count; i++) {
+        putRecord(&stream, BIFF_BOUNDSHEET,
+                  fourBytes(static_cast<uint32_t>(start + i * one.size())) + position);
+    }
+    putRecord(&stream, BIFF_EOF, "");
+    for (uint32_t i = 0; i < count; i++) {
+        putRecord(&stream, BIFF_BOF, sheetBof);
+        putRecord(&stream, BIFF_RK, std::string(6, 0) + fourBytes(i << 2 | 2));
+        putRecord(&stream, BIFF_EOF, "");
+    }
+    return stream;
+}
+
+static int readManySheets(uint32_t count) {
+    const std::string stream = sheetsStream(count);
+    ByteBuffer file = {};
+    memcpy(cfbBeginFile(&file, stream.size()), stream.data(), stream.size());
+    cfbEndFile(&file, stream.size(), "Workbook");
+    xlsWorkBook* book = xls_open_buffer(file.data, file.size, "UTF-8", nullptr);
+    int result = book != nullptr && book->sheets.count == count ? 0 : 1;
+    for (uint32_t i = 0; i < count && result == 0; i++) {
+        xlsWorkSheet* sheet = xls_getWorkSheet(book, static_cast<int>(i));
+        const xlsCell* cell =
+            xls_parseWorkSheet(sheet) == LIBXLS_OK ? xls_cell(sheet, 0, 0) : nullptr;
+        if (cell == nullptr || cell->str != std::to_string(i)) {
+            fprintf(stderr, "sheet %u is not what was written\n", i);
+            result = 1;
+        }
+        xls_close_WS(sheet);
+    }
+    xls_close_WB(book);
+    bufferFree(&file);
+    return result;
+}
+
+static int printCodePage(unsigned codePage) {
+    StringArena texts = {};
+    for (unsigned byte = 0x20; byte < 0x100; byte++) {
+        const uint8_t bytes[] = {'x', static_cast<uint8_t>(byte)};
+        puts(utf8FromCodePage(codePage, bytes, sizeof bytes, &texts));
+    }
+    arenaFree(&texts);
+    return 0;
+}
+
 static int grow(const char* path) {
     workbook* book = xlsNewWorkbook();
     worksheet* sheet = nullptr;
@@ -181,12 +255,19 @@ int main(int argc, char** argv) {
     if (command == "strings" && argc == 4) {
         return writeStrings(argv[2], static_cast<size_t>(atoi(argv[3])));
     }
+    if (command == "sheets") {
+        return readManySheets(static_cast<uint32_t>(atoi(argv[2])));
+    }
+    if (command == "codepage") {
+        return printCodePage(static_cast<unsigned>(atoi(argv[2])));
+    }
     if (command == "seeds") {
         return writeSeeds(argv[2]);
     }
     if (command == "grow") {
         return grow(argv[2]);
     }
-    fprintf(stderr, "usage: workbook_tool dump|write|strings|seeds|grow FILE ...\n");
+    fprintf(stderr,
+            "usage: workbook_tool dump|write|strings|sheets|codepage|seeds|grow FILE|NUMBER ...\n");
     return 2;
 }
