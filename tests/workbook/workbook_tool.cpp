@@ -1,13 +1,5 @@
 // The workbook libraries as a program, for tests that compare them with other readers and writers.
-//
-//   workbook_tool dump FILE                  one line a sheet and one a cell, tab-separated
-//   workbook_tool write FILE SHEETS ROWS     a report of so many sheets, with so many rows in all
-//   workbook_tool strings FILE LENGTH        texts of all kinds around the end of a record
-//   workbook_tool sheets COUNT               reads a workbook of so many sheets
-//   workbook_tool codepage PAGE              texts "x" and one byte, from 0x20 to 0xff, a line each
-//   workbook_tool seeds FOLDER               what the fuzz target starts from
-//   workbook_tool grow FILE                  saves a report after every row until it is killed, and
-//                                            prints the number of rows that are surely in the file
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -19,6 +11,7 @@
 #include "framework/workbook/text.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
+#include "tools/common/options.h"
 
 static std::string escaped(const char* text) {
     std::string out;
@@ -244,30 +237,43 @@ static int writeSeeds(const std::string& folder) {
 }
 
 int main(int argc, char** argv) {
-    const std::string command = argc > 2 ? argv[1] : "";
-    if (command == "dump") {
-        return dump(argv[2]);
-    }
-    if (command == "write" && argc == 5) {
-        return write(argv[2], static_cast<unsigned>(atoi(argv[3])),
-                     static_cast<unsigned>(atoi(argv[4])));
-    }
-    if (command == "strings" && argc == 4) {
-        return writeStrings(argv[2], static_cast<size_t>(atoi(argv[3])));
-    }
-    if (command == "sheets") {
-        return readManySheets(static_cast<uint32_t>(atoi(argv[2])));
-    }
-    if (command == "codepage") {
-        return printCodePage(static_cast<unsigned>(atoi(argv[2])));
-    }
-    if (command == "seeds") {
-        return writeSeeds(argv[2]);
-    }
-    if (command == "grow") {
-        return grow(argv[2]);
-    }
-    fprintf(stderr,
-            "usage: workbook_tool dump|write|strings|sheets|codepage|seeds|grow FILE|NUMBER ...\n");
-    return 2;
+    std::string file;
+    unsigned sheets = 0;
+    unsigned rows = 0;
+    unsigned number = 0;
+    int result = 0;
+    CLI::App app("Drives the workbook reader and writer for their tests.", "workbook_tool");
+    app.require_subcommand(1);
+    auto onFile = [&](const char* name, const char* what) {
+        CLI::App* sub = app.add_subcommand(name, what);
+        sub->add_option("FILE", file)->required();
+        return sub;
+    };
+    auto needs = [](CLI::App* sub, const char* name, unsigned* value) {
+        sub->add_option(name, *value)->required()->check(wholeNumber(1, UINT_MAX));
+        return sub;
+    };
+    onFile("dump", "All sheets and cells of a workbook as text, tab-separated")->callback([&] {
+        result = dump(file.c_str());
+    });
+    CLI::App* report = onFile("write", "A report of so many sheets, with so many rows in all");
+    needs(needs(report, "SHEETS", &sheets), "ROWS", &rows)->callback([&] {
+        result = write(file.c_str(), sheets, rows);
+    });
+    CLI::App* strings = onFile("strings", "Texts of all kinds around the end of a record");
+    needs(strings, "LENGTH", &number)->callback([&] {
+        result = writeStrings(file.c_str(), number);
+    });
+    needs(app.add_subcommand("sheets", "Read a workbook of so many sheets"), "COUNT", &number)
+        ->callback([&] { result = readManySheets(number); });
+    needs(app.add_subcommand("codepage", "Texts \"x\" and one byte, from 0x20 to 0xff"), "PAGE",
+          &number)
+        ->callback([&] { result = printCodePage(number); });
+    onFile("seeds", "What the fuzz target starts from, into the folder FILE")->callback([&] {
+        result = writeSeeds(file);
+    });
+    onFile("grow", "A report saved after every row; prints how many rows are surely in it")
+        ->callback([&] { result = grow(file.c_str()); });
+    int code = readOptions(&app, argc, argv);
+    return code >= 0 ? code : result;
 }

@@ -16,6 +16,7 @@
 #include "framework/modules.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
+#include "tools/common/options.h"
 
 namespace {
 
@@ -181,69 +182,56 @@ void listCases(const Selection& selection) {
     }
 }
 
-void usage(FILE* out) {
-    fputs(
-        "usage: mkchecklist OUT.xls [options]\n"
-        "       mkchecklist --list [options]\n"
-        "Writes a checklist workbook for the cases of this build, or lists them, tab-separated:\n"
-        "module, number in the module, name, auto flag, description.\n"
-        "  --module NAME    only cases of this module; may be repeated\n"
-        "  --name PATTERN   only cases whose name matches, '*' and '?' as in a shell; may be\n"
-        "                   repeated\n"
-        "  --auto           only automatic cases\n"
-        "  --failed REPORT  only cases that an earlier report has as \"Fail\" or \"Block\"\n"
-        "  --long           mark also the cases that outlast the monitor's five minutes\n",
-        out);
-}
-
 bool knownModule(const std::string& name) {
     return std::any_of(std::begin(testModules), std::end(testModules),
                        [&](const TcModule* module) { return name == module->name; });
+}
+
+/** Takes only names of modules. */
+std::string checkModule(const std::string& name) {
+    return knownModule(name) ? std::string() : "there is no module " + name;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     Selection selection;
-    const char* out = nullptr;
+    std::string out;
+    std::string failed;
     bool list = false;
-    for (int i = 1; i < argc; i++) {
-        std::string word = argv[i];
-        bool hasValue = i + 1 < argc;
-        if (word == "--list") {
-            list = true;
-        } else if (word == "--auto") {
-            selection.automaticOnly = true;
-        } else if (word == "--long") {
-            selection.withLong = true;
-        } else if (word == "--help") {
-            usage(stdout);
-            return 0;
-        } else if (word == "--module" && hasValue) {
-            selection.modules.push_back(argv[++i]);
-            if (!knownModule(argv[i])) {
-                fprintf(stderr, "mkchecklist: there is no module %s\n", argv[i]);
-                return 2;
-            }
-        } else if (word == "--name" && hasValue) {
-            selection.patterns.push_back(argv[++i]);
-        } else if (word == "--failed" && hasValue) {
-            if (!readFailures(argv[++i], &selection))
-                return 1;
-        } else if (word[0] != '-' && out == nullptr) {
-            out = argv[i];
-        } else {
-            usage(stderr);
-            return 2;
-        }
+    CLI::App app(
+        "Writes a checklist workbook for the cases of this build, or lists them, tab-separated:\n"
+        "module, number in the module, name, auto flag, description.",
+        "mkchecklist");
+    CLI::Option* file = app.add_option("OUT.xls", out, "The workbook to write");
+    CLI::Option* listing = app.add_flag("--list", list, "List the cases instead");
+    file->excludes(listing);
+    app.add_option("--module", selection.modules, "Only cases of this module; may be repeated")
+        ->allow_extra_args(false)
+        ->check(checkModule)
+        ->type_name("NAME");
+    app.add_option("--name", selection.patterns,
+                   "Only cases whose name matches, '*' and '?' as in a shell; may be repeated")
+        ->allow_extra_args(false)
+        ->type_name("PATTERN");
+    app.add_flag("--auto", selection.automaticOnly, "Only automatic cases");
+    app.add_option("--failed", failed, "Only cases that this report has as \"Fail\" or \"Block\"")
+        ->type_name("REPORT")
+        ->check(readable());
+    app.add_flag("--long", selection.withLong,
+                 "Mark also the cases that outlast the monitor's five minutes");
+    int code = readOptions(&app, argc, argv);
+    if (code >= 0)
+        return code;
+    if (!list && out.empty()) {
+        fputs("mkchecklist: name the workbook to write, or --list\n", stderr);
+        return EXIT_USAGE;
     }
-    if (list == (out != nullptr)) {
-        usage(stderr);
-        return 2;
-    }
+    if (!failed.empty() && !readFailures(failed.c_str(), &selection))
+        return 1;
     if (list) {
         listCases(selection);
         return 0;
     }
-    return writeChecklist(out, selection);
+    return writeChecklist(out.c_str(), selection);
 }

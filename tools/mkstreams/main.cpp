@@ -6,7 +6,6 @@
  * has changed: the configuration, or this program.
  */
 #include <fnmatch.h>
-#include <getopt.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -19,6 +18,7 @@
 #include <string>
 #include <thread>
 
+#include "tools/common/options.h"
 #include "tools/mkstreams/maker.h"
 
 using namespace mkstreams;
@@ -39,41 +39,23 @@ struct Made {
     int64_t packetTicks;
 };
 
-static const char usage[] =
-    "usage: mkstreams --config DIR --out DIR [--only PATTERN] [--variants] [--quiet]\n"
-    "  --config DIR    the configuration tree; its folder common is read\n"
-    "  --out DIR       folder of the streams and of streams.cfg, made if need be\n"
-    "  --only PATTERN  make only files whose name matches, as the shell matches\n"
-    "  --variants      make the streams for tests too: damaged, discontinuous, ...\n"
-    "  --quiet         say nothing but what goes wrong\n";
-
-static bool readOptions(int argc, char** argv, Options* options) {
-    static const option longOptions[] = {
-        {"config", required_argument, nullptr, 'c'}, {"out", required_argument, nullptr, 'o'},
-        {"only", required_argument, nullptr, 'p'},   {"variants", no_argument, nullptr, 'v'},
-        {"quiet", no_argument, nullptr, 'q'},        {nullptr, 0, nullptr, 0}};
-    for (int found; (found = getopt_long(argc, argv, "", longOptions, nullptr)) != -1;) {
-        switch (found) {
-            case 'c':
-                options->config = optarg;
-                break;
-            case 'o':
-                options->out = optarg;
-                break;
-            case 'p':
-                options->only = optarg;
-                break;
-            case 'v':
-                options->variants = true;
-                break;
-            case 'q':
-                options->quiet = true;
-                break;
-            default:
-                return false;
-        }
-    }
-    return optind == argc && !options->config.empty() && !options->out.empty();
+/** Reads the options; -1 to go on, else what main returns. */
+static int readOptions(int argc, char** argv, Options* options) {
+    CLI::App app("Makes the transport streams of the configured line-up.", "mkstreams");
+    app.add_option("--config", options->config, "The configuration tree; its folder common is read")
+        ->type_name("DIR")
+        ->required();
+    app.add_option("--out", options->out,
+                   "Folder of the streams and of streams.cfg, made if need be")
+        ->type_name("DIR")
+        ->required();
+    app.add_option("--only", options->only,
+                   "Make only files whose name matches, '*' and '?' as in a shell")
+        ->type_name("PATTERN");
+    app.add_flag("--variants", options->variants,
+                 "Make the streams for tests too: damaged, discontinuous, ...");
+    app.add_flag("--quiet", options->quiet, "Say nothing but what goes wrong");
+    return readOptions(&app, argc, argv);
 }
 
 static std::string readFile(const fs::path& path) {
@@ -324,10 +306,9 @@ static bool writeManifest(const Run& run) {
 int main(int argc, char** argv) {
     Run run = {};
     run.good = true;
-    if (!readOptions(argc, argv, &run.options)) {
-        fputs(usage, stderr);
-        return 2;
-    }
+    int code = readOptions(argc, argv, &run.options);
+    if (code >= 0)
+        return code;
     std::string error;
     if (!readLineUp(run.options.config, &run.lineUp, &error)) {
         fprintf(stderr, "mkstreams: %s\n", error.c_str());

@@ -13,6 +13,7 @@
 // interrupted goes on where it stopped. docs/torture.md explains the report.
 #include <fcntl.h>
 #include <fnmatch.h>
+#include <limits.h>
 #include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
@@ -39,6 +40,7 @@
 #include "framework/tc_check.h"
 #include "platform/qlx_sys.h"
 #include "simulator/sim_control.h"
+#include "tools/common/options.h"
 
 namespace fs = std::filesystem;
 
@@ -854,43 +856,62 @@ bool holdLimits(const Options& options) {
     return good && missed == 0 && !chosen.empty();
 }
 
-bool parse(int argc, char** argv, Options* options) {
-    for (int i = 1; i < argc; i++) {
-        std::string word = argv[i];
-        if (word == "--resume") {
-            options->resume = true;
-            continue;
-        }
-        if (i + 1 >= argc)
-            return false;
-        std::string value = argv[++i];
-        if (word == "--dir")
-            options->dir = fs::absolute(value);
-        else if (word == "--out")
-            options->out = fs::absolute(value);
-        else if (word == "--exceptions")
-            options->exceptions = fs::absolute(value);
-        else if (word == "--answers")
-            options->answers = fs::absolute(value);
-        else if (word == "--limits")
-            options->limits = fs::absolute(value);
-        else if (word == "--module")
-            options->modules.push_back(value);
-        else if (word == "--name")
-            options->pattern = value;
-        else if (word == "--jobs")
-            options->jobs = static_cast<unsigned>(std::max(1, atoi(value.c_str())));
-        else if (word == "--every")
-            options->every = static_cast<unsigned>(std::max(1, atoi(value.c_str())));
-        else
-            return false;
+/** Reads the options; -1 to go on, else what main returns. */
+int parse(int argc, char** argv, Options* options) {
+    std::string dir = ".", out, exceptions, answers, limits;
+    CLI::App app(
+        "Tortures the automatic cases: each recorded library call answered wrongly, what it hands\n"
+        "out changed, each callback dropped and changed; or, with --limits, delays steps to their\n"
+        "limit and one millisecond beyond. The report is OUT/report.txt; the exit code is 0 when\n"
+        "nothing was missed and all runs were clean.",
+        "torture");
+    app.add_option("--out", out, "Folder of the results")->type_name("DIR")->required();
+    CLI::Option* excused =
+        app.add_option("--exceptions", exceptions, "What the rules of a case ignore on purpose")
+            ->type_name("FILE")
+            ->check(readable());
+    app.add_option("--limits", limits, "Hold the limits of this list instead")
+        ->type_name("FILE")
+        ->check(readable())
+        ->excludes(excused);
+    app.add_option("--answers", answers, "What is typed at cases that ask")
+        ->type_name("FILE")
+        ->check(readable());
+    app.add_option("--dir", dir, "Bench folder, as tools/torture_bench.sh lays it out (.)")
+        ->type_name("DIR");
+    app.add_option("--module", options->modules, "Only cases of this module; may be repeated")
+        ->allow_extra_args(false)
+        ->type_name("NAME");
+    app.add_option("--name", options->pattern, "Only cases whose name matches")
+        ->type_name("PATTERN");
+    app.add_option("--every", options->every, "Only each N-th of those")
+        ->type_name("N")
+        ->check(wholeNumber(1, UINT_MAX));
+    app.add_option("--jobs", options->jobs, "Workers at a time (2)")
+        ->type_name("N")
+        ->check(wholeNumber(1, UINT_MAX));
+    app.add_flag("--resume", options->resume, "Keep the results that are younger than the build");
+    int code = readOptions(&app, argc, argv);
+    if (code >= 0)
+        return code;
+    if (exceptions.empty() && limits.empty()) {
+        fputs("torture: --exceptions or --limits is required\n", stderr);
+        return EXIT_USAGE;
     }
+    auto absolute = [](const std::string& path) {
+        return path.empty() ? fs::path() : fs::absolute(path).lexically_normal();
+    };
+    options->dir = absolute(dir);
+    options->out = absolute(out);
+    options->exceptions = absolute(exceptions);
+    options->answers = absolute(answers);
+    options->limits = absolute(limits);
     std::error_code missing;
     if (!fs::is_directory(options->dir / "config", missing)) {
         fprintf(stderr, "torture: %s is no bench: it has no config\n", options->dir.c_str());
-        return false;
+        return EXIT_USAGE;
     }
-    return !options->out.empty() && (!options->exceptions.empty() || !options->limits.empty());
+    return -1;
 }
 
 }  // namespace
@@ -903,21 +924,9 @@ int main(int argc, char** argv) {
         return workOnLimit(argv[2], argv[3], argv[4], argv[5], strtoll(argv[6], nullptr, 10));
     Options options;
     std::vector<Exception> exceptions;
-    if (!parse(argc, argv, &options)) {
-        fputs(
-            "usage: torture --out DIR --exceptions FILE [--answers FILE] [--dir BENCH]\n"
-            "               [--module NAME]... [--name PATTERN] [--every N] [--jobs N] [--resume]\n"
-            "Tortures the automatic cases: each recorded library call answered wrongly, what it\n"
-            "hands out changed, each callback dropped and changed. BENCH is a folder laid out by\n"
-            "tools/torture_bench.sh.\n"
-            "--answers tells what is typed at cases that ask. --every N takes each N-th case "
-            "only.\n"
-            "With --limits FILE in the place of the exceptions: each step of FILE delayed to its\n"
-            "limit and one millisecond beyond. The report is DIR/report.txt; exit code 0 when\n"
-            "nothing was missed and all runs were clean.\n",
-            stderr);
-        return 2;
-    }
+    int code = parse(argc, argv, &options);
+    if (code >= 0)
+        return code;
     if (!options.limits.empty())
         return holdLimits(options) ? 0 : 1;
     if (!loadExceptions(options.exceptions, &exceptions))

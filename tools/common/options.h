@@ -1,0 +1,25 @@
+/* Reading of a tool's options: what all tools say and answer alike. */
+#ifndef TOOLS_COMMON_OPTIONS_H
+#define TOOLS_COMMON_OPTIONS_H
+
+#include <stdint.h>
+
+#include <CLI/CLI.hpp>
+
+/** What main returns after options that make no sense. */
+enum { EXIT_USAGE = 2 };
+
+/**
+ * Reads the command line into what `app` has been given.
+ * @return -1 to go on; else what main returns at once: 0 after --help, which has been printed on
+ *         standard output, EXIT_USAGE after a mistake, which has been named on standard error
+ */
+int readOptions(CLI::App* app, int argc, char** argv);
+
+/** Takes only paths that can be read; says why where one cannot. */
+CLI::Validator readable();
+
+/** Takes only decimal numbers from `least` to `most`. */
+CLI::Validator wholeNumber(uint64_t least, uint64_t most = UINT64_MAX);
+
+#endif
