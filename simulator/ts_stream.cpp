@@ -1,13 +1,13 @@
 // A transport stream file, indexed, and its time.
 #include "simulator/ts_stream.h"
 
-#include <bitstream/mpeg/pes.h>
 #include <bitstream/mpeg/ts.h>
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
+#include "simulator/ts_stamps.h"
 #include "simulator/ts_units.h"
 
 namespace sim {
@@ -19,7 +19,7 @@ constexpr size_t longPacketBytes = 204;
 constexpr uint64_t ticksPerSecond = 27000000;
 constexpr uint64_t ticksPerUs = 27;
 constexpr uint64_t ticksPerStamp = 300;
-constexpr uint64_t stampRange = UINT64_C(1) << 33;
+constexpr uint64_t clockRange = (UINT64_C(1) << 33) * 300;
 /** 8 Mbit/s, for a stream that has no clock of its own. */
 constexpr uint32_t defaultTicks = 5076;
 
@@ -45,25 +45,9 @@ uint64_t clockOf(const uint8_t* packet) {
 }
 
 void moveClock(uint8_t* packet, uint64_t ticks) {
-    uint64_t clock = (clockOf(packet) + ticks) % (stampRange * ticksPerStamp);
+    uint64_t clock = (clockOf(packet) + ticks) % clockRange;
     tsaf_set_pcr(packet, clock / ticksPerStamp);
     tsaf_set_pcrext(packet, static_cast<uint16_t>(clock % ticksPerStamp));
-}
-
-/** Moves the time stamps of a PES header that lies whole in the payload. */
-void moveStamps(uint8_t* pes, size_t size, uint64_t stamps) {
-    if (size < PES_HEADER_SIZE_PTS || !pes_validate(pes) || !pes_validate_header(pes))
-        return;
-    if (pes_has_pts(pes) && pes_get_headerlength(pes) >= 5)
-        pes_set_pts(pes, (pes_get_pts(pes) + stamps) % stampRange);
-    if (pes_has_dts(pes) && pes_get_headerlength(pes) >= 10 && size >= PES_HEADER_SIZE_PTSDTS)
-        pes_set_dts(pes, (pes_get_dts(pes) + stamps) % stampRange);
-}
-
-/** Stream ids whose packets have the optional PES header (ISO/IEC 13818-1, table 2-21). */
-bool hasStamps(uint8_t streamId) {
-    return streamId == PES_STREAM_ID_PRIVATE_1 || streamId == 0xfd ||
-           (streamId >= PES_STREAM_ID_AUDIO_MPEG && streamId <= 0xef);
 }
 
 }  // namespace
@@ -74,6 +58,7 @@ TsStream::TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
     splitPackets(std::move(content));
     indexPackets();
     packetTicks_ = packetTicks != 0 ? packetTicks : measuredTicks();
+    indexCutHeaders();
     for (const TsTableChange& change : changes)
         changeTable(change);
 }
@@ -132,6 +117,20 @@ void TsStream::indexPackets() {
     for (size_t pid = 0; pid < tsPidCount; pid++) {
         if (counted[pid])
             continuityStep_[pid] = (lastCounter[pid] - firstCounter[pid] + 1) & 0xf;
+    }
+}
+
+void TsStream::indexCutHeaders() {
+    for (uint16_t pid = 0; pid < tsNullPid; pid++) {
+        if (byPid_[pid].empty())
+            continue;
+        walk<TsCutHeaderAssembler>(pid, [&](const TsCutHeader& header) {
+            for (const TsCutHeader::Part& part : header.parts)
+                headerParts_[static_cast<uint32_t>(part.number % packetCount_)] = {
+                    cutHeaders_.size(), part.at, part.from, part.size,
+                    static_cast<uint8_t>(part.number / packetCount_)};
+            cutHeaders_.push_back(header.bytes);
+        });
     }
 }
 
@@ -235,7 +234,7 @@ void TsStream::walk(uint16_t pid, Take take) const {
             if (loop > 0 && (!assembler.isOpen() || assembler.openSince() >= packetCount_))
                 return;
             copyPacket(number, bytes);
-            assembler.push(readTsPacket(bytes), number, [&](const TsUnit& unit) {
+            assembler.push(readTsPacket(bytes), number, [&](const typename Assembler::Unit& unit) {
                 if (unit.first < packetCount_)
                     take(unit);
             });
@@ -284,12 +283,29 @@ void TsStream::copyPacket(uint64_t number, uint8_t* out) const {
     ts_set_cc(out, counter);
     if (carriesClock(out))
         moveClock(out, ticks);
+    if (moveCutStamps(static_cast<uint32_t>(number % packetCount_), loop, out))
+        return;
     TsPacket view = readTsPacket(out);
     if (!view.unitStart || view.scrambled || view.payload == nullptr)
         return;
-    uint8_t* payload = out + (view.payload - out);
-    if (view.payloadBytes > PES_HEADER_SIZE && hasStamps(pes_get_streamid(payload)))
-        moveStamps(payload, view.payloadBytes, ticks / ticksPerStamp);
+    size_t end = stampsEnd(view.payload, view.payloadBytes);
+    if (end != 0 && end <= view.payloadBytes)
+        moveStamps(out + (view.payload - out), ticks / ticksPerStamp);
+}
+
+/** Moves the stamps, or parts of stamps, of a cut header in a packet. Returns whether it has any.
+ */
+bool TsStream::moveCutStamps(uint32_t place, uint64_t loop, uint8_t* out) const {
+    auto found = headerParts_.find(place);
+    if (found == headerParts_.end())
+        return false;
+    const HeaderPart& part = found->second;
+    std::vector<uint8_t> header = cutHeaders_[part.header];
+    header.resize(maxStampsEnd);
+    uint64_t ticks = (loop - part.loopsAgo) * packetCount_ * packetTicks_;
+    moveStamps(header.data(), ticks / ticksPerStamp);
+    memcpy(out + part.at, &header[part.from], part.size);
+    return true;
 }
 
 std::vector<uint8_t> TsStream::pesBytes(uint16_t pid, const TsSpan& span, uint64_t loop) const {

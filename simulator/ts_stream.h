@@ -94,6 +94,7 @@ class TsStream {
  private:
     void splitPackets(std::vector<uint8_t> content);
     void indexPackets();
+    void indexCutHeaders();
     void changeTable(const TsTableChange& change);
     void overwrite(uint16_t pid, const TsUnit& unit, const std::vector<uint8_t>& bytes);
     uint32_t measuredTicks() const;
@@ -102,6 +103,7 @@ class TsStream {
     }
     template <typename Assembler, typename Take>
     void walk(uint16_t pid, Take take) const;
+    bool moveCutStamps(uint32_t place, uint64_t loop, uint8_t* out) const;
 
     // The packets, without what was between them.
     std::vector<uint8_t> data_;
@@ -110,6 +112,18 @@ class TsStream {
     std::vector<std::vector<uint32_t>> byPid_;
     // How far a loop moves the continuity counter of each PID.
     std::vector<uint8_t> continuityStep_;
+
+    /** What a packet holds of a PES header that it shares with others. */
+    struct HeaderPart {
+        size_t header; /**< in cutHeaders_ */
+        uint8_t at;    /**< as TsCutHeader::Part */
+        uint8_t from;
+        uint8_t size;
+        uint8_t loopsAgo; /**< 1: the header began in the loop before */
+    };
+    std::vector<std::vector<uint8_t>> cutHeaders_;
+    // By the packet's place.
+    std::map<uint32_t, HeaderPart> headerParts_;
 
     mutable std::mutex mutex_;
     mutable std::map<uint16_t, std::unique_ptr<TsSections>> sections_;

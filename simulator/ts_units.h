@@ -32,6 +32,8 @@ using TsUnitSink = std::function<void(const TsUnit&)>;
 /** Sections of one PID. */
 class TsSectionAssembler {
  public:
+    using Unit = TsUnit;
+
     /** Takes the next packet of the PID, and tells the sections that it completes. */
     void push(const TsPacket& packet, uint64_t number, const TsUnitSink& sink);
 
@@ -57,6 +59,8 @@ class TsSectionAssembler {
 /** PES packets of one PID. One of unknown length is whole when the next begins. */
 class TsPesAssembler {
  public:
+    using Unit = TsUnit;
+
     void push(const TsPacket& packet, uint64_t number, const TsUnitSink& sink);
 
     bool isOpen() const {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <random>
+#include <set>
 
 #include "simulator/demux_state.h"
 #include "simulator/ts_stream.h"
@@ -330,6 +331,82 @@ TEST(SimDemuxStream, ClocksStampsAndCountersRunOnFromLoopToLoop) {
                        pes[12] << 7 | pes[13] >> 1;
         uint64_t expected = (UINT64_C(1) << 33) - 3000 + (number % 6 - 1) * 600 + loop * 270;
         EXPECT_EQ(pts, expected % (UINT64_C(1) << 33)) << number;
+    }
+}
+
+/** A PES packet with both stamps, and 20 bytes of data. */
+Bytes makePesOfPicture(uint64_t pts, uint64_t dts) {
+    Bytes pes = makePes(pts, 14, false);
+    Bytes later = makePes(dts, 34, false);
+    pes[7] = 0xc0;
+    pes[8] = 10;
+    pes[9] |= 0x10;
+    later[9] = static_cast<uint8_t>((later[9] & 0x0f) | 0x10);
+    pes.insert(pes.end(), later.begin() + 9, later.end());
+    pes[3] = 0xe0;
+    return pes;
+}
+
+/** Packets of the PID played from number `turn` of them on, each sent `times` times. */
+Bytes turned(const Bytes& packets, size_t turn, size_t times) {
+    Bytes out;
+    size_t count = packets.size() / 188;
+    for (size_t i = 0; i < count * times; i++) {
+        auto from = packets.begin() + static_cast<long>((i / times + turn) % count * 188);
+        out.insert(out.end(), from, from + 188);
+        uint8_t& counter = out[out.size() - 188 + 3];
+        counter = static_cast<uint8_t>((counter & 0xf0) | (i / times & 0xf));
+    }
+    return out;
+}
+
+/** The PES packets of both stamps and the packets themselves, loop for loop. */
+void expectStampsToRunOn(const Bytes& packets, size_t turn, size_t times, uint64_t pts,
+                         uint64_t dts) {
+    // A packet lasts 90 units of the stamps. Before the turn, the last packet is the second PES packet.
+    sim::TsStream stream(turned(packets, turn, times), 300 * 90);
+    size_t count = packets.size() / 188;
+    ASSERT_EQ(stream.pesOf(pid).size(), 2u);
+    for (const sim::TsSpan& span : stream.pesOf(pid)) {
+        uint64_t later = span.first == (2 * count - 1 - turn) % count * times ? 3600 : 0;
+        for (uint64_t loop : {0, 1, 9}) {
+            uint64_t moved = later + loop * stream.packetCount() * 90;
+            EXPECT_EQ(stream.pesBytes(pid, span, loop), makePesOfPicture(pts + moved, dts + moved))
+                << "loop " << loop;
+        }
+    }
+    for (uint64_t number = 0; times == 2 && number < 4 * stream.packetCount(); number += 2) {
+        Bytes first(188);
+        Bytes again(188);
+        stream.copyPacket(number, first.data());
+        stream.copyPacket(number + 1, again.data());
+        EXPECT_EQ(first, again) << number;
+    }
+}
+
+TEST(SimDemuxStream, StampsRunOnWhereverTheirHeaderIsCut) {
+    const uint64_t pts = 9000;
+    const uint64_t dts = 5400;
+    const Bytes pes = makePesOfPicture(pts, dts);
+    // Cut in up to two places; at 0 not at all.
+    const size_t cuts[] = {0, 1, 3, 4, 6, 8, 9, 11, 13, 14, 17, 18, 19};
+    for (size_t one : cuts) {
+        for (size_t two : cuts) {
+            std::set<size_t> ends = {one, two, pes.size()};
+            ends.erase(0);
+            StreamMaker maker;
+            size_t from = 0;
+            for (size_t end : ends) {
+                maker.packet(pid, from == 0, Bytes(&pes[from], pes.data() + end));
+                from = end;
+            }
+            maker.pes(pid, makePesOfPicture(pts + 3600, dts + 3600));
+            for (size_t turn = 0; turn < maker.count && one <= two; turn++) {
+                SCOPED_TRACE(testing::Message() << "cut " << one << ' ' << two << " turn " << turn);
+                expectStampsToRunOn(maker.bytes, turn, 1, pts, dts);
+                expectStampsToRunOn(maker.bytes, turn, 2, pts, dts);
+            }
+        }
     }
 }
 
