@@ -12,6 +12,14 @@
 #include "platform/qlx_demux.h"
 #include "simulator/core/sim.h"
 #include "simulator/families.h"
+#include "simulator/source_record.h"
+
+namespace sim {
+
+SIM_RECORD(QLX_CITsConfig, SIM_MEMBER(QLX_CITsConfig, eMode), SIM_MEMBER(QLX_CITsConfig, stSource),
+           SIM_MEMBER(QLX_CITsConfig, eSinkType), SIM_MEMBER(QLX_CITsConfig, uSinkIndex))
+
+}  // namespace sim
 
 namespace {
 
@@ -49,14 +57,14 @@ bool isPath(const QLX_CITsConfig& path) {
 }  // namespace
 
 int32_t QLX_CIInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = true;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_CIDeInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     closeAll(state());
     SIM_RETURN(QLX_SUCCESS);
@@ -96,9 +104,7 @@ int32_t QLX_CISetSrcType(uint32_t eSourceType) {
 }
 
 int32_t QLX_CISetTsConfig(uint32_t eSlot, const QLX_CITsConfig* pstConfig) {
-    SIM_ENTRY("slot=%d mode=%d sink=%d", static_cast<int>(eSlot),
-              pstConfig != nullptr ? static_cast<int>(pstConfig->eMode) : -1,
-              pstConfig != nullptr ? static_cast<int>(pstConfig->uSinkIndex) : -1);
+    SIM_ENTRY("slot=%d config=%s", static_cast<int>(eSlot), sim::show(pstConfig).c_str());
     std::lock_guard<std::mutex> lock(state().mutex);
     if (eSlot >= QLX_CI_SLOT_MAX || pstConfig == nullptr || !isPath(*pstConfig))
         SIM_RETURN(QLX_CI_ERR_INVALID_PARA);

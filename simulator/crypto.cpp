@@ -15,6 +15,14 @@
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
 
+namespace sim {
+
+SIM_RECORD(QLX_CryptoCtrl, SIM_MEMBER(QLX_CryptoCtrl, mode), SIM_MEMBER(QLX_CryptoCtrl, key),
+           SIM_MEMBER(QLX_CryptoCtrl, keyLength), SIM_MEMBER(QLX_CryptoCtrl, iv),
+           SIM_MEMBER(QLX_CryptoCtrl, ivLength))
+
+}  // namespace sim
+
 namespace {
 
 struct Mode {
@@ -131,7 +139,21 @@ bool transform(const Operation& op, const Mode& mode, const EVP_CIPHER* cipher) 
     return good;
 }
 
-int32_t run(const Operation& op) {
+/** The arguments for the trace. */
+std::string shown(const Operation& op) {
+    std::string room = op.outputLength == nullptr ? "null" : std::to_string(*op.outputLength);
+    std::string out = sim::format(
+        "ctrl=%s input=%s output=%s length=%u room=%s", sim::show(op.ctrl).c_str(),
+        sim::showBytes(op.input, op.inputLength, op.outputLength ? *op.outputLength : 0).c_str(),
+        op.input == op.output && op.input != nullptr ? "input" : sim::showPointer(op.output),
+        op.inputLength, room.c_str());
+    if (op.ctrl != nullptr)
+        out += " key=" + sim::showBytes(op.ctrl->key, op.ctrl->keyLength, largestKey) +
+               " iv=" + sim::showBytes(op.ctrl->iv, op.ctrl->ivLength, largestIv);
+    return out;
+}
+
+int32_t run(const Operation& op, sim::Call& call) {
     if (op.input == nullptr || op.output == nullptr || op.outputLength == nullptr ||
         op.ctrl == nullptr)
         return QLX_CRYPTO_ERR_INVALID_PARA;
@@ -143,6 +165,8 @@ int32_t run(const Operation& op) {
     if (!transform(op, mode, engine().ciphers[op.ctrl->mode]))
         return QLX_FAILED;
     *op.outputLength = op.inputLength;
+    call.output({sim::bytesValue("output", op.output, op.inputLength),
+                 sim::marked("length", op.outputLength)});
     return QLX_SUCCESS;
 }
 
@@ -155,20 +179,14 @@ uint32_t QLX_CryptoModeSupported(uint32_t mode) {
 
 int32_t QLX_CryptoEncrypt(const uint8_t* input, uint8_t* output, uint32_t inputLength,
                           uint32_t* outputLength, const QLX_CryptoCtrl* ctrl) {
-    SIM_ENTRY("mode=%d length=%u", ctrl == nullptr ? -1 : static_cast<int>(ctrl->mode),
-              inputLength);
-    int32_t code = run({true, input, output, inputLength, outputLength, ctrl});
-    if (code == QLX_SUCCESS)
-        simCall.output(output, *outputLength);
-    SIM_RETURN(code);
+    Operation op = {true, input, output, inputLength, outputLength, ctrl};
+    SIM_ENTRY("%s", shown(op).c_str());
+    SIM_RETURN(run(op, simCall));
 }
 
 int32_t QLX_CryptoDecrypt(const uint8_t* input, uint8_t* output, uint32_t inputLength,
                           uint32_t* outputLength, const QLX_CryptoCtrl* ctrl) {
-    SIM_ENTRY("mode=%d length=%u", ctrl == nullptr ? -1 : static_cast<int>(ctrl->mode),
-              inputLength);
-    int32_t code = run({false, input, output, inputLength, outputLength, ctrl});
-    if (code == QLX_SUCCESS)
-        simCall.output(output, *outputLength);
-    SIM_RETURN(code);
+    Operation op = {false, input, output, inputLength, outputLength, ctrl};
+    SIM_ENTRY("%s", shown(op).c_str());
+    SIM_RETURN(run(op, simCall));
 }

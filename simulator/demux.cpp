@@ -28,9 +28,13 @@
 #include "simulator/core/sim.h"
 #include "simulator/demux_state.h"
 #include "simulator/families.h"
+#include "simulator/source_record.h"
 #include "simulator/ts_broadcast.h"
 
 namespace sim {
+
+SIM_RECORD(QLX_DemuxCapability, SIM_MEMBER(QLX_DemuxCapability, FilterNum),
+           SIM_MEMBER(QLX_DemuxCapability, uReserved))
 
 namespace {
 
@@ -305,14 +309,14 @@ bool demuxControl(const std::string& event) {
 }  // namespace sim
 
 int32_t QLX_DemuxInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(sim::demuxFamily().mutex);
     sim::demuxFamily().initialised = true;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_DemuxDeInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     sim::closeAll();
     SIM_RETURN(QLX_SUCCESS);
 }
@@ -370,9 +374,7 @@ int32_t QLX_DemuxStop(uint32_t eDemuxId) {
 }
 
 int32_t QLX_DemuxConnectSource(uint32_t eDemuxId, const QLX_Source* pstSource) {
-    SIM_ENTRY("demux=%d source=%d %d", static_cast<int>(eDemuxId),
-              pstSource != nullptr ? static_cast<int>(pstSource->eSourceType) : -1,
-              pstSource != nullptr ? static_cast<int>(pstSource->uSourceIndex) : -1);
+    SIM_ENTRY("demux=%d source=%s", static_cast<int>(eDemuxId), sim::show(pstSource).c_str());
     {
         std::lock_guard<std::mutex> lock(sim::demuxFamily().mutex);
         if (eDemuxId >= sim::demuxCount || pstSource == nullptr)
@@ -390,7 +392,7 @@ int32_t QLX_DemuxConnectSource(uint32_t eDemuxId, const QLX_Source* pstSource) {
 }
 
 int32_t QLX_DemuxGetSourceConnection(uint32_t eDemuxId, QLX_Source* pstSource) {
-    SIM_ENTRY("demux=%d", static_cast<int>(eDemuxId));
+    SIM_ENTRY("demux=%d source=%s", static_cast<int>(eDemuxId), sim::showPointer(pstSource));
     std::lock_guard<std::mutex> lock(sim::demuxFamily().mutex);
     if (pstSource == nullptr)
         SIM_RETURN(QLX_DEMUX_ERR_INVALID_PARA);
@@ -398,13 +400,13 @@ int32_t QLX_DemuxGetSourceConnection(uint32_t eDemuxId, QLX_Source* pstSource) {
     if (refusal != QLX_SUCCESS)
         SIM_RETURN(refusal);
     *pstSource = sim::demuxFamily().demuxes[eDemuxId].source;
-    simCall.output(pstSource, sizeof *pstSource);
-    simCall.note(" source=%u %u", pstSource->eSourceType, pstSource->uSourceIndex);
+    simCall.output({sim::value("source", pstSource)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_DemuxGetCapability(uint32_t eDemuxId, QLX_DemuxCapability* pstCapability) {
-    SIM_ENTRY("demux=%d", static_cast<int>(eDemuxId));
+    SIM_ENTRY("demux=%d capability=%s", static_cast<int>(eDemuxId),
+              sim::showPointer(pstCapability));
     std::lock_guard<std::mutex> lock(sim::demuxFamily().mutex);
     if (pstCapability == nullptr)
         SIM_RETURN(QLX_DEMUX_ERR_INVALID_PARA);
@@ -413,31 +415,30 @@ int32_t QLX_DemuxGetCapability(uint32_t eDemuxId, QLX_DemuxCapability* pstCapabi
         SIM_RETURN(refusal);
     *pstCapability = {};
     pstCapability->FilterNum = sim::filterNum();
-    simCall.output(pstCapability, sizeof *pstCapability);
-    simCall.note(" FilterNum=%u", pstCapability->FilterNum);
+    simCall.output({sim::value("capability", pstCapability)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_DemuxCreateSectionFilter(uint32_t eDemuxId, uint32_t* phFilter) {
-    SIM_ENTRY("demux=%d", static_cast<int>(eDemuxId));
+    SIM_ENTRY("demux=%d filter=%s", static_cast<int>(eDemuxId), sim::showPointer(phFilter));
     int32_t result = sim::createFilter(eDemuxId, sim::filter_section, phFilter);
     if (result == QLX_SUCCESS)
-        simCall.note(" filter=%u", *phFilter);
+        simCall.output({sim::marked("handle", phFilter)});
     SIM_RETURN(result);
 }
 
 int32_t QLX_DemuxCreatePesFilter(uint32_t eDemuxId, uint32_t* phFilter) {
-    SIM_ENTRY("demux=%d", static_cast<int>(eDemuxId));
+    SIM_ENTRY("demux=%d filter=%s", static_cast<int>(eDemuxId), sim::showPointer(phFilter));
     int32_t result = sim::createFilter(eDemuxId, sim::filter_pes, phFilter);
     if (result == QLX_SUCCESS)
-        simCall.note(" filter=%u", *phFilter);
+        simCall.output({sim::marked("handle", phFilter)});
     SIM_RETURN(result);
 }
 
 int32_t QLX_DemuxCreatePacketFilter(uint32_t eDemuxId, uint32_t* phFilter) {
-    SIM_ENTRY("demux=%d", static_cast<int>(eDemuxId));
+    SIM_ENTRY("demux=%d filter=%s", static_cast<int>(eDemuxId), sim::showPointer(phFilter));
     int32_t result = sim::createFilter(eDemuxId, sim::filter_packet, phFilter);
     if (result == QLX_SUCCESS)
-        simCall.note(" filter=%u", *phFilter);
+        simCall.output({sim::marked("handle", phFilter)});
     SIM_RETURN(result);
 }

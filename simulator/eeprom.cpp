@@ -11,6 +11,22 @@
 
 namespace {
 
+/** The part of the chip that is free for applications. */
+struct Range {
+    uint32_t start;
+    uint32_t end;
+};
+
+}  // namespace
+
+namespace sim {
+
+SIM_RECORD(Range, SIM_MEMBER(Range, start), SIM_MEMBER(Range, end))
+
+}  // namespace sim
+
+namespace {
+
 constexpr int64_t largestChip = 1 << 20;
 
 std::mutex& chipMutex() {
@@ -46,41 +62,40 @@ int32_t accessError(uint32_t address, uint32_t size, const void* buffer, const u
 }  // namespace
 
 int32_t QLX_EepromIsExist(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     if (!present())
         SIM_RETURN(QLX_EEPROM_ERR_ABSENT);
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_EepromGetSize(uint32_t* size) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("size=%s", sim::showPointer(size));
     if (!present())
         SIM_RETURN(QLX_EEPROM_ERR_ABSENT);
     if (size == nullptr)
         SIM_RETURN(QLX_EEPROM_ERR_INVALID_PARA);
     *size = chipSize();
-    simCall.output(size, sizeof *size);
-    simCall.note(" size=%u", *size);
+    simCall.output({sim::value("size", size)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_EepromGetRange(uint32_t* start, uint32_t* end) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("start=%s end=%s", sim::showPointer(start), sim::showPointer(end));
     if (!present())
         SIM_RETURN(QLX_EEPROM_ERR_ABSENT);
     if (start == nullptr || end == nullptr)
         SIM_RETURN(QLX_EEPROM_ERR_INVALID_PARA);
-    uint32_t range[2] = {static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_START", 512)),
-                         static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_END", 3584))};
-    simCall.output(range, sizeof range);
-    *start = range[0];
-    *end = range[1];
-    simCall.note(" start=%u end=%u", *start, *end);
+    Range range = {static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_START", 512)),
+                   static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_END", 3584))};
+    simCall.output({sim::value("range", &range)});
+    *start = range.start;
+    *end = range.end;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_EepromRead(uint32_t address, uint32_t size, void* buffer, uint32_t* sizeRead) {
-    SIM_ENTRY("address=0x%x size=%u", address, size);
+    SIM_ENTRY("address=0x%x size=%u buffer=%s sizeRead=%s", address, size, sim::showPointer(buffer),
+              sim::showPointer(sizeRead));
     std::lock_guard<std::mutex> lock(chipMutex());
     if (sizeRead != nullptr)
         *sizeRead = 0;
@@ -89,14 +104,15 @@ int32_t QLX_EepromRead(uint32_t address, uint32_t size, void* buffer, uint32_t* 
         SIM_RETURN(error);
     if (!sim::readAt(chipPath(), address, buffer, size))
         SIM_RETURN(QLX_EEPROM_ERR_IO);
-    simCall.output(buffer, size);
     *sizeRead = size;
+    simCall.output({sim::bytesValue("buffer", buffer, size), sim::marked("length", sizeRead)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_EepromWrite(uint32_t address, uint32_t size, const void* buffer,
                         uint32_t* sizeWritten) {
-    SIM_ENTRY("address=0x%x size=%u", address, size);
+    SIM_ENTRY("address=0x%x size=%u data=%s sizeWritten=%s", address, size,
+              sim::showBytes(buffer, size, chipSize()).c_str(), sim::showPointer(sizeWritten));
     std::lock_guard<std::mutex> lock(chipMutex());
     if (sizeWritten != nullptr)
         *sizeWritten = 0;
@@ -106,5 +122,6 @@ int32_t QLX_EepromWrite(uint32_t address, uint32_t size, const void* buffer,
     if (!sim::writeAt(chipPath(), address, buffer, size))
         SIM_RETURN(QLX_EEPROM_ERR_IO);
     *sizeWritten = size;
+    simCall.output({sim::marked("length", sizeWritten)});
     SIM_RETURN(QLX_SUCCESS);
 }

@@ -46,9 +46,9 @@ bool isKey(const char* key) {
     return isText(key, "=\n\r") && key[0] != '\0';
 }
 
-/** At most what a trace line bears of a text that need not end. */
+/** A text that need not end. */
 std::string shown(const char* text) {
-    return text == nullptr ? "null" : std::string(text, strnlen(text, QLX_ENV_TEXT_SIZE));
+    return sim::showText(text, QLX_ENV_TEXT_SIZE);
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ int32_t QLX_SetEnv(const char* key, const char* value) {
 }
 
 int32_t QLX_GetEnv(const char* key, char* value) {
-    SIM_ENTRY("key=%s", shown(key).c_str());
+    SIM_ENTRY("key=%s value=%s", shown(key).c_str(), sim::showPointer(value));
     if (!isKey(key) || value == nullptr)
         SIM_RETURN(QLX_ENV_ERR_INVALID_PARA);
     std::lock_guard<std::mutex> lock(state().mutex);
@@ -79,8 +79,7 @@ int32_t QLX_GetEnv(const char* key, char* value) {
     size_t length = std::min<size_t>(found->second.size(), QLX_ENV_TEXT_SIZE - 1);
     memcpy(value, found->second.data(), length);
     value[length] = '\0';
-    simCall.output(value, length);
-    simCall.note(" value=%s", value);
+    simCall.output({sim::textValue("value", value, length)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -95,7 +94,7 @@ int32_t QLX_SetBootEnv(uint32_t tag, const void* value) {
 }
 
 int32_t QLX_SaveBootEnv(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     auto values = sim::loadKeyValues(bootEnvPath());
     for (const auto& entry : state().unsaved)

@@ -44,7 +44,7 @@ bool payloadFits(uint32_t keyType, const std::string& payload) {
 }  // namespace
 
 int32_t QLX_FactoryWritekey(uint32_t keyType, const char* keyPath) {
-    SIM_ENTRY("type=%u path=%s", keyType, keyPath == nullptr ? "null" : keyPath);
+    SIM_ENTRY("type=%u path=%s", keyType, sim::showText(keyPath, longestPath).c_str());
     if (keyType >= QLX_FACTORYKEY_COUNT || keyPath == nullptr || keyPath[0] == '\0' ||
         strnlen(keyPath, longestPath) == longestPath)
         SIM_RETURN(QLX_FACTORY_ERR_INVALID_PARA);
@@ -72,7 +72,7 @@ int32_t QLX_FactoryCheckKey(uint32_t keyType) {
 }
 
 int32_t QLX_FactoryGetNetflixEsnid(char* esnid, uint32_t size) {
-    SIM_ENTRY("size=%u", size);
+    SIM_ENTRY("esn=%s size=%u", sim::showPointer(esnid), size);
     if (esnid == nullptr || size == 0)
         SIM_RETURN(QLX_FACTORY_ERR_INVALID_PARA);
     std::lock_guard<std::mutex> lock(storeMutex());
@@ -86,7 +86,6 @@ int32_t QLX_FactoryGetNetflixEsnid(char* esnid, uint32_t size) {
     if (serial.size() >= size)
         SIM_RETURN(QLX_FACTORY_ERR_INVALID_PARA);
     memcpy(esnid, serial.c_str(), serial.size() + 1);
-    simCall.output(esnid, serial.size());
-    simCall.note(" esn=%s", esnid);
+    simCall.output({sim::textValue("esn", esnid, serial.size())});
     SIM_RETURN(QLX_SUCCESS);
 }

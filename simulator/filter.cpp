@@ -12,6 +12,25 @@
 #include "simulator/core/sim.h"
 #include "simulator/demux_state.h"
 
+namespace sim {
+
+SIM_RECORD(QLX_SectionFilterParams, SIM_MEMBER(QLX_SectionFilterParams, uPid),
+           SIM_MEMBER(QLX_SectionFilterParams, au8Match),
+           SIM_MEMBER(QLX_SectionFilterParams, au8Mask),
+           SIM_MEMBER(QLX_SectionFilterParams, au8Negate),
+           SIM_MEMBER(QLX_SectionFilterParams, uDepth),
+           SIM_MEMBER(QLX_SectionFilterParams, uTimeOutMs),
+           SIM_MEMBER(QLX_SectionFilterParams, eCrcMode),
+           SIM_MEMBER(QLX_SectionFilterParams, bContinuous),
+           SIM_MEMBER(QLX_SectionFilterParams, uBufferSize),
+           SIM_MEMBER(QLX_SectionFilterParams, uReserved))
+SIM_RECORD(QLX_PesFilterParams, SIM_MEMBER(QLX_PesFilterParams, uPid),
+           SIM_MEMBER(QLX_PesFilterParams, uBufferSize))
+SIM_RECORD(QLX_PacketFilterParams, SIM_MEMBER(QLX_PacketFilterParams, uPid),
+           SIM_MEMBER(QLX_PacketFilterParams, uBufferSize))
+
+}  // namespace sim
+
 namespace {
 
 using sim::Filter;
@@ -140,26 +159,22 @@ int32_t freeBuffer(FilterKind kind, void* data) {
 }  // namespace
 
 int32_t QLX_SectionFilterConfigure(uint32_t hFilter, const QLX_SectionFilterParams* pstParams) {
-    if (pstParams == nullptr) {
-        SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u params=%s", hFilter, sim::show(pstParams).c_str());
+    if (pstParams == nullptr)
         SIM_RETURN(QLX_DEMUX_ERR_INVALID_PARA);
-    }
-    SIM_ENTRY("filter=%u pid=%u table=%u/%u depth=%u timeout=%u crc=%u continuous=%u buffer=%u",
-              hFilter, pstParams->uPid, pstParams->au8Match[0], pstParams->au8Mask[0],
-              pstParams->uDepth, pstParams->uTimeOutMs, pstParams->eCrcMode, pstParams->bContinuous,
-              pstParams->uBufferSize);
     SIM_RETURN(configure(sim::filter_section, hFilter, pstParams->uPid, pstParams->uBufferSize,
                          pstParams));
 }
 
 int32_t QLX_SectionFilterRegisterCallback(uint32_t hFilter, void* pUserdata,
                                           QLX_FilterCallback callback) {
-    SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u userData=%s callback=%s", hFilter, sim::showPointer(pUserdata),
+              sim::showPointer(callback));
     SIM_RETURN(registerCallback(sim::filter_section, hFilter, pUserdata, callback));
 }
 
 int32_t QLX_SectionFilterUnRegisterCallback(uint32_t hFilter, QLX_FilterCallback callback) {
-    SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u callback=%s", hFilter, sim::showPointer(callback));
     SIM_RETURN(unregisterCallback(sim::filter_section, hFilter, callback));
 }
 
@@ -179,28 +194,27 @@ int32_t QLX_SectionFilterDelete(uint32_t hFilter) {
 }
 
 int32_t QLX_SectionFilterFreeBuffer(void* pBuffer) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("buffer=%s", sim::showPointer(pBuffer));
     SIM_RETURN(freeBuffer(sim::filter_section, pBuffer));
 }
 
 int32_t QLX_PesFilterConfigure(uint32_t hFilter, const QLX_PesFilterParams* pstParams) {
-    if (pstParams == nullptr) {
-        SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u params=%s", hFilter, sim::show(pstParams).c_str());
+    if (pstParams == nullptr)
         SIM_RETURN(QLX_DEMUX_ERR_INVALID_PARA);
-    }
-    SIM_ENTRY("filter=%u pid=%u buffer=%u", hFilter, pstParams->uPid, pstParams->uBufferSize);
     SIM_RETURN(
         configure(sim::filter_pes, hFilter, pstParams->uPid, pstParams->uBufferSize, nullptr));
 }
 
 int32_t QLX_PesFilterRegisterCallback(uint32_t hFilter, void* pUserdata,
                                       QLX_FilterCallback callback) {
-    SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u userData=%s callback=%s", hFilter, sim::showPointer(pUserdata),
+              sim::showPointer(callback));
     SIM_RETURN(registerCallback(sim::filter_pes, hFilter, pUserdata, callback));
 }
 
 int32_t QLX_PesFilterUnRegisterCallback(uint32_t hFilter, QLX_FilterCallback callback) {
-    SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u callback=%s", hFilter, sim::showPointer(callback));
     SIM_RETURN(unregisterCallback(sim::filter_pes, hFilter, callback));
 }
 
@@ -220,28 +234,27 @@ int32_t QLX_PesFilterDelete(uint32_t hFilter) {
 }
 
 int32_t QLX_PesFilterFreeBuffer(void* pBuffer) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("buffer=%s", sim::showPointer(pBuffer));
     SIM_RETURN(freeBuffer(sim::filter_pes, pBuffer));
 }
 
 int32_t QLX_PacketFilterConfigure(uint32_t hFilter, const QLX_PacketFilterParams* pstParams) {
-    if (pstParams == nullptr) {
-        SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u params=%s", hFilter, sim::show(pstParams).c_str());
+    if (pstParams == nullptr)
         SIM_RETURN(QLX_DEMUX_ERR_INVALID_PARA);
-    }
-    SIM_ENTRY("filter=%u pid=%u buffer=%u", hFilter, pstParams->uPid, pstParams->uBufferSize);
     SIM_RETURN(
         configure(sim::filter_packet, hFilter, pstParams->uPid, pstParams->uBufferSize, nullptr));
 }
 
 int32_t QLX_PacketFilterRegisterCallback(uint32_t hFilter, void* pUserdata,
                                          QLX_FilterCallback callback) {
-    SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u userData=%s callback=%s", hFilter, sim::showPointer(pUserdata),
+              sim::showPointer(callback));
     SIM_RETURN(registerCallback(sim::filter_packet, hFilter, pUserdata, callback));
 }
 
 int32_t QLX_PacketFilterUnRegisterCallback(uint32_t hFilter, QLX_FilterCallback callback) {
-    SIM_ENTRY("filter=%u", hFilter);
+    SIM_ENTRY("filter=%u callback=%s", hFilter, sim::showPointer(callback));
     SIM_RETURN(unregisterCallback(sim::filter_packet, hFilter, callback));
 }
 
@@ -261,6 +274,6 @@ int32_t QLX_PacketFilterDelete(uint32_t hFilter) {
 }
 
 int32_t QLX_PacketFilterFreeBuffer(void* pBuffer) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("buffer=%s", sim::showPointer(pBuffer));
     SIM_RETURN(freeBuffer(sim::filter_packet, pBuffer));
 }

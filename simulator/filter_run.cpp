@@ -199,21 +199,21 @@ void* handOut(FilterKind kind, const std::vector<uint8_t>& bytes,
 
 void tell(const FilterRun& run, QLX_FilterCallback callback, void* userData, Report& report) {
     bool data = report.event == QLX_FILTER_EVENT_DATA_COME;
-    std::string text = format("filter=%u event=%u", run.handle, report.event);
+    uint32_t length = static_cast<uint32_t>(report.bytes.size());
+    std::vector<Value> values = {marked("event", &report.event)};
     if (data)
-        text += format(" length=%zu", report.bytes.size());
-    deliver(filterKindNames[run.kind], text, data ? report.bytes.data() : nullptr,
-            report.bytes.size(), [&] {
-                if (!data) {
-                    callback(report.event, userData, nullptr);
-                    return;
-                }
-                QLX_FilterData record = {};
-                record.uLength = static_cast<uint32_t>(report.bytes.size());
-                record.pBuffer =
-                    static_cast<uint8_t*>(handOut(run.kind, report.bytes, run.account));
-                callback(report.event, userData, &record);
-            });
+        values.insert(values.end(),
+                      {marked("length", &length), bytesValue("data", report.bytes.data(), length)});
+    deliver(filterKindNames[run.kind], format("filter=%u", run.handle), values, [&] {
+        if (!data) {
+            callback(report.event, userData, nullptr);
+            return;
+        }
+        QLX_FilterData record = {};
+        record.uLength = length;
+        record.pBuffer = static_cast<uint8_t*>(handOut(run.kind, report.bytes, run.account));
+        callback(report.event, userData, &record);
+    });
 }
 
 /** The job of a run: reports what there is, then waits for what comes next. */

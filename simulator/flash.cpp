@@ -15,6 +15,15 @@
 #include "simulator/families.h"
 #include "simulator/storage_file.h"
 
+namespace sim {
+
+SIM_RECORD(QLX_FlashDevice, SIM_MEMBER(QLX_FlashDevice, devicePath),
+           SIM_MEMBER(QLX_FlashDevice, uDevOffset), SIM_MEMBER(QLX_FlashDevice, size),
+           SIM_MEMBER(QLX_FlashDevice, eraseSize), SIM_MEMBER(QLX_FlashDevice, reserved),
+           SIM_MEMBER(QLX_FlashDevice, flag))
+
+}  // namespace sim
+
 namespace {
 
 constexpr int64_t largestPartition = 64 << 20;
@@ -70,7 +79,7 @@ std::string newContents() {
 }  // namespace
 
 int32_t QLX_FlashInit(const QLX_FlashDevice* device) {
-    SIM_ENTRY("path=%s", device == nullptr ? "null" : pathOf(device).c_str());
+    SIM_ENTRY("device=%s", sim::show(device).c_str());
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!windowExists(device))
         SIM_RETURN(QLX_FLASH_ERR_INVALID_PARA);
@@ -81,7 +90,7 @@ int32_t QLX_FlashInit(const QLX_FlashDevice* device) {
 }
 
 int32_t QLX_FlashDeInit(const QLX_FlashDevice* device) {
-    SIM_ENTRY("path=%s", device == nullptr ? "null" : pathOf(device).c_str());
+    SIM_ENTRY("device=%s", sim::show(device).c_str());
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
     SIM_RETURN(QLX_SUCCESS);
@@ -89,7 +98,8 @@ int32_t QLX_FlashDeInit(const QLX_FlashDevice* device) {
 
 int32_t QLX_FlashRead(const QLX_FlashDevice* device, uint32_t address, uint32_t size, void* buffer,
                       uint32_t* sizeRead) {
-    SIM_ENTRY("address=0x%x size=%u", address, size);
+    SIM_ENTRY("device=%s address=0x%x size=%u buffer=%s sizeRead=%s", sim::show(device).c_str(),
+              address, size, sim::showPointer(buffer), sim::showPointer(sizeRead));
     std::lock_guard<std::mutex> lock(state().mutex);
     if (sizeRead != nullptr)
         *sizeRead = 0;
@@ -100,14 +110,16 @@ int32_t QLX_FlashRead(const QLX_FlashDevice* device, uint32_t address, uint32_t 
         SIM_RETURN(QLX_FLASH_ERR_INVALID_PARA);
     if (!sim::readAt(sim::storagePath(partition()), address, buffer, size))
         SIM_RETURN(QLX_FLASH_ERR_IO);
-    simCall.output(buffer, size);
     *sizeRead = size;
+    simCall.output({sim::bytesValue("buffer", buffer, size), sim::marked("length", sizeRead)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_FlashWrite(const QLX_FlashDevice* device, uint32_t address, uint32_t size,
                        const void* buffer, uint32_t* sizeWritten) {
-    SIM_ENTRY("address=0x%x size=%u", address, size);
+    SIM_ENTRY("device=%s address=0x%x size=%u data=%s sizeWritten=%s", sim::show(device).c_str(),
+              address, size, sim::showBytes(buffer, size, partitionSize()).c_str(),
+              sim::showPointer(sizeWritten));
     std::lock_guard<std::mutex> lock(state().mutex);
     if (sizeWritten != nullptr)
         *sizeWritten = 0;
@@ -119,6 +131,7 @@ int32_t QLX_FlashWrite(const QLX_FlashDevice* device, uint32_t address, uint32_t
     if (!sim::writeAt(sim::storagePath(partition()), address, buffer, size))
         SIM_RETURN(QLX_FLASH_ERR_IO);
     *sizeWritten = size;
+    simCall.output({sim::marked("length", sizeWritten)});
     SIM_RETURN(QLX_SUCCESS);
 }
 

@@ -25,29 +25,28 @@ GpioState& state() {
 }  // namespace
 
 int32_t QLX_GPIOInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = true;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_GPIODeInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_GPIOGetValue(uint32_t pin, int32_t* level) {
-    SIM_ENTRY("pin=%u", pin);
+    SIM_ENTRY("pin=%u level=%s", pin, sim::showPointer(level));
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!state().initialised)
         SIM_RETURN(QLX_GPIO_ERR_NOT_INIT);
     if (level == nullptr)
         SIM_RETURN(QLX_GPIO_ERR_INVALID_PARA);
     *level = state().levels[pin];
-    simCall.output(level, sizeof *level);
-    simCall.note(" level=%d", *level);
+    simCall.output({sim::value("level", level)});
     SIM_RETURN(QLX_SUCCESS);
 }
 

@@ -13,6 +13,13 @@
 #include "simulator/core/sim.h"
 #include "simulator/families.h"
 
+namespace sim {
+
+SIM_RECORD(QLX_HDCPMiracastData, SIM_MEMBER(QLX_HDCPMiracastData, role),
+           SIM_MEMBER(QLX_HDCPMiracastData, port), SIM_MEMBER(QLX_HDCPMiracastData, reserved))
+
+}  // namespace sim
+
 namespace {
 
 /** The one service's handle in callbacks. */
@@ -39,14 +46,14 @@ void tell(int32_t status) {
     }
     if (callback == nullptr)
         return;
-    sim::deliver("HDCPMiracast", sim::format("state=%d", status), &status, sizeof status,
+    sim::deliver("HDCPMiracast", "", {sim::value("state", &status)},
                  [&] { callback(serviceHandle, status); });
 }
 
 }  // namespace
 
 int32_t QLX_HDCPSetMiracastHdcpStatusCallack(QLX_HDCPMiracastCallback callback) {
-    SIM_ENTRY("callback=%s", callback == nullptr ? "null" : "set");
+    SIM_ENTRY("callback=%s", sim::showPointer(callback));
     {
         std::lock_guard<std::mutex> lock(state().mutex);
         state().callback = callback;
@@ -55,7 +62,7 @@ int32_t QLX_HDCPSetMiracastHdcpStatusCallack(QLX_HDCPMiracastCallback callback) 
 }
 
 int32_t QLX_HDCPStartMiracast(const QLX_HDCPMiracastData* data) {
-    SIM_ENTRY("port=%u", data == nullptr ? 0 : data->port);
+    SIM_ENTRY("data=%s", sim::show(data).c_str());
     if (data == nullptr)
         SIM_RETURN(QLX_HDCP_ERR_INVALID_PARA);
     state().thread.cancel(&state());
@@ -70,7 +77,7 @@ int32_t QLX_HDCPStartMiracast(const QLX_HDCPMiracastData* data) {
 }
 
 int32_t QLX_HDCPStopMiracast(const QLX_HDCPMiracastData* data) {
-    SIM_ENTRY("port=%u", data == nullptr ? 0 : data->port);
+    SIM_ENTRY("data=%s", sim::show(data).c_str());
     if (data == nullptr)
         SIM_RETURN(QLX_HDCP_ERR_INVALID_PARA);
     {

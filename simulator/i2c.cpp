@@ -15,6 +15,14 @@
 #include "simulator/core/sim.h"
 #include "simulator/families.h"
 
+namespace sim {
+
+SIM_RECORD(QLX_I2CConfig, SIM_MEMBER(QLX_I2CConfig, chipAddress),
+           SIM_MEMBER(QLX_I2CConfig, registerAddressLength),
+           SIM_MEMBER(QLX_I2CConfig, registerAddress))
+
+}  // namespace sim
+
 namespace {
 
 constexpr uint32_t busCount = 4;
@@ -71,14 +79,14 @@ uint32_t firstRegister(const QLX_I2CConfig& config) {
 }  // namespace
 
 int32_t QLX_I2CInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = true;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_I2CDeInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
     for (bool& open : state().open)
@@ -106,7 +114,9 @@ int32_t QLX_I2CClose(uint32_t busId) {
 
 int32_t QLX_I2CRead(uint32_t busId, const QLX_I2CConfig* config, uint32_t bufferLength,
                     uint8_t* buffer, uint32_t* readLength) {
-    SIM_ENTRY("bus=%d length=%u", static_cast<int>(busId), bufferLength);
+    SIM_ENTRY("bus=%d config=%s length=%u buffer=%s readLength=%s", static_cast<int>(busId),
+              sim::show(config).c_str(), bufferLength, sim::showPointer(buffer),
+              sim::showPointer(readLength));
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!transferAllowed(busId, config) || buffer == nullptr || readLength == nullptr)
         SIM_RETURN(QLX_FAILED);
@@ -115,13 +125,17 @@ int32_t QLX_I2CRead(uint32_t busId, const QLX_I2CConfig* config, uint32_t buffer
     for (uint32_t i = 0; i < bufferLength; i++)
         buffer[i] = registers[(first + i) % registerSpace];
     *readLength = bufferLength;
-    simCall.output(readLength, sizeof *readLength);
+    simCall.output(
+        {sim::bytesValue("buffer", buffer, bufferLength), sim::marked("length", readLength)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_I2CWrite(uint32_t busId, const QLX_I2CConfig* config, const uint8_t* data,
                      uint32_t dataLength, uint32_t* writtenLength) {
-    SIM_ENTRY("bus=%d length=%u", static_cast<int>(busId), dataLength);
+    SIM_ENTRY("bus=%d config=%s length=%u data=%s writtenLength=%s", static_cast<int>(busId),
+              sim::show(config).c_str(), dataLength,
+              sim::showBytes(data, dataLength, registerSpace).c_str(),
+              sim::showPointer(writtenLength));
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!transferAllowed(busId, config) || data == nullptr || writtenLength == nullptr)
         SIM_RETURN(QLX_FAILED);
@@ -130,7 +144,7 @@ int32_t QLX_I2CWrite(uint32_t busId, const QLX_I2CConfig* config, const uint8_t*
     for (uint32_t i = 0; i < dataLength; i++)
         registers[(first + i) % registerSpace] = data[i];
     *writtenLength = dataLength;
-    simCall.output(writtenLength, sizeof *writtenLength);
+    simCall.output({sim::marked("length", writtenLength)});
     SIM_RETURN(QLX_SUCCESS);
 }
 

@@ -166,8 +166,8 @@ bool nextWakeUp(PmState& s, Announced* next) {
 void tell(QLX_SysStandbyCallback callback, void* userData, int32_t standbyState) {
     if (callback == nullptr)
         return;
-    sim::deliver("StandbyState", sim::format("state=%d", standbyState), &standbyState,
-                 sizeof standbyState, [&] { callback(standbyState, userData); });
+    sim::deliver("StandbyState", "", {sim::value("state", &standbyState)},
+                 [&] { callback(standbyState, userData); });
 }
 
 /** On the device's thread: waits until somebody wakes the device; false when it is given up. */
@@ -271,7 +271,8 @@ bool detailOf(uint32_t reason, uint32_t* detail) {
 }  // namespace
 
 int32_t QLX_SysEnterStandby(uint32_t mode, QLX_SysStandbyCallback callback, void* userData) {
-    SIM_ENTRY("mode=%u callback=%s", mode, callback == nullptr ? "null" : "set");
+    SIM_ENTRY("mode=%u callback=%s userData=%s", mode, sim::showPointer(callback),
+              sim::showPointer(userData));
     if (mode > QLX_SYS_STANDBY_MODE_STR)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     std::lock_guard<std::mutex> lock(raw().mutex);
@@ -300,17 +301,16 @@ int32_t QLX_SysSetWakeupCondition(uint32_t condition) {
 }
 
 int32_t QLX_SysGetWakeupCondition(uint32_t* condition) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("condition=%s", sim::showPointer(condition));
     if (condition == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     *condition = load(&sim::PmMemory::condition);
-    simCall.output(condition, sizeof *condition);
-    simCall.note(" condition=0x%x", *condition);
+    simCall.output({sim::value("condition", condition)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_SysGetWakeupReason(uint32_t* reason) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("reason=%s", sim::showPointer(reason));
     if (reason == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     {
@@ -318,30 +318,27 @@ int32_t QLX_SysGetWakeupReason(uint32_t* reason) {
         settleStandby(state());
         *reason = state().wake.reason;
     }
-    simCall.output(reason, sizeof *reason);
-    simCall.note(" reason=%u", *reason);
+    simCall.output({sim::value("reason", reason)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_SysGetWakeupIRKey(uint32_t* key) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("key=%s", sim::showPointer(key));
     if (key == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     if (!detailOf(QLX_SYS_WAKEUP_REASON_IR, key))
         SIM_RETURN(QLX_PM_ERR_NOT_FOUND);
-    simCall.output(key, sizeof *key);
-    simCall.note(" key=0x%x", *key);
+    simCall.output({sim::value("key", key)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_SysGetWakupCECPhysicalAdress(uint32_t* address) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("address=%s", sim::showPointer(address));
     if (address == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     if (!detailOf(QLX_SYS_WAKEUP_REASON_CEC, address))
         SIM_RETURN(QLX_PM_ERR_NOT_FOUND);
-    simCall.output(address, sizeof *address);
-    simCall.note(" address=0x%x", *address);
+    simCall.output({sim::value("address", address)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -355,15 +352,14 @@ int32_t QLX_SysPMRTCSetTime(uint32_t time) {
 }
 
 int32_t QLX_SysPMRTCGetTime(uint32_t* time) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("time=%s", sim::showPointer(time));
     if (time == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     {
         std::lock_guard<std::mutex> lock(raw().mutex);
         *time = static_cast<uint32_t>(rtcNowUs(state()) / second);
     }
-    simCall.output(time, sizeof *time);
-    simCall.note(" time=%u", *time);
+    simCall.output({sim::value("time", time)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -374,17 +370,16 @@ int32_t QLX_SysPMRTCSetWakeupTime(uint32_t time) {
 }
 
 int32_t QLX_SysPMRTCGetWakeupTime(uint32_t* time) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("time=%s", sim::showPointer(time));
     if (time == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     *time = load(&sim::PmMemory::alarm);
-    simCall.output(time, sizeof *time);
-    simCall.note(" time=%u", *time);
+    simCall.output({sim::value("time", time)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_SysPMRTCClearWakeupTime(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     store(&sim::PmMemory::alarm, 0);
     SIM_RETURN(QLX_SUCCESS);
 }
@@ -406,17 +401,16 @@ int32_t QLX_SysSetColdPowerOnBootMode(uint32_t mode) {
 }
 
 int32_t QLX_SysGetColdPowerOnBootMode(uint32_t* mode) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("mode=%s", sim::showPointer(mode));
     if (mode == nullptr)
         SIM_RETURN(QLX_PM_ERR_INVALID_PARA);
     *mode = load(&sim::PmMemory::bootMode);
-    simCall.output(mode, sizeof *mode);
-    simCall.note(" mode=%u", *mode);
+    simCall.output({sim::value("mode", mode)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_SysRestartTV(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     {
         std::lock_guard<std::mutex> lock(raw().mutex);
         save(state());

@@ -6,6 +6,10 @@
  *
  *     FUNCTION [case=NAME] [with=ARGUMENT] [call=N | call=N+] ACTION
  *
+ * MEMBER is named as in the library's header, "stDigital.stAtscT3.stL1DetailPlp[3].uPlpId"; a
+ * single value, and a handle or length beside the data, has a name of its own. docs/call-trace.md
+ * tells.
+ *
  * It acts on the N-th call of FUNCTION (from 1; "N+": from the N-th on; without: on each), counted
  * over all calls, over those made while case NAME runs, or over those of which the trace tells this
  * argument ("with=filter=2"). FUNCTION is an entry point of the
@@ -19,6 +23,9 @@
  *                        exchanged for the hexadecimal XX
  *     scramble           every second bit of all of that data is inverted
  *     blank              all of that data is 0
+ *     flip=MEMBER        every second bit of that member is inverted
+ *     zero=MEMBER        that member is 0
+ *     set=MEMBER:VALUE   that member, a number or a text, is VALUE
  *     drop               the callback does not come
  *     repeat=N           the callback comes N more times
  *

@@ -7,6 +7,7 @@
 // Board file: section SYS, CHIP_ID (text); section CAPABILITY, one key for each field of
 // QLX_SysCapability, by its name.
 #include <stdio.h>
+#include <string.h>
 
 #include <mutex>
 
@@ -16,6 +17,29 @@
 #include "simulator/device_clock.h"
 #include "simulator/families.h"
 #include "simulator/pm_memory.h"
+
+namespace sim {
+
+SIM_RECORD(QLX_SysCapability, SIM_MEMBER(QLX_SysCapability, NumberOfTuners),
+           SIM_MEMBER(QLX_SysCapability, NumberOfCvbsSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfYcSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfYcCvbsSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfYpbprSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfYpbprCvbsSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfYpbprYcCvbsSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfScarts),
+           SIM_MEMBER(QLX_SysCapability, NumberOfVgaSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfHdmiSources),
+           SIM_MEMBER(QLX_SysCapability, NumberOfCiSlots),
+           SIM_MEMBER(QLX_SysCapability, NumberOfDemuxes),
+           SIM_MEMBER(QLX_SysCapability, NumberOfVideoPlayers),
+           SIM_MEMBER(QLX_SysCapability, NumberOfAudioPlayers),
+           SIM_MEMBER(QLX_SysCapability, NumberOfVideoOut),
+           SIM_MEMBER(QLX_SysCapability, NumberOfAudioOut),
+           SIM_MEMBER(QLX_SysCapability, NumberOfVideoWindow),
+           SIM_MEMBER(QLX_SysCapability, NumberOfRecorders))
+
+}  // namespace sim
 
 namespace {
 
@@ -74,22 +98,24 @@ void switchTo(bool SysState::*which, uint32_t enabled) {
 
 int32_t QLX_SysInit(void) {
     // No device thread starts here: the program forks its monitor after this call.
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_SysGetChipID(char* chipID) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("id=%s", sim::showPointer(chipID));
     if (chipID == nullptr)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
     std::string text = sim::board().text("SYS", "CHIP_ID", "QLX9900-B1-00A7D3C2");
     snprintf(chipID, QLX_SYS_CHIP_ID_SIZE, "%s", text.c_str());
-    simCall.note(" id=%s", chipID);
+    simCall.output({sim::textValue("id", chipID, strlen(chipID))});
     SIM_RETURN(QLX_SUCCESS);
 }
 
-int32_t QLX_SysSetLinuxSystemTime(struct timeval timeNow, struct timezone) {
-    SIM_ENTRY("seconds=%lld", static_cast<long long>(timeNow.tv_sec));
+int32_t QLX_SysSetLinuxSystemTime(struct timeval timeNow, struct timezone tz) {
+    SIM_ENTRY("seconds=%lld microseconds=%lld minutesWest=%d summerTime=%d",
+              static_cast<long long>(timeNow.tv_sec), static_cast<long long>(timeNow.tv_usec),
+              tz.tz_minuteswest, tz.tz_dsttime);
     constexpr int64_t farthest = INT64_MAX / 1000000000;
     if (timeNow.tv_sec < 0 || timeNow.tv_sec >= farthest || timeNow.tv_usec < 0 ||
         timeNow.tv_usec >= 1000000)
@@ -99,7 +125,7 @@ int32_t QLX_SysSetLinuxSystemTime(struct timeval timeNow, struct timezone) {
 }
 
 int32_t QLX_SysGetCapability(QLX_SysCapability* capability) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("capability=%s", sim::showPointer(capability));
     if (capability == nullptr)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
     for (const CapabilityField& entry : capabilityFields)
@@ -108,17 +134,16 @@ int32_t QLX_SysGetCapability(QLX_SysCapability* capability) {
     if (!sim::board().has("CAPABILITY", "NumberOfTuners"))
         capability->NumberOfTuners =
             static_cast<uint32_t>(sim::board().number("TUNER", "COUNT", 4));
-    simCall.output(capability, sizeof *capability);
+    simCall.output({sim::value("capability", capability)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_GetRandomNumber(uint32_t* number) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("number=%s", sim::showPointer(number));
     if (number == nullptr)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
     *number = sim::random32();
-    simCall.output(number, sizeof *number);
-    simCall.note(" number=%u", *number);
+    simCall.output({sim::value("number", number)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -150,13 +175,12 @@ int32_t QLX_KeypadLockValueSet(uint32_t value) {
 }
 
 int32_t QLX_KeypadLockValueGet(uint32_t* value) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY("value=%s", sim::showPointer(value));
     if (value == nullptr)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
     std::lock_guard<std::mutex> lock(state().mutex);
     *value = state().keypadLock;
-    simCall.output(value, sizeof *value);
-    simCall.note(" value=%u", *value);
+    simCall.output({sim::value("value", value)});
     SIM_RETURN(QLX_SUCCESS);
 }
 

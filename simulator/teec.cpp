@@ -18,6 +18,14 @@
 #include "simulator/core/sim.h"
 #include "simulator/families.h"
 
+namespace sim {
+
+SIM_RECORD(QLX_TEECCommand, SIM_MEMBER(QLX_TEECCommand, cmdId),
+           SIM_MEMBER(QLX_TEECCommand, dataLength), SIM_MEMBER(QLX_TEECCommand, data),
+           SIM_MEMBER(QLX_TEECCommand, more))
+
+}  // namespace sim
+
 namespace {
 
 constexpr uint32_t mostRecords = 16;
@@ -75,6 +83,25 @@ bool copyMessage(const QLX_TEECCommand* command, std::vector<Record>* records) {
     }
 }
 
+/** The records of a message for the trace: header and payload of each. */
+std::string shown(const QLX_TEECCommand* command) {
+    if (command == nullptr)
+        return "null";
+    std::string out;
+    const uint8_t* at = reinterpret_cast<const uint8_t*>(command);
+    for (uint32_t i = 0; i < mostRecords; i++) {
+        QLX_TEECCommand header;
+        memcpy(&header, at, sizeof header);
+        at += sizeof header;
+        out += (i == 0 ? "" : " ") + sim::show(&header) +
+               " payload=" + sim::showBytes(at, header.dataLength, largestPayload);
+        if (header.more == 0 || header.dataLength > largestPayload)
+            break;
+        at += header.dataLength;
+    }
+    return out;
+}
+
 /** Turns a command into its answer; false when there is none. */
 bool answerOf(Record* record) {
     if (record->cmdId >= TA_ECHO_FIRST && record->cmdId <= TA_ECHO_LAST)
@@ -110,10 +137,11 @@ void answer(uint32_t taId, const Record& record) {
                record.payload.empty() ? nullptr : payload, record.more};
     if (!record.payload.empty())
         memcpy(payload, record.payload.data(), record.payload.size());
-    sim::deliver("TEECCommand",
-                 sim::format("ta=%u cmd=%u length=%u more=%u", taId, header->cmdId,
-                             header->dataLength, header->more),
-                 payload, record.payload.size(), [&] { callback(taId, userData, header); });
+    sim::deliver("TEECCommand", sim::format("ta=%u", taId),
+                 {sim::marked("cmd", &header->cmdId), sim::marked("length", &header->dataLength),
+                  sim::marked("more", &header->more),
+                  sim::bytesValue("payload", payload, record.payload.size())},
+                 [&] { callback(taId, userData, header); });
 }
 
 /** What an operation on a session is refused with at once; the lock is held. */
@@ -127,14 +155,14 @@ int32_t sessionError(uint32_t taId) {
 }  // namespace
 
 int32_t QLX_TEECInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = true;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_TEECDeInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     {
         std::lock_guard<std::mutex> lock(state().mutex);
         state().initialised = false;
@@ -169,7 +197,8 @@ int32_t QLX_TEECClose(uint32_t taId) {
 }
 
 int32_t QLX_TEECRegisterCallback(uint32_t taId, QLX_TEECCallback callback, void* userData) {
-    SIM_ENTRY("ta=%u userData=%s", taId, userData == nullptr ? "null" : "set");
+    SIM_ENTRY("ta=%u callback=%s userData=%s", taId, sim::showPointer(callback),
+              sim::showPointer(userData));
     std::lock_guard<std::mutex> lock(state().mutex);
     int32_t error = sessionError(taId);
     if (error != QLX_SUCCESS)
@@ -184,7 +213,7 @@ int32_t QLX_TEECRegisterCallback(uint32_t taId, QLX_TEECCallback callback, void*
 }
 
 int32_t QLX_TEECUnRegisterCallback(uint32_t taId, QLX_TEECCallback callback) {
-    SIM_ENTRY("ta=%u", taId);
+    SIM_ENTRY("ta=%u callback=%s", taId, sim::showPointer(callback));
     {
         std::lock_guard<std::mutex> lock(state().mutex);
         int32_t error = sessionError(taId);
@@ -200,8 +229,7 @@ int32_t QLX_TEECUnRegisterCallback(uint32_t taId, QLX_TEECCallback callback) {
 }
 
 int32_t QLX_TEECTransData(uint32_t taId, const QLX_TEECCommand* command) {
-    SIM_ENTRY("ta=%u cmd=%u length=%u", taId, command == nullptr ? 0 : command->cmdId,
-              command == nullptr ? 0 : command->dataLength);
+    SIM_ENTRY("ta=%u command=%s", taId, shown(command).c_str());
     std::lock_guard<std::mutex> lock(state().mutex);
     int32_t error = sessionError(taId);
     if (error != QLX_SUCCESS)

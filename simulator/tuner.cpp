@@ -17,6 +17,7 @@
 #include "simulator/core/board.h"
 #include "simulator/families.h"
 #include "simulator/tuner_info.h"
+#include "simulator/tuner_records.h"
 #include "simulator/tuner_state.h"
 
 namespace sim {
@@ -73,8 +74,8 @@ void announce(Tuner& tuner, uint64_t sequence) {
     lock.unlock();
     setReception(tuner.id, sequence, carrier);
     if (callback != nullptr) {
-        deliver("TunerEvent", format("tuner=%u status=%u", tuner.id, status), &status,
-                sizeof status, [&] { callback(tuner.id, userData, status, nullptr); });
+        deliver("TunerEvent", format("tuner=%u", tuner.id), {value("status", &status)},
+                [&] { callback(tuner.id, userData, status, nullptr); });
     }
     lock.lock();
     tuner.delivering = false;
@@ -315,14 +316,14 @@ using sim::TunerNeed;
 using sim::tunerRefusal;
 
 int32_t QLX_TunerInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::lock_guard<std::mutex> lock(tunerFamily().mutex);
     tunerFamily().initialised = true;
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_TunerDeInit(void) {
-    SIM_ENTRY("%s", "");
+    SIM_ENTRY_NO_ARGUMENTS();
     std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     for (Tuner& tuner : tunerFamily().tuners)
         sim::closeTuner(lock, tuner);
@@ -349,7 +350,8 @@ int32_t QLX_TunerClose(uint32_t eTunerId) {
 }
 
 int32_t QLX_TunerRegisterCallback(uint32_t eTunerId, void* pUserData, QLX_TunerCallback callback) {
-    SIM_ENTRY("tuner=%u", eTunerId);
+    SIM_ENTRY("tuner=%u userData=%s callback=%s", eTunerId, sim::showPointer(pUserData),
+              sim::showPointer(callback));
     std::lock_guard<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
@@ -361,7 +363,7 @@ int32_t QLX_TunerRegisterCallback(uint32_t eTunerId, void* pUserData, QLX_TunerC
 }
 
 int32_t QLX_TunerUnRegisterCallback(uint32_t eTunerId, QLX_TunerCallback callback) {
-    SIM_ENTRY("tuner=%u", eTunerId);
+    SIM_ENTRY("tuner=%u callback=%s", eTunerId, sim::showPointer(callback));
     std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
@@ -374,9 +376,7 @@ int32_t QLX_TunerUnRegisterCallback(uint32_t eTunerId, QLX_TunerCallback callbac
 }
 
 int32_t QLX_TunerSetTuningParam(uint32_t eTunerId, const QLX_TunerTuningParams* pstTuningParams) {
-    SIM_ENTRY("tuner=%u system=%u frequency=%u", eTunerId,
-              pstTuningParams != nullptr ? pstTuningParams->eTransmissionSystem : 0,
-              pstTuningParams != nullptr ? pstTuningParams->uFrequency : 0);
+    SIM_ENTRY("tuner=%u params=%s", eTunerId, sim::show(pstTuningParams).c_str());
     std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
@@ -400,19 +400,19 @@ int32_t QLX_TunerSetTuningParam(uint32_t eTunerId, const QLX_TunerTuningParams* 
 }
 
 int32_t QLX_TunerGetTuningParam(uint32_t eTunerId, QLX_TunerTuningParams* pstTuningParams) {
-    SIM_ENTRY("tuner=%u", eTunerId);
+    SIM_ENTRY("tuner=%u params=%s", eTunerId, sim::showPointer(pstTuningParams));
     std::lock_guard<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
     if (pstTuningParams == nullptr)
         SIM_RETURN(QLX_TUNER_ERR_INVALID_PARA);
     *pstTuningParams = tunerFamily().tuners[eTunerId].record;
-    simCall.output(pstTuningParams, sizeof *pstTuningParams);
+    simCall.output({sim::value("params", pstTuningParams)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
 int32_t QLX_TunerGetSignalInfo(uint32_t eTunerId, QLX_TunerSignalInfo* pstSignalInfo) {
-    SIM_ENTRY("tuner=%u", eTunerId);
+    SIM_ENTRY("tuner=%u info=%s", eTunerId, sim::showPointer(pstSignalInfo));
     std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
@@ -424,9 +424,7 @@ int32_t QLX_TunerGetSignalInfo(uint32_t eTunerId, QLX_TunerSignalInfo* pstSignal
         tunerFamily().changed.wait_for(lock, sim::deliveryPatience,
                                        [&] { return !tuner.delivering; });
     sim::fillSignalInfo(sim::signalState(tuner), pstSignalInfo);
-    simCall.output(pstSignalInfo, sizeof *pstSignalInfo);
-    simCall.note(" status=%u strength=%u quality=%d", pstSignalInfo->eLockStatus,
-                 pstSignalInfo->uSignalStrength, pstSignalInfo->sSignalQuality);
+    simCall.output({sim::value("info", pstSignalInfo)});
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -478,22 +476,20 @@ int32_t QLX_TunerSwitchTonburst(uint32_t eTunerId, uint32_t eBurst) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-/** The message for the trace. */
-static std::string bytesOf(const uint8_t* bytes, uint32_t length) {
-    std::string out;
-    for (uint32_t i = 0; bytes != nullptr && i < length && i < 8; i++)
-        out += sim::format("%s%02X", i == 0 ? "" : " ", bytes[i]);
-    return out;
-}
+/** Bytes of a DiSEqC message with all its data. */
+constexpr uint32_t longestDiseqc = 6;
 
 int32_t QLX_TunerSendDiseqcCommand(uint32_t eTunerId, uint32_t uSendLength,
                                    const uint8_t* puSendBuffer, uint32_t uReceiveMaxLength,
                                    uint8_t* puReceiveBuffer, uint32_t* puReceiveLength) {
-    SIM_ENTRY("tuner=%u message=%s", eTunerId, bytesOf(puSendBuffer, uSendLength).c_str());
+    SIM_ENTRY("tuner=%u length=%u message=%s room=%u reply=%s replyLength=%s", eTunerId,
+              uSendLength, sim::showBytes(puSendBuffer, uSendLength, longestDiseqc).c_str(),
+              uReceiveMaxLength, sim::showPointer(puReceiveBuffer),
+              sim::showPointer(puReceiveLength));
     std::lock_guard<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
-    if (puSendBuffer == nullptr || uSendLength < 3 || uSendLength > 6 ||
+    if (puSendBuffer == nullptr || uSendLength < 3 || uSendLength > longestDiseqc ||
         (uReceiveMaxLength > 0 && (puReceiveBuffer == nullptr || puReceiveLength == nullptr)))
         SIM_RETURN(QLX_TUNER_ERR_INVALID_PARA);
     Tuner& tuner = tunerFamily().tuners[eTunerId];
@@ -501,10 +497,10 @@ int32_t QLX_TunerSendDiseqcCommand(uint32_t eTunerId, uint32_t uSendLength,
     uint32_t length = 0;
     for (; length < uReceiveMaxLength && length < reply.size(); length++)
         puReceiveBuffer[length] = reply[length];
-    if (puReceiveLength != nullptr) {
+    if (puReceiveLength != nullptr)
         *puReceiveLength = length;
-        simCall.output(puReceiveLength, sizeof *puReceiveLength);
-    }
+    simCall.output({sim::bytesValue("reply", length > 0 ? puReceiveBuffer : nullptr, length),
+                    sim::marked("length", puReceiveLength)});
     sim::reconsider(tuner);
     SIM_RETURN(QLX_SUCCESS);
 }

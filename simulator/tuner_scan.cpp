@@ -11,6 +11,7 @@
 
 #include "simulator/core/board.h"
 #include "simulator/tuner_curves.h"
+#include "simulator/tuner_records.h"
 #include "simulator/tuner_state.h"
 
 namespace sim {
@@ -83,10 +84,8 @@ std::vector<TransmitterPtr> carriersOfStep(const Tuner& tuner, uint32_t first, u
 void tell(const Tuner& tuner, const BlindScan& scan, uint32_t event, QLX_TunerBlindScanInfo info) {
     if (scan.params.callback == nullptr)
         return;
-    deliver("TunerBlindScan",
-            format("tuner=%u event=%u progress=%u frequency=%u", tuner.id, event, info.uProgress,
-                   info.uFrequency),
-            &info, sizeof info,
+    deliver("TunerBlindScan", format("tuner=%u", tuner.id),
+            {marked("event", &event), value("info", &info)},
             [&] { scan.params.callback(tuner.id, event, &info, scan.params.puFinishedBands); });
 }
 
@@ -95,8 +94,8 @@ void askForCandidate(const Tuner& tuner, const BlindScan& scan, uint32_t first, 
         return;
     QLX_TunerBlindScanInfo info = infoAt(scan, first);
     info.uFrequency = first + (end - first) / 2 + oscillator(scan);
-    deliver("TunerBlindScanTune", format("tuner=%u frequency=%u", tuner.id, info.uFrequency), &info,
-            sizeof info, [&] { scan.params.tuneCallback(tuner.id, &info); });
+    deliver("TunerBlindScanTune", format("tuner=%u", tuner.id), {value("candidate", &info)},
+            [&] { scan.params.tuneCallback(tuner.id, &info); });
 }
 
 /** One step, on the scan's thread. It works on a copy: a stop may come meanwhile. */
@@ -165,7 +164,7 @@ using sim::TunerNeed;
 using sim::tunerRefusal;
 
 int32_t QLX_TunerBlindScanStart(uint32_t eTunerId, const QLX_TunerBlindScanParams* pstParams) {
-    SIM_ENTRY("tuner=%u", eTunerId);
+    SIM_ENTRY("tuner=%u params=%s", eTunerId, sim::show(pstParams).c_str());
     std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
@@ -174,7 +173,6 @@ int32_t QLX_TunerBlindScanStart(uint32_t eTunerId, const QLX_TunerBlindScanParam
     Tuner& tuner = tunerFamily().tuners[eTunerId];
     if (tuner.scan.running || tuner.scan.stepping)
         SIM_RETURN(QLX_FAILED);
-    simCall.note(" range=%u..%u", pstParams->uStartIfFrequency, pstParams->uEndIfFrequency);
     tuner.scan = sim::BlindScan();
     tuner.scan.running = true;
     tuner.scan.params = *pstParams;
@@ -197,7 +195,7 @@ int32_t QLX_TunerBlindScanStart(uint32_t eTunerId, const QLX_TunerBlindScanParam
 }
 
 int32_t QLX_TunerBlindScanNext(uint32_t eTunerId, QLX_TunerBlindScanInfo* pstResult) {
-    SIM_ENTRY("tuner=%u", eTunerId);
+    SIM_ENTRY("tuner=%u result=%s", eTunerId, sim::showPointer(pstResult));
     std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
@@ -212,7 +210,7 @@ int32_t QLX_TunerBlindScanNext(uint32_t eTunerId, QLX_TunerBlindScanInfo* pstRes
         tuner.scanner->post(&tuner, 0, [&tuner] { sim::runStep(tuner); });
         tunerFamily().changed.wait(lock, [&] { return !scan.stepping; });
         *pstResult = scan.result;
-        simCall.output(pstResult, sizeof *pstResult);
+        simCall.output({sim::value("result", pstResult)});
         if (!sim::cancelled(scan))
             SIM_RETURN(scan.found ? 1 : 0);
     }

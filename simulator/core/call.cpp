@@ -218,14 +218,14 @@ static void sufferFaults(const FaultEffect& effect, const std::string& what) {
         sleepMs(effect.delayMs);
 }
 
-Call::Call(const char* function, const char* text, ...) : function_(function) {
+bool callsAreTold() {
     loadFaultFile();
-    if (tracing() || haveFaults()) {
-        va_list arguments;
-        va_start(arguments, text);
-        text_ = vformat(text, arguments);
-        va_end(arguments);
-    }
+    return tracing() || haveFaults();
+}
+
+Call::Call(const char* function, std::string arguments)
+    : function_(function), text_(std::move(arguments)) {
+    loadFaultFile();
     takeOutsideEvents();
     effect_ = faultsOn(function, text_);
     sufferFaults(effect_, format("%s(%s)", function_, text_.c_str()));
@@ -253,30 +253,53 @@ void Call::note(const char* text, ...) {
     va_end(arguments);
 }
 
-void Call::output(void* data, size_t size) {
-    corrupt(effect_, data, size);
-    note(" out=%zu", size);
+void Call::output(const std::vector<Value>& values) {
+    handedOut_ = true;
+    corrupt(effect_, function_, values);
+    if (!tracing())
+        return;
+    for (const Value& one : values) {
+        if (one.data != nullptr)
+            note_ += std::string(" ") + (one.marked ? one.member.name : "out") + "=" + show(one);
+    }
 }
 
 void Call::traceResult(int64_t code) {
     traced_ = true;
+    if (code == 0 && !handedOut_)
+        corrupt(effect_, function_, {});
     if (tracing())
         traceLine(format("%s(%s)=%lld%s", function_, text_.c_str(), static_cast<long long>(code),
                          note_.c_str()));
 }
 
-void deliver(const char* name, const std::string& text, void* payload, size_t size,
+/** "tuner=0 status=1". */
+static std::string textOf(const std::string& text, const std::vector<Value>& values) {
+    std::string all = text;
+    for (const Value& one : values) {
+        if (one.data != nullptr)
+            all += (all.empty() ? "" : " ") + std::string(one.member.name) + "=" + show(one);
+    }
+    return all;
+}
+
+void deliver(const char* name, const std::string& text, const std::vector<Value>& values,
              const std::function<void()>& call) {
-    std::string what = format("callback %s(%s)", name, text.c_str());
-    FaultEffect effect = faultsOn(name, text);
-    sufferFaults(effect, what);
+    std::string what;
+    if (callsAreTold())
+        what = textOf(text, values);
+    FaultEffect effect = faultsOn(name, what);
+    auto line = [&] { return format("callback %s(%s)", name, what.c_str()); };
+    sufferFaults(effect, line());
     if (effect.drop) {
-        traceLine(what + " dropped by a fault");
+        traceLine(line() + " dropped by a fault");
         return;
     }
-    corrupt(effect, payload, size);
+    corrupt(effect, name, values);
+    if (tracing())
+        what = textOf(text, values);
     for (int i = 0; i <= effect.repeat; i++) {
-        traceLine(what);
+        traceLine(line());
         call();
     }
 }

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
@@ -57,6 +58,24 @@ static bool parseCorruption(const std::string& value, FaultEffect* effect) {
     return true;
 }
 
+/** "flip=MEMBER", "zero=MEMBER", "set=MEMBER:VALUE". */
+static bool parseMemberChange(const std::string& key, const std::string& value,
+                              FaultEffect* effect) {
+    using Change = FaultEffect::MemberChange;
+    size_t colon = key == "set" ? value.find(':') : value.size();
+    if (colon == 0 || colon == std::string::npos)
+        return false;
+    Change change = {Change::flip, value.substr(0, colon), ""};
+    if (key == "zero")
+        change.kind = Change::zero;
+    if (key == "set") {
+        change.kind = Change::set;
+        change.word = value.substr(colon + 1);
+    }
+    effect->members.push_back(change);
+    return true;
+}
+
 /** Takes one word behind the function's name; false when it is none. */
 static bool parseWord(const std::string& word, Fault* fault) {
     size_t equals = word.find('=');
@@ -83,6 +102,8 @@ static bool parseWord(const std::string& word, Fault* fault) {
     }
     if (key == "corrupt")
         return parseCorruption(value, &effect);
+    if (key == "flip" || key == "zero" || key == "set")
+        return parseMemberChange(key, value, &effect);
     if (key == "hang" || key == "kill" || key == "drop" || key == "scramble" || key == "blank") {
         effect.hang = effect.hang || key == "hang";
         effect.kill = effect.kill || key == "kill";
@@ -214,14 +235,13 @@ FaultEffect faultsOn(const char* name, const std::string& arguments) {
         all.repeat += one.repeat;
         all.corruptions.insert(all.corruptions.end(), one.corruptions.begin(),
                                one.corruptions.end());
+        all.members.insert(all.members.end(), one.members.begin(), one.members.end());
     }
     return all;
 }
 
-void corrupt(const FaultEffect& effect, void* data, size_t size) {
-    if (data == nullptr)
-        return;
-    uint8_t* bytes = static_cast<uint8_t*>(data);
+/** Scrambles or blanks all bytes, then exchanges single ones that lie within. */
+static void corruptBytes(const FaultEffect& effect, uint8_t* bytes, size_t size) {
     for (size_t i = 0; effect.scramble && i < size; i++)
         bytes[i] ^= 0x55;
     if (effect.blank)
@@ -229,6 +249,32 @@ void corrupt(const FaultEffect& effect, void* data, size_t size) {
     for (const FaultEffect::Corruption& change : effect.corruptions) {
         if (change.offset < size)
             bytes[change.offset] = change.value;
+    }
+}
+
+static bool changeMember(const FaultEffect::MemberChange& change, const Place& place) {
+    if (change.kind == FaultEffect::MemberChange::flip)
+        return flipMember(place);
+    if (change.kind == FaultEffect::MemberChange::set)
+        return setMember(place, change.word);
+    zeroMember(place);
+    return true;
+}
+
+void corrupt(const FaultEffect& effect, const char* name, const std::vector<Value>& values) {
+    for (const Value& value : values) {
+        if (value.data != nullptr && !value.marked)
+            corruptBytes(effect, static_cast<uint8_t*>(value.data), value.size());
+    }
+    for (const FaultEffect::MemberChange& change : effect.members) {
+        Place place;
+        bool found = std::any_of(values.begin(), values.end(), [&](const Value& value) {
+            return findMember(value, change.path, &place);
+        });
+        if (!found)
+            complain("%s hands out no '%s' for the fault", name, change.path.c_str());
+        else if (!changeMember(change, place))
+            complain("the '%s' that %s hands out cannot be made so", change.path.c_str(), name);
     }
 }
 

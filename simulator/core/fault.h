@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "simulator/core/record.h"
+
 namespace sim {
 
 /** What the faults do to one call or callback. */
@@ -25,6 +27,13 @@ struct FaultEffect {
     std::vector<Corruption> corruptions;
     bool scramble = false;
     bool blank = false;
+    /** A member, and what is done to it. */
+    struct MemberChange {
+        enum { flip, zero, set } kind;
+        std::string path;
+        std::string word;
+    };
+    std::vector<MemberChange> members;
 };
 
 /** Parses a line and adds the fault; false, with the reason in `error`, for a line that is none. */
@@ -41,8 +50,9 @@ FaultEffect faultsOn(const char* name, const std::string& arguments);
 /** Reads the file that QLX_SIM_FAULTS names, once. */
 void loadFaultFile();
 
-/** Scrambles or blanks `size` bytes of `data`, then exchanges single ones that lie within. */
-void corrupt(const FaultEffect& effect, void* data, size_t size);
+/** Does to the values of a call or callback what the faults say, and complains of members that
+ *  none of them has. */
+void corrupt(const FaultEffect& effect, const char* name, const std::vector<Value>& values);
 
 /** Never returns: a call that hangs, or a process that dies. */
 [[noreturn]] void hangForever();

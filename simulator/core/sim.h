@@ -26,8 +26,10 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "simulator/core/fault.h"
+#include "simulator/core/record.h"
 
 #define SIM_PRINTF(text, first) __attribute__((format(printf, text, first)))
 
@@ -37,7 +39,7 @@ namespace sim {
 class Call {
  public:
     /** Traces the arguments, waits the function's latency, and lets the faults act. */
-    Call(const char* function, const char* format, ...) SIM_PRINTF(3, 4);
+    Call(const char* function, std::string arguments);
     ~Call();
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
@@ -48,11 +50,14 @@ class Call {
     }
     int32_t refusal();
 
-    /** Adds what the call answered beside its code to the trace: " level=%d". */
+    /** Adds what the call did beside answering to the trace: " odu=...". */
     void note(const char* format, ...) SIM_PRINTF(2, 3);
 
-    /** Lets a fault alter `size` bytes that the call is about to hand out, and notes how many. */
-    void output(void* data, size_t size);
+    /**
+     * Tells what the call is about to hand out, all of it at once: lets faults alter the values,
+     * and adds them to the trace, " out={uPid=16}" or of a marked one " length=16".
+     */
+    void output(const std::vector<Value>& values);
 
     template <typename T>
     T result(T code) {
@@ -68,25 +73,34 @@ class Call {
     std::string note_;
     FaultEffect effect_;
     bool traced_ = false;
+    bool handedOut_ = false;
 };
 
-#define SIM_ENTRY(...)                        \
-    sim::Call simCall(__func__, __VA_ARGS__); \
-    if (simCall.refused())                    \
+/** Whether somebody wants to know the arguments of calls: trace, record or faults. */
+bool callsAreTold();
+
+/** The arguments are printf's, "pin=%u level=%d", all that the function has; they are put into
+ *  text only when it is wanted. */
+#define SIM_ENTRY(...)                                                                           \
+    sim::Call simCall(__func__, sim::callsAreTold() ? sim::format(__VA_ARGS__) : std::string()); \
+    if (simCall.refused())                                                                       \
+    return simCall.refusal()
+#define SIM_ENTRY_NO_ARGUMENTS()                \
+    sim::Call simCall(__func__, std::string()); \
+    if (simCall.refused())                      \
     return simCall.refusal()
 #define SIM_RETURN(code) return simCall.result(code)
 
 /**
- * Hands a callback to the program: traces it as "callback NAME(text)" and lets faults drop, repeat,
- * delay or corrupt it.
- * @param name     the callback's name for traces and faults, e.g. "TunerEvent"
- * @param text     what the trace tells of it
- * @param payload  the bytes that a fault may alter, null when there are none
- * @param size     their count
- * @param call     calls the program's function
+ * Hands a callback to the program: traces it as "callback NAME(text values)" and lets faults drop,
+ * repeat, delay or corrupt it.
+ * @param name    the callback's name for traces and faults, e.g. "TunerEvent"
+ * @param text    whose callback it is, "tuner=0"; empty where there is one only
+ * @param values  what it brings, shown as "name=value" in the trace; faults may alter it
+ * @param call    calls the program's function
  * Called on a device thread, with no family lock held.
  */
-void deliver(const char* name, const std::string& text, void* payload, size_t size,
+void deliver(const char* name, const std::string& text, const std::vector<Value>& values,
              const std::function<void()>& call);
 
 /**

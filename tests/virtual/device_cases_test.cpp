@@ -38,9 +38,8 @@ class DeviceCases : public testing::Test {
         if (fault != nullptr) {
             EXPECT_EQ(qlx_sim_add_fault(fault), 0);
         }
-        uint32_t result = runCaseByName(name.find("GPIO") != std::string::npos ? GPIOModule
-                                                                              : I2CModule,
-                                        name);
+        uint32_t result =
+            runCaseByName(name.find("GPIO") != std::string::npos ? GPIOModule : I2CModule, name);
         if (fault != nullptr) {
             EXPECT_GT(qlx_sim_faults_acted(), 0u) << name << " with " << fault;
         }
@@ -85,8 +84,8 @@ TEST_F(DeviceCases, AWrongAnswerTurnsTheCaseThatAsksForIt) {
         {"TC_I2C_Open_019", "QLX_I2CClose return=0", ""},
         {"TC_I2C_Open_023", "QLX_I2COpen call=2 return=0", ""},
         {"TC_I2C_ReadWrite_001", "QLX_I2CRead return=1", ""},
-        {"TC_I2C_ReadWrite_001", "QLX_I2CRead corrupt=0:0", ""},
-        {"TC_I2C_ReadWrite_002", "QLX_I2CWrite corrupt=0:0", ""},
+        {"TC_I2C_ReadWrite_001", "QLX_I2CRead zero=length", ""},
+        {"TC_I2C_ReadWrite_002", "QLX_I2CWrite zero=length", ""},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(run(row.name, row.fault), static_cast<uint32_t>(TC_FAILURE))
@@ -140,7 +139,9 @@ TEST_F(DeviceCases, AnI2CCaseUndoesInReverse) {
     qlx_sim_record(0);
     EXPECT_EQ(recordedCalls(),
               "QLX_I2CInit()=0\nQLX_I2COpen(bus=1 rate=3)=0\n"
-              "QLX_I2CRead(bus=1 length=4)=5 refused by a fault\n"
+              "QLX_I2CRead(bus=1 config={chipAddress=80 registerAddressLength=2 "
+              "registerAddress=f07f0000000000000000} length=4 buffer=set readLength=set)=5 "
+              "refused by a fault\n"
               "QLX_I2CClose(bus=1)=0\nQLX_I2CDeInit()=0\n");
 }
 

@@ -98,7 +98,7 @@ TEST_F(TeecModuleTest, ARefusedMessageGoesOnToTheClosingCalls) {
     EXPECT_TRUE(says("TEST Result: FAIL"));
     EXPECT_EQ(tookMs_, 0);
     std::string calls = recordedCalls();
-    size_t unregister = calls.find("QLX_TEECUnRegisterCallback(ta=0)=0");
+    size_t unregister = calls.find("QLX_TEECUnRegisterCallback(ta=0 callback=set)=0");
     EXPECT_NE(unregister, std::string::npos);
     EXPECT_LT(unregister, calls.find("QLX_TEECClose(ta=0)=0"));
     EXPECT_EQ(deviceState(), "");

@@ -138,7 +138,7 @@ TEST_F(TunerHarness, OtherWrappersUndoWhatTheyDid) {
     addFault("QLX_TunerUnRegisterCallback return=5");
     EXPECT_EQ(TC_TUNER_CLOSE(1), FAIL);
     EXPECT_EQ(recordedCalls(),
-              "QLX_TunerUnRegisterCallback(tuner=1)=5 refused by a fault\n"
+              "QLX_TunerUnRegisterCallback(tuner=1 callback=set)=5 refused by a fault\n"
               "QLX_TunerClose(tuner=1)=0\n");
     EXPECT_EQ(TC_TUNER_DEINIT(), PASS);
 }
