@@ -1,6 +1,6 @@
 // The configuration reader. A start reads tens of thousands of keys, each by a scan of its file, so
-// the scan looks at no more than it must: it jumps from header to header, and takes a line apart only
-// when it is a header, or begins with the key in the section that is asked for.
+// the scan looks at no more than it must: it jumps from header to header, and takes a line apart
+// only when it is a header, or begins with the key in the section that is asked for.
 #include "environment/conf_reader.h"
 
 #include <ctype.h>
@@ -95,7 +95,8 @@ int32_t get_item_from_line(char* line, ConfItem* item) {
 
 /** Reads a whole file into memory of malloc; null when it cannot be read. */
 static char* readFile(const char* path, size_t* size) {
-    int fd = open(path, O_RDONLY | O_CLOEXEC);
+    // Without O_NONBLOCK a named pipe in the file's place would hold the start up for ever.
+    int fd = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (fd < 0)
         return nullptr;
     struct stat status;
@@ -169,8 +170,8 @@ static bool findItem(const char* text, const char* end, const char* section, con
             first++;
         // A line that neither opens a section nor begins with the key need not be taken apart.
         size_t length = static_cast<size_t>(next - first);
-        bool matters = length > 0 && (*first == '[' || (length >= keyLength &&
-                                                        memcmp(first, key, keyLength) == 0));
+        bool matters = length > 0 && (*first == '[' ||
+                                      (length >= keyLength && memcmp(first, key, keyLength) == 0));
         if (matters && parseLine(line, next, item) == CONF_LINE_ITEM &&
             strcmp(item->key, key) == 0 && strcmp(item->section, section) == 0)
             return true;
@@ -184,8 +185,11 @@ int32_t read_conf_value(const char* section, const char* key, char* value, const
     char* text = readFile(path, &size);
     if (text == nullptr)
         return 1;
+    // Some editors put a byte order mark in front of the first line.
+    static const char mark[] = {'\xEF', '\xBB', '\xBF'};
+    bool marked = size >= sizeof mark && memcmp(text, mark, sizeof mark) == 0;
     ConfItem item = {};
-    bool found = findItem(text, text + size, section, key, &item);
+    bool found = findItem(text + (marked ? sizeof mark : 0), text + size, section, key, &item);
     if (found)
         memcpy(value, item.value, strlen(item.value) + 1);
     free(text);

@@ -5,6 +5,9 @@
  * and the first match in the file decides. The _self readers fall back on one fixed file,
  * "config/common_config.cfg", so that a platform's file need only hold what differs.
  *
+ * A byte order mark of UTF-8 in front of the first line is passed over. What is no regular file (a
+ * folder, a named pipe, a device) reads as a file that is missing.
+ *
  * A line is at most 1022 characters, a longer one reads as several. A line is a comment when its
  * first character is '#'. There are no quotes and no escapes; section and key match in their exact
  * case. Section, key and value hold at most CONF_TEXT_SIZE - 1 characters, the rest is cut.

@@ -72,6 +72,10 @@ TEST_F(ConfReader, ReadsTheSyntaxOfLines) {
         {"[S]\nK=v\t\n", "v\t"},  // nor is a tab at the end of a value
         {"[s]\nK=1\n[S]\nk=2\n", "<none>"},
         {"", "<none>"},
+        {"\xEF\xBB\xBF[S]\nK=1\n", "1"},                   // a byte order mark
+        {"\xEF\xBB\xBF\xEF\xBB\xBF[S]\nK=1\n", "<none>"},  // of which there is one
+        {"[S]\n\xEF\xBB\xBFK=1\nK=2\n", "2"},              // and only at the head
+        {"\xEF\xBB", "<none>"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(find(row.text, "S", "K"), row.value) << row.text;
@@ -113,8 +117,9 @@ TEST_F(ConfReader, ReadsAnyBytesAsAReaderWithoutShortCutsDoes) {
     for (int round = 0; round < 2000; round++) {
         std::string text;
         for (int i = 0; i < 60; i++) {
-            static const char* const pieces[] = {"[S]", "[T]", "K=", "KK=", "K", "=", "\n", "\n",
-                                                 "\n", "[", "]", " ", "\t", "#", "v", "\r\n"};
+            static const char* const pieces[] = {"[S]", "[T]", "K=", "KK=", "K", "=",
+                                                 "\n",  "\n",  "\n", "[",   "]", " ",
+                                                 "\t",  "#",   "v",  "\r\n"};
             unsigned pick = next();
             text += pieces[pick % 16];
             if (pick % 97 == 0)
@@ -169,6 +174,16 @@ TEST_F(ConfReader, ReadersFallBackAndEchoEachInItsWay) {
     EXPECT_EQ(get_conf_sting("S", "NEITHER", text), 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "[S]OWN=1\n[S]BOTH=2\n[S]FALLBACK=3\n[S]OWN=1\nBOTH=4\n[S]NEITHER=1\n");
+}
+
+TEST_F(ConfReader, WhatIsNoFileIsMissing) {
+    ASSERT_EQ(mkfifo("pipe.cfg", 0600), 0);
+    write("config/common_config.cfg", "[S]\nK=5\n");
+    for (const char* path : {"pipe.cfg", "config", "/dev/null", "", "none.cfg"}) {
+        int32_t number = 77;
+        EXPECT_EQ(get_conf_value_self("S", "K", &number, path), 0) << path;
+        EXPECT_EQ(number, 5) << path;
+    }
 }
 
 TEST(ConfLineTools, TrimAsTheyAreNamed) {
