@@ -33,6 +33,7 @@ static void fillConfig(TcFwConfig* config) {
 int main(int argc, char** argv) {
     TcFwConfig config = {};
     int32_t platform = 0;
+    zk_holdStandardFiles();
     zk_logInit();
     snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
     get_common_config(&g_configFile);

@@ -1,5 +1,6 @@
 #include "framework/report.h"
 
+#include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -195,11 +196,32 @@ int32_t zk_xlsCreateBook(void) {
     return pWorkBook != nullptr ? 0 : -1;
 }
 
+/** Says on the console what is new about the saving of the report: a failure, its end, and once
+ *  that a crash in the middle of a save would cost the report. */
+static void tellSave(const char* path, bool saved, int error) {
+    static bool failing;
+    static bool toldInPlace;
+    if (!saved && !failing)
+        zk_log("test report %s could not be saved: %s \r\n", path,
+               error != 0 ? strerror(error) : "unknown error");
+    if (saved && failing)
+        zk_log("test report %s is saved again \r\n", path);
+    failing = !saved;
+    int reason = saved ? xlsWorkbookInPlace(pWorkBook) : 0;
+    if (reason == 0 || toldInPlace)
+        return;
+    toldInPlace = true;
+    zk_log("test report %s is written in place, no new file can take its place: %s \r\n", path,
+           strerror(reason));
+}
+
 int32_t zk_xlsSaveBook(const char* path) {
     if (path == nullptr || pWorkBook == nullptr)
         return -1;
     // A save that fails leaves the last good report; the next row saves all of it again.
-    xlsWorkbookDump(pWorkBook, path);
+    errno = 0;
+    bool saved = xlsWorkbookDump(pWorkBook, path) == 0;
+    tellSave(path, saved, errno);
     return 0;
 }
 

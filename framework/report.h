@@ -66,7 +66,8 @@ int32_t zk_xlsLoadDataFromTestReport(const char* path);
 
 /** Starts a new report in memory. 0, or -1. */
 int32_t zk_xlsCreateBook(void);
-/** Writes the report to its file, whole. 0, or -1 for a null path. */
+/** Writes the report to its file, whole. A save that fails is told on the console, once until one
+ *  works again. 0, or -1 for a null path. */
 int32_t zk_xlsSaveBook(const char* path);
 /** Adds a sheet with its headings to the report, the one that rows go to from now on. 0, or -1. */
 int32_t zk_xlsCreateSheet(const char* name);

@@ -5,6 +5,7 @@
 //
 // What is written is what all readers of the format agree on: four fonts and sixteen formats, for
 // less is not read by some, a table of shared strings, and a stream too long for the mini stream.
+#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -97,6 +98,7 @@ struct workbook {
     uint16_t* units;  // of the text being written
     ByteBuffer head;  // the records before those of the sheets' positions
     ByteBuffer file;  // the file of the last save
+    int inPlace;      // why the last save could not replace the file, as errno has it; else 0
 };
 
 namespace {
@@ -647,8 +649,17 @@ cell_t* xlsWorksheetNumberInt(worksheet* sheet, unsigned row, unsigned col, int 
 }
 
 int xlsWorkbookDump(workbook* book, const char* file) {
-    if (book == nullptr || file == nullptr || book->sheetCount == 0 || !encodeFile(book)) {
+    if (book == nullptr || file == nullptr || book->sheetCount == 0) {
+        errno = EINVAL;
         return -1;
     }
-    return replaceFile(file, book->file.data, book->file.size, syncIsOn());
+    if (!encodeFile(book)) {
+        errno = ENOMEM;
+        return -1;
+    }
+    return replaceFile(file, book->file.data, book->file.size, syncIsOn(), &book->inPlace);
+}
+
+int xlsWorkbookInPlace(const workbook* book) {
+    return book->inPlace;
 }

@@ -13,6 +13,10 @@
 #ifdef __cplusplus
 using namespace xlslib_core;
 #endif
+// The library writes in place always, and says nothing of it.
+static inline int xlsWorkbookInPlace(const workbook*) {
+    return 0;
+}
 #else
 
 #ifdef __cplusplus
@@ -46,11 +50,16 @@ cell_t* xlsWorksheetNumberInt(worksheet* sheet, unsigned row, unsigned col, int 
                               xf_t* format);
 
 // Saves the workbook as `file`: whole or not at all, also across a crash or a power cut. It is
-// written to `file`.tmp first, synced to the medium and renamed. ZK_REPORT_SYNC=0 in the
-// environment leaves the syncs out, which keeps the promise for a crash of the program but not for
-// a power cut. Returns 0, or -1 on any error, a workbook without sheets among them; the old file is
-// then still there.
+// written to `file`.tmp first, synced to the medium and renamed; owner and mode of the old file are
+// kept. Where a file cannot be renamed it is written in place. ZK_REPORT_SYNC=0 in the environment
+// leaves the syncs out, which keeps the promise for a crash of the program but not for a power cut.
+// Returns 0, or -1 with errno on any error, a workbook without sheets and a file that may not be
+// written among them; the old file is then still there.
 int xlsWorkbookDump(workbook* book, const char* file);
+
+// Not one of the library's: why the last save was written in place, as errno has it, so that a
+// crash in it would have damaged the file; 0 when it replaced the file whole.
+int xlsWorkbookInPlace(const workbook* book);
 
 #ifdef __cplusplus
 }

@@ -47,6 +47,18 @@ class AutoTest(bench.BenchTest):
         self.assertIn("There is no module(Tuner) in checklist!", out)
         self.assertNotIn("GoodBye", out)
 
+    def test_a_start_with_closed_standard_descriptors(self):
+        self.two_modules()
+        shell = 'exec "$@" <&- >&- 2>&-'
+        process = subprocess.Popen(["sh", "-c", shell, "sh"] + bench.command(bench.PROGRAM, "auto"),
+                                   cwd=self.dir, env=self.environment, start_new_session=True,
+                                   preexec_fn=bench.die_with_the_test)
+        self.groups.append(process.pid)
+        self.assertEqual(process.wait(timeout=bench.PATIENCE_S), 0)
+        self.wait_for_group(process.pid)
+        for module in MODULES:
+            self.assertEqual(self.results(module), self.expected()[module])
+
     def test_a_complete_report_is_not_run_again(self):
         self.two_modules()
         self.auto()

@@ -1,11 +1,13 @@
 // The workbook writer: what is written comes back, in whatever order and however often it was
 // written and saved in between; and a save replaces a file whole or leaves it alone.
 #include <dirent.h>
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -279,12 +281,6 @@ TEST_F(WorkbookWriter, ASaveReplacesTheFileOrLeavesItAlone) {
     EXPECT_EQ(listFolder(folder), (std::set<std::string>{"report.xls"}));
     EXPECT_EQ(readFile(path).error, LIBXLS_OK);
 
-    const std::string saved = fileContent(path);
-    ASSERT_EQ(mkdir((path + ".tmp").c_str(), 0755), 0);
-    EXPECT_EQ(xlsWorkbookDump(book_, path.c_str()), -1) << "the new file cannot be made";
-    EXPECT_TRUE(fileContent(path) == saved);
-    rmdir((path + ".tmp").c_str());
-
     const std::string link = folder + "/link.xls";
     ASSERT_EQ(symlink("report.xls", link.c_str()), 0);
     xlsWorksheetLabel(xlsWorkbookSheet(book_, "I2C"), 0, 0, "ID", nullptr);
@@ -298,6 +294,145 @@ TEST_F(WorkbookWriter, ASaveReplacesTheFileOrLeavesItAlone) {
     EXPECT_EQ(xlsWorkbookDump(book_, pipe.c_str()), -1) << "no device node is replaced by a file";
     EXPECT_EQ(xlsWorkbookDump(book_, nullptr), -1);
     EXPECT_EQ(xlsWorkbookDump(nullptr, path.c_str()), -1);
+}
+
+// What keeps a new file from taking the old one's place; then the old one is written over.
+TEST_F(WorkbookWriter, WhereNoFileCanBeRenamedItIsWrittenInPlace) {
+    worksheet* sheet = xlsWorkbookSheet(book_, "GPIO");
+    const std::string folder = temporaryPath("in_place");
+    ASSERT_EQ(mkdir(folder.c_str(), 0755), 0);
+    const std::string path = folder + "/report.xls";
+    ASSERT_EQ(mkdir((path + ".tmp").c_str(), 0755), 0);
+    std::ofstream(path) << std::string(100000, 'x');
+    unsigned rows = 0;
+    auto saveRow = [&](const std::string& file) {
+        xlsWorksheetLabel(sheet, rows++, 0, "ID", nullptr);
+        int result = xlsWorkbookDump(book_, file.c_str());
+        EXPECT_EQ(readFile(file).sheets.at(0).lastRow, rows - 1);
+        return result;
+    };
+    EXPECT_EQ(saveRow(path), 0) << "a folder in the new file's place";
+    EXPECT_EQ(xlsWorkbookInPlace(book_), EISDIR);
+    EXPECT_LT(fileContent(path).size(), 100000u) << "what the old file had more is gone";
+
+    const std::string link = folder + "/link.xls";
+    ASSERT_EQ(symlink("elsewhere.xls", link.c_str()), 0);
+    EXPECT_EQ(saveRow(link), 0) << "a link that leads nowhere yet";
+    EXPECT_EQ(xlsWorkbookInPlace(book_), ENOENT);
+    EXPECT_EQ(saveRow(link), 0);
+    EXPECT_EQ(xlsWorkbookInPlace(book_), 0) << "and now leads to a file that can be replaced";
+
+    const std::string longName = folder + "/" + std::string(250, 'n') + ".xls";
+    EXPECT_EQ(saveRow(longName), 0) << "no room for the new file's longer name";
+    EXPECT_EQ(xlsWorkbookInPlace(book_), ENAMETOOLONG);
+    EXPECT_EQ(xlsWorkbookDump(book_, (folder + "/none/report.xls").c_str()), -1);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+// Rights as a user has them to whom the system denies something: root is denied nothing.
+class AsUser {
+ public:
+    static constexpr uid_t kUser = 65534;
+    AsUser() {
+        if (geteuid() == 0 && seteuid(kUser) != 0)
+            abort();
+    }
+    ~AsUser() {
+        if (getuid() == 0 && seteuid(0) != 0)
+            abort();
+    }
+};
+
+TEST_F(WorkbookWriter, RightsOwnerAndModeStay) {
+    xlsWorksheetLabel(xlsWorkbookSheet(book_, "GPIO"), 0, 0, "ID", nullptr);
+    const std::string folder = temporaryPath("rights");
+    const std::string path = folder + "/report.xls";
+    ASSERT_EQ(mkdir(folder.c_str(), 0777), 0);
+    ASSERT_EQ(chmod(temporaryPath("").c_str(), 0711), 0);
+    ASSERT_EQ(chmod(folder.c_str(), 0777), 0);
+    auto modeOf = [&path] {
+        struct stat status = {};
+        EXPECT_EQ(stat(path.c_str(), &status), 0);
+        return status.st_mode & 07777;
+    };
+    std::ofstream(path) << "old";
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    ASSERT_EQ(xlsWorkbookDump(book_, path.c_str()), 0);
+    EXPECT_EQ(modeOf(), 0640u);
+    EXPECT_EQ(xlsWorkbookInPlace(book_), 0);
+
+    ASSERT_EQ(chown(path.c_str(), geteuid() == 0 ? AsUser::kUser : geteuid(), getegid()), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    const std::string saved = fileContent(path);
+    {
+        AsUser user;
+        xlsWorksheetLabel(xlsWorkbookSheet(book_, "I2C"), 0, 0, "ID", nullptr);
+        EXPECT_EQ(xlsWorkbookDump(book_, path.c_str()), -1) << "a write-protected report";
+        EXPECT_EQ(errno, EACCES);
+        EXPECT_EQ(listFolder(folder), (std::set<std::string>{"report.xls"}));
+    }
+    EXPECT_TRUE(fileContent(path) == saved);
+    ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+    ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
+    {
+        AsUser user;
+        EXPECT_EQ(xlsWorkbookDump(book_, path.c_str()), 0) << "a folder that may not be written";
+        EXPECT_EQ(xlsWorkbookInPlace(book_), EACCES);
+    }
+    EXPECT_EQ(readFile(path).sheets.size(), 2u);
+    ASSERT_EQ(chmod(folder.c_str(), 0777), 0);
+    if (geteuid() != 0)
+        return;
+    ASSERT_EQ(chown(path.c_str(), 1234, 2345), 0);
+    ASSERT_EQ(xlsWorkbookDump(book_, path.c_str()), 0);
+    EXPECT_EQ(xlsWorkbookInPlace(book_), 0);
+    {
+        AsUser user;
+        ASSERT_EQ(xlsWorkbookDump(book_, path.c_str()), 0);
+        EXPECT_EQ(xlsWorkbookInPlace(book_), EPERM) << "a file that cannot be given away";
+    }
+    struct stat status = {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 1234u);
+    EXPECT_EQ(status.st_gid, 2345u);
+    EXPECT_EQ(modeOf(), 0666u);
+    EXPECT_EQ(listFolder(folder), (std::set<std::string>{"report.xls"}));
+}
+
+// Two programs save one report as fast as they can; a reader never finds less than a whole one.
+TEST_F(WorkbookWriter, TwoProgramsThatSaveOneReportDoNotMix) {
+    const std::string path = temporaryPath("shared.xls");
+    std::vector<pid_t> programs;
+    for (unsigned rows : {1u, 4000u}) {
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            worksheet* sheet = xlsWorkbookSheet(book_, "GPIO");
+            for (unsigned row = 0; row < rows; row++)
+                xlsWorksheetNumberInt(sheet, row, 0, static_cast<int>(row), nullptr);
+            int failures = 0;
+            for (int save = 0; save < 300; save++)
+                failures +=
+                    xlsWorkbookDump(book_, path.c_str()) != 0 || xlsWorkbookInPlace(book_) != 0;
+            _exit(failures != 0);
+        }
+        programs.push_back(child);
+    }
+    while (access(path.c_str(), F_OK) != 0)
+        usleep(100);
+    std::set<size_t> sizes;
+    int status = -1;
+    while (waitpid(programs[0], &status, WNOHANG) == 0) {
+        ReadBook read = readFile(path);
+        ASSERT_EQ(read.error, LIBXLS_OK);
+        sizes.insert(read.sheets.at(0).texts.size());
+    }
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(waitpid(programs[1], &status, 0), programs[1]);
+    EXPECT_EQ(status, 0);
+    for (size_t size : sizes)
+        EXPECT_TRUE(size == 1 || size == 4000) << size;
+    EXPECT_NE(access((path + ".tmp").c_str(), F_OK), 0);
 }
 
 // A limit of the file size stands for a medium that is full in the middle of the write.
@@ -315,12 +450,17 @@ TEST_F(WorkbookWriter, AFullMediumKeepsTheOldReport) {
     sighandler_t handler = signal(SIGXFSZ, SIG_IGN);
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
     int result = xlsWorkbookDump(book_, path.c_str());
+    bool partIsThere = access((path + ".tmp").c_str(), F_OK) == 0;
+    mkdir((path + ".tmp").c_str(), 0755);
+    int resultInPlace = xlsWorkbookDump(book_, path.c_str());
+    rmdir((path + ".tmp").c_str());
     setrlimit(RLIMIT_FSIZE, &before);
     signal(SIGXFSZ, handler);
 
     EXPECT_EQ(result, -1);
+    EXPECT_FALSE(partIsThere);
+    EXPECT_EQ(resultInPlace, -1) << "nor is the old one written over without room for the new";
     EXPECT_TRUE(fileContent(path) == saved);
-    EXPECT_NE(access((path + ".tmp").c_str(), F_OK), 0) << "the part is removed";
     EXPECT_EQ(xlsWorkbookDump(book_, path.c_str()), 0) << "and the next save succeeds";
     EXPECT_EQ(readFile(path).sheets[0].lastRow, 1u);
 }
