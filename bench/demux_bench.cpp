@@ -12,9 +12,9 @@
 
 #include "platform/qlx_demux.h"
 #include "platform/qlx_filter.h"
-#include "simulator/air.h"
 #include "simulator/core/sim.h"
-#include "simulator/ts_stream.h"
+#include "simulator/stream/ts_stream.h"
+#include "simulator/world/air.h"
 #include "tests/unit/sim_demux_streams.h"
 
 namespace {

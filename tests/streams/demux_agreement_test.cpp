@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/ts_stream.h"
+#include "simulator/stream/ts_stream.h"
 #include "testcase/demux/demux_reference.h"
 #include "tests/streams/made_streams.h"
 #include "tools/mkstreams/section.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "platform/qlx_factory.h"
-#include "simulator/factory_key.h"
+#include "simulator/storage/factory_key.h"
 #include "tests/unit/bench_folder.h"
 #include "tests/unit/device.h"
 

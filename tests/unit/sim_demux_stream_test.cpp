@@ -7,9 +7,9 @@
 #include <random>
 #include <set>
 
-#include "simulator/demux_state.h"
-#include "simulator/ts_stream.h"
-#include "simulator/ts_units.h"
+#include "simulator/demux/demux_state.h"
+#include "simulator/stream/ts_stream.h"
+#include "simulator/stream/ts_units.h"
 #include "tests/unit/sim_demux_streams.h"
 
 namespace {
@@ -363,7 +363,8 @@ Bytes turned(const Bytes& packets, size_t turn, size_t times) {
 /** The PES packets of both stamps and the packets themselves, loop for loop. */
 void expectStampsToRunOn(const Bytes& packets, size_t turn, size_t times, uint64_t pts,
                          uint64_t dts) {
-    // A packet lasts 90 units of the stamps. Before the turn, the last packet is the second PES packet.
+    // A packet lasts 90 units of the stamps. Before the turn, the last packet is the second PES
+    // packet.
     sim::TsStream stream(turned(packets, turn, times), 300 * 90);
     size_t count = packets.size() / 188;
     ASSERT_EQ(stream.pesOf(pid).size(), 2u);

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/qlx_tuner.h"
-#include "simulator/satellite.h"
+#include "simulator/world/satellite.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/qlx_tuner.h"
-#include "simulator/tuner_curves.h"
+#include "simulator/tuner/tuner_curves.h"
 
 namespace {
 

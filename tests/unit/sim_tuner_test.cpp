@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "platform/qlx_tuner.h"
-#include "simulator/air.h"
 #include "simulator/sim_control.h"
-#include "simulator/tuner_lock.h"
+#include "simulator/tuner/tuner_lock.h"
+#include "simulator/world/air.h"
 #include "tests/unit/device.h"
 
 namespace {

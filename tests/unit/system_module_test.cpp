@@ -6,7 +6,7 @@
 #include "platform/qlx_env.h"
 #include "platform/qlx_hdcp.h"
 #include "platform/qlx_sys.h"
-#include "simulator/device_clock.h"
+#include "simulator/core/device_clock.h"
 #include "tests/unit/bench_folder.h"
 #include "tests/unit/device.h"
 

@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "platform/qlx_tuner.h"
-#include "simulator/air.h"
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
-#include "simulator/satellite.h"
 #include "simulator/sim_control.h"
+#include "simulator/world/air.h"
+#include "simulator/world/satellite.h"
 #include "tests/unit/device.h"
 
 namespace {
