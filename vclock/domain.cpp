@@ -6,9 +6,9 @@
 #include <linux/futex.h>
 #include <sys/syscall.h>
 
+#include "tools/common/exit_codes.h"
 #include "vclock/domain_internal.h"
 #include "vclock/real.h"
-#include "vclock/vclock.h"
 
 namespace vclock {
 
@@ -262,7 +262,7 @@ uint32_t dispatch(bool deathsKnown) {
         if (census.firstDue != 0 && !census.timeHeld) {
             if (census.due > region->limit) {
                 reportLimit();
-                return finish(VCLOCK_EXIT_LIMIT);
+                return finish(EXIT_LIMIT);
             }
             advance(census.due);
             continue;
@@ -321,7 +321,7 @@ static void takePartInReport() {
         kick(next);
         return;
     }
-    region->finished = VCLOCK_EXIT_DEADLOCK;
+    region->finished = EXIT_DEADLOCK;
     endWithAll();
 }
 

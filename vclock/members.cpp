@@ -13,6 +13,7 @@
 
 #include <initializer_list>
 
+#include "tools/common/exit_codes.h"
 #include "vclock/domain_internal.h"
 #include "vclock/environment.h"
 #include "vclock/real.h"
@@ -241,8 +242,10 @@ void becomeChild(const Child& child) {
             process.pid = getpid();
     }
     Child mine = known ? child : addProcess();
-    if (mine.thread == 0)
-        real()._exit(127);
+    if (mine.thread == 0) {
+        dprintf(STDERR_FILENO, "vclock: no room for another process\n");
+        real()._exit(EXIT_FAILED);
+    }
     if (!known)
         nameChild(mine, getpid());
     myProcess = mine.process;

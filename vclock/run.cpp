@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <string>
 
+#include "tools/common/exit_codes.h"
 #include "vclock/environment.h"
 
 static const char* const kUsage =
@@ -112,12 +113,12 @@ int main(int argc, char** argv) {
     int at = readOptions(argc, argv);
     if (at == 0) {
         fputs(kUsage, stderr);
-        return 2;
+        return EXIT_USAGE;
     }
     std::string library = libraryBesideLauncher();
     if (access(library.c_str(), R_OK) != 0) {
         fprintf(stderr, "run: no library %s\n", library.c_str());
-        return 126;
+        return EXIT_CANNOT_RUN;
     }
     std::string program = findProgram(argv[at]);
     putInFront("LD_PRELOAD", library);
@@ -130,5 +131,5 @@ int main(int argc, char** argv) {
         personality(static_cast<unsigned long>(before) | ADDR_NO_RANDOMIZE);
     execv(program.c_str(), argv + at);
     fprintf(stderr, "run: %s: %s\n", argv[at], strerror(errno));
-    return errno == ENOENT ? 127 : 126;
+    return errno == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN;
 }

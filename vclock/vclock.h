@@ -11,11 +11,6 @@
 extern "C" {
 #endif
 
-// Exit status of every process of the domain when all threads wait and none has a deadline.
-#define VCLOCK_EXIT_DEADLOCK 86
-// The same when the domain has lived as long as the launcher's --limit allows.
-#define VCLOCK_EXIT_LIMIT 87
-
 // Lets the device sleep for ns nanoseconds (0 or more): the calendar (CLOCK_REALTIME, time(),
 // gettimeofday()) and CLOCK_BOOTTIME go on by ns, CLOCK_MONOTONIC stands still. Waits for a moment
 // of the calendar that has passed by then end at once; all other waits last as long as before.

@@ -6,9 +6,9 @@
 // time: the calendar goes on by its length, the monotonic clock does not. Without such a source the
 // device waits for an event that somebody sends; time goes on meanwhile, for nobody could stop it.
 //
-// Standby: the process ends with SIM_EXIT_STANDBY. What wakes the device then, and when, is in the
+// Standby: the process ends with EXIT_STANDBY. What wakes the device then, and when, is in the
 // controller's memory, so that the next start of the program finds the reason. A restart ends the
-// process with SIM_EXIT_RESTART at once.
+// process with EXIT_RESTART at once.
 //
 // State rules: nothing needs initialisation. One suspend or standby at a time. An alarm that passes
 // while the device is awake does nothing.
@@ -38,7 +38,7 @@
 #include "simulator/core/sim.h"
 #include "simulator/families.h"
 #include "simulator/service/pm_memory.h"
-#include "simulator/service/power_exit.h"
+#include "tools/common/exit_codes.h"
 
 namespace {
 
@@ -229,7 +229,7 @@ void shutDown() {
         s.memory.wake = next.wake;
         save(s);
     }
-    goDown("the device is in standby", SIM_EXIT_STANDBY);
+    goDown("the device is in standby", EXIT_STANDBY);
 }
 
 /** A wake-up that comes now. The lock is held. */
@@ -416,7 +416,7 @@ int32_t QLX_SysRestartTV(void) {
         save(state());
     }
     simCall.result(QLX_SUCCESS);
-    goDown("the device restarts", SIM_EXIT_RESTART);
+    goDown("the device restarts", EXIT_RESTART);
 }
 
 void sim::setCalendarBesideRtc(int64_t us) {

@@ -9,8 +9,6 @@ import unittest
 import bench
 
 MODULES = {"PM": 35, "Factory": 41, "SYSTEM": 42, "TEEC": 44}
-EXIT_STANDBY = 87
-EXIT_RESTART = 88
 MAKE_KEY = os.path.join(bench.SOURCE, "tools/mkkey")
 
 # The write cases of Factory in their order: type of the key file, and the key's number.
@@ -206,7 +204,7 @@ class DeviceManualTest(bench.BenchTest):
 
     def test_standby_and_wake_up_by_the_clock(self):
         for number, reason in zip(range(24, 31), (4, 5, 6, 7, 8, 9, 7)):
-            out = self.visit("PM", str(number), status=EXIT_STANDBY)
+            out = self.visit("PM", str(number), status=bench.EXIT["STANDBY"])
             self.assertIsNone(self.outcome(out, "PM", number))
             self.assertIn("the device is in standby", out)
             self.assertEqual("Backlight should be off" in out, reason in (5, 8))
@@ -215,12 +213,12 @@ class DeviceManualTest(bench.BenchTest):
 
     def test_standby_and_wake_up_by_the_outside_world(self):
         self.events()
-        self.visit("PM", "2", status=EXIT_STANDBY)
+        self.visit("PM", "2", status=bench.EXIT["STANDBY"])
         self.events("wakeup lan", "wakeup ir 0x10")
         out = self.visit("PM", "15")
         self.assertIn("Got wake up key: 0x  10", out)
         self.events("wakeup lan after 60000")
-        out = self.visit("PM", "32", status=EXIT_STANDBY)
+        out = self.visit("PM", "32", status=bench.EXIT["STANDBY"])
         self.assertIn("please recheck wakeup reason == QLX_SYS_WAKEUP_REASON_WOL after DC on", out)
         self.events()
         self.assertIn("get wakeup reason: 11", self.visit("PM", "7"))
@@ -236,7 +234,7 @@ class DeviceManualTest(bench.BenchTest):
         self.assertIn("FUNC:PM_EnterStandby() RETURN ERROR VALUE [1]", out)
 
     def test_restart(self):
-        out = self.visit("PM", "14", status=EXIT_RESTART)
+        out = self.visit("PM", "14", status=bench.EXIT["RESTART"])
         self.assertIn("please check if the TV restarts normally...", out)
         self.assertIn("the device restarts", out)
         code, out = self.session("5", "35", "14", "q", "q", faults=["QLX_SysRestartTV return=3"])

@@ -1,6 +1,7 @@
 """Virtual time, property by property: runs the small programs of probe.cpp and judges them."""
 import os
 import random
+import re
 import select
 import signal
 import subprocess
@@ -14,8 +15,9 @@ RUN = os.path.join(BUILD, "vclock", "run")
 PROBE = os.path.join(BUILD, "vclock_probe")
 # The address sanitizer of gcc 12 takes the unwinding of a cancelled thread for a fault.
 SANITIZED = "address" in os.environ.get("ZK_SANITIZE", "")
-DEADLOCK = 86
-OVER_LIMIT = 87
+SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+with open(os.path.join(SOURCE, "tools/common/exit_codes.h"), encoding="ascii") as header:
+    EXIT = {name: int(code) for name, code in re.findall(r"EXIT_(\w+) = (\d+)", header.read())}
 # Each run here says itself whether it has a seed.
 for name in [name for name in os.environ if name.startswith("VCLOCK_")]:
     del os.environ[name]
@@ -75,7 +77,7 @@ class Properties(unittest.TestCase):
 
     def test_deadlock_is_reported(self):
         done = run("deadlock")
-        self.assertEqual(done.returncode, DEADLOCK)
+        self.assertEqual(done.returncode, EXIT["DEADLOCK"])
         self.assertEqual(done.stdout, "before the deadlock\n")
         for line in (r'process 1 \(pid \d+\) thread 1 "vclock_probe" waits for end-of-thread 3',
                      r'process 2 \(pid \d+\) thread 2 .* waits for semaphore \d+ at 0x',
@@ -91,7 +93,7 @@ class Properties(unittest.TestCase):
     def test_limit_ends_all(self):
         # The pair takes about 500 seconds, and its monitor 300 more.
         done = run("pair_of_processes", "--limit", "400")
-        self.assertEqual((done.returncode, done.stdout), (OVER_LIMIT, ""))
+        self.assertEqual((done.returncode, done.stdout), (EXIT["LIMIT"], ""))
         self.assertEqual(done.stderr, "vclock: ended after the limit of 400 s\n")
         self.check("pair_of_processes", "--limit", "10000")
 

@@ -29,6 +29,7 @@
 #include <vector>
 
 #include "framework/workbook/xls.h"
+#include "tools/common/exit_codes.h"
 
 namespace fs = std::filesystem;
 
@@ -114,7 +115,7 @@ int runTool(const std::vector<std::string>& words) {
     if (pid == 0) {
         execv(arguments[0], arguments.data());
         fprintf(stderr, "zkbench: cannot run %s: %s\n", arguments[0], strerror(errno));
-        _exit(127);
+        _exit(EXIT_NOT_FOUND);
     }
     int status = 0;
     waitpid(pid, &status, 0);
@@ -306,11 +307,11 @@ const char seededStart[] = "1767225600";
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (chdir(options.dir.c_str()) != 0)
-        _exit(126);
+        _exit(EXIT_CANNOT_RUN);
     int out = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
     int in = open(options.input.c_str(), O_RDONLY);
     if (out < 0 || in < 0)
-        _exit(126);
+        _exit(EXIT_CANNOT_RUN);
     dup2(in, STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     dup2(out, STDERR_FILENO);
@@ -319,7 +320,7 @@ const char seededStart[] = "1767225600";
     std::string launcher = options.build / "vclock/run";
     if (options.realTime) {
         execl(program.c_str(), program.c_str(), "auto", nullptr);
-        _exit(126);
+        _exit(EXIT_CANNOT_RUN);
     }
     // A report is not a memory across power cuts here: the runs of a bench are disposable.
     setenv("ZK_REPORT_SYNC", "0", 0);
@@ -328,7 +329,7 @@ const char seededStart[] = "1767225600";
     else
         execl(launcher.c_str(), launcher.c_str(), "--seed", options.seed.c_str(), "--start",
               seededStart, program.c_str(), "auto", nullptr);
-    _exit(126);
+    _exit(EXIT_CANNOT_RUN);
 }
 
 /** Collects children that have ended; keeps the status of `pid`. */
@@ -371,7 +372,7 @@ bool runOnce(const Options& options, const Durations& learnt, Progress* progress
         usleep(20000);
     }
     log.read(progress);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 126)
+    if (WIFEXITED(status) && WEXITSTATUS(status) == EXIT_CANNOT_RUN)
         fprintf(stderr, "zkbench: cannot start %s\n", (options.build / "zktest").c_str());
     return progress->over && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
@@ -542,7 +543,7 @@ int main(int argc, char** argv) {
     Options options;
     if (!parse(argc, argv, &options)) {
         usage(stderr);
-        return 2;
+        return EXIT_USAGE;
     }
     // The monitor outlives a crash of the program; this process collects it.
     prctl(PR_SET_CHILD_SUBREAPER, 1);

@@ -6,8 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-/** What main returns after options that make no sense. */
-enum { EXIT_USAGE = 2 };
+#include "tools/common/exit_codes.h"
 
 /**
  * Reads the command line into what `app` has been given.

@@ -127,7 +127,7 @@ void* watch(void*) {
         if (deadline != 0 && virtualMs() > deadline) {
             fprintf(g_out, "endless\n");
             fflush(g_out);
-            _exit(3);
+            _exit(EXIT_ENDLESS);
         }
     }
 }
@@ -505,14 +505,14 @@ void startWorker(const Options& options, Job* job) {
     if (job->pid != 0)
         return;
     if (chdir(options.dir.c_str()) != 0)
-        _exit(126);
+        _exit(EXIT_CANNOT_RUN);
     fs::path root = job->file.string() + ".device";
     setenv("QLX_SIM_ROOT", root.c_str(), 1);
     // One heap without caches of threads: what it holds is then the same after equal runs.
     setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0:glibc.malloc.arena_max=1", 1);
     execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--worker", job->module->name,
           job->testCase->name, job->file.c_str(), first.c_str(), nullptr);
-    _exit(126);
+    _exit(EXIT_CANNOT_RUN);
 }
 
 std::vector<std::string> linesOf(const fs::path& path) {
@@ -805,11 +805,11 @@ void startLimit(const Options& options, LimitJob* job) {
     std::string launcher = self.parent_path() / "vclock/run";
     setenv("QLX_SIM_ROOT", (job->file.string() + ".device").c_str(), 1);
     if (chdir(options.dir.c_str()) != 0)
-        _exit(126);
+        _exit(EXIT_CANNOT_RUN);
     execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--limit", job->module->name,
           job->testCase->name, job->file.c_str(), job->step.c_str(), job->lastGoodMs.c_str(),
           nullptr);
-    _exit(126);
+    _exit(EXIT_CANNOT_RUN);
 }
 
 /** Whether the verdict turned exactly at the limit; prints where it did not. */

@@ -1,0 +1,57 @@
+// Exit codes: one number has one meaning, the document lists all, and nobody writes them as
+// numbers.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string readFile(const fs::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/** Name by code, from every match of an expression whose groups are given. */
+std::map<int, std::string> codesIn(const std::string& path, const std::string& expression,
+                                   int codeGroup, int nameGroup) {
+    const std::string text = readFile(fs::path(ZK_SOURCE_DIR) / path);
+    const std::regex entry(expression);
+    std::map<int, std::string> codes;
+    for (std::sregex_iterator at(text.begin(), text.end(), entry), end; at != end; ++at) {
+        int code = std::stoi((*at)[static_cast<size_t>(codeGroup)]);
+        EXPECT_EQ(codes.count(code), 0u) << path << ": " << code << " has two meanings";
+        codes[code] = (*at)[static_cast<size_t>(nameGroup)];
+    }
+    return codes;
+}
+
+TEST(ExitCodes, HaveOneMeaningEachAndAllStandInTheDocument) {
+    auto header = codesIn("tools/common/exit_codes.h", "(EXIT_[A-Z_]+) = ([0-9]+)", 2, 1);
+    EXPECT_GE(header.size(), 11u);
+    EXPECT_EQ(header, codesIn("docs/exit-codes.md", "\\| ([0-9]+) \\| `(EXIT_[A-Z_]+)` \\|", 1, 2));
+}
+
+TEST(ExitCodes, AreWrittenByName) {
+    // 0 and 1 are every program's.
+    const std::regex number(
+        "\\b_?[eE]xit\\(([2-9]|[1-9][0-9]+)\\)|WEXITSTATUS\\([a-z]+\\) *[!=]= *[2-9]");
+    for (const char* folder : {"simulator", "vclock", "tools", "bench", "framework"}) {
+        for (const auto& entry :
+             fs::recursive_directory_iterator(fs::path(ZK_SOURCE_DIR) / folder)) {
+            if (entry.path().extension() != ".cpp")
+                continue;
+            std::ifstream file(entry.path());
+            for (std::string line; std::getline(file, line);)
+                EXPECT_FALSE(std::regex_search(line, number)) << entry.path() << ": " << line;
+        }
+    }
+}
+
+}  // namespace
