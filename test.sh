@@ -35,6 +35,8 @@ echo "test: making the streams of the line-up"
 build/debug/zkbench --source . --quiet --lay-out build/debug/golden_bench
 if [ -z "$quick" ]; then
     build clang
+    echo "test: preset clang, the fuzz targets for some seconds"
+    ctest --preset clang -R '^fuzz'
     build asan
     echo "test: preset asan"
     ctest --preset asan -j "$jobs" -LE slow
