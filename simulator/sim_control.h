@@ -61,6 +61,8 @@ size_t qlx_sim_state(char* buffer, size_t size);
 void qlx_sim_record(int on);
 /** The record so far, one line each, as qlx_sim_state answers. */
 size_t qlx_sim_recorded(char* buffer, size_t size);
+/** Writes a line of the caller's own into the trace, between those of calls. */
+void qlx_sim_remark(const char* line);
 
 /** An event of the outside world, e.g. "cable 0 out", or "in 500 cable 0 out" to let it come 500 ms
  *  later. Returns 0, or -1 when no family knows it. */

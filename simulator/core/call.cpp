@@ -347,6 +347,10 @@ size_t qlx_sim_recorded(char* buffer, size_t size) {
     return hand(t.record, buffer, size);
 }
 
+void qlx_sim_remark(const char* line) {
+    sim::traceLine(line);
+}
+
 int qlx_sim_event(const char* line) {
     return sim::outsideEvent(line) ? 0 : -1;
 }
