@@ -66,7 +66,8 @@ class BlockMaker {
 
  private:
     static constexpr size_t fewestUses = 3;
-    static constexpr size_t fewestLines = 3;
+    static constexpr size_t fewestLines = 2;
+    static constexpr size_t longLine = 120;
 
     /** The pair that is joined next: of those that qualify the most frequent, the first of equal
      *  ones. */
@@ -94,6 +95,14 @@ class BlockMaker {
             }
         }
         return most > 0;
+    }
+
+    /** Whether a reader is better off with a name. */
+    bool isLong(unsigned symbol) const {
+        const std::vector<unsigned>& shapes = symbols_[symbol].shapes;
+        return shapes.size() >= fewestLines ||
+               std::any_of(shapes.begin(), shapes.end(),
+                           [this](unsigned shape) { return shapes_[shape].size() >= longLine; });
     }
 
     bool isLine(unsigned symbol) const {
@@ -134,8 +143,7 @@ class BlockMaker {
         }
         order_.erase(std::remove_if(order_.begin(), order_.end(),
                                     [&](unsigned symbol) {
-                                        return uses[symbol] < fewestUses ||
-                                               symbols_[symbol].shapes.size() < fewestLines;
+                                        return uses[symbol] < fewestUses || !isLong(symbol);
                                     }),
                      order_.end());
         for (unsigned symbol : order_) {

@@ -12,11 +12,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,6 +26,7 @@
 #include "framework/platform_select.h"
 #include "framework/startup.h"
 #include "platform/qlx_sys.h"
+#include "tools/common/options.h"
 #include "tools/golden/blocks.h"
 #include "tools/golden/fold.h"
 #include "tools/golden/record_run.h"
@@ -132,28 +133,41 @@ std::string firstLine(const fs::path& path) {
     return line;
 }
 
-/** A dump of bytes, "| 00 b0 11 ...", by its begin, length and checksum. */
+/** A printed dump of bytes, "| 00 b0 11 ...", by its length, beginning and checksum. */
 std::string shortDump(const std::string& text) {
     constexpr size_t shown = 8;
     std::istringstream in(text);
     std::vector<std::string> bytes;
+    std::string begin;
     std::string word;
     if (text.compare(0, 2, "| ") != 0 || !(in >> word))
         return text;
     while (in >> word) {
-        if (word.size() != 2 ||
-            word.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+        if (word.size() != 2 || word.find_first_not_of("0123456789abcdefABCDEF") != word.npos)
             return text;
         bytes.push_back(word);
+        begin += bytes.size() <= shown ? word : "";
     }
     if (bytes.size() <= 2 * shown)
         return text;
-    char rest[40];
-    snprintf(rest, sizeof rest, " ... %zu bytes #%08x", bytes.size(), checksum(bytes));
-    std::string out = "|";
-    for (size_t i = 0; i < shown; i++)
-        out += " " + bytes[i];
-    return out + rest;
+    char sum[16];
+    snprintf(sum, sizeof sum, " #%08x}", checksum(bytes));
+    return "| {" + std::to_string(bytes.size()) + " " + begin + sum;
+}
+
+/** What a line of the trace says, as the golden file has it: data as one value, the number of a
+ *  device thread apart from its name, and the case's own name as its title tells it. */
+std::string goldenText(const Run& run, const std::string& thread, std::string text) {
+    static const std::regex data("(\\d+) bytes ([0-9a-f]+)\\.\\. crc32 ([0-9a-f]{8})");
+    static const std::regex number("(\\w)(\\d+)$");
+    text = shortDump(text);
+    if (text.find(" crc32 ") != text.npos)
+        text = std::regex_replace(text, data, "{$1 $2 #$3}");
+    const std::string name = run.testCase != nullptr ? run.testCase->name : "";
+    for (size_t at = 0; !name.empty() && (at = text.find(name, at)) != text.npos;)
+        text.replace(at, name.size(), "<case>");
+    bool ofTheCase = text.compare(0, 4, "QLX_") != 0 || thread == "T1";
+    return (ofTheCase ? "" : std::regex_replace(thread, number, "$1-$2") + ": ") + text;
 }
 
 /** Turns the trace into the lines of the golden file: waits in place of times, folded. */
@@ -177,13 +191,12 @@ std::vector<std::string> readRecord(const Run& run, int status) {
         int64_t ms = (us - startUs) / 1000;
         std::string wait = ms != lastMs ? "+" + std::to_string(ms - lastMs) + " " : "";
         lastMs = ms;
-        bool ofAnotherThread = text.compare(0, 4, "QLX_") == 0 && thread != "T1";
         if (text.compare(0, 6, "(end) ") == 0) {
             verdict = text.substr(6);
             text = "end";
         }
         if (text != "end" || !wait.empty())
-            lines.push_back(wait + (ofAnotherThread ? thread + ": " : "") + shortDump(text));
+            lines.push_back(wait + goldenText(run, thread, text));
     }
     if (verdict.empty())
         verdict = WIFEXITED(status) ? "exit " + std::to_string(WEXITSTATUS(status))
@@ -386,7 +399,9 @@ int main(int argc, char** argv) {
     app.add_option("--name", options.pattern, "takes the cases that match this pattern");
     app.add_option("--jobs", options.jobs, "processes side by side")->check(CLI::PositiveNumber);
     app.add_flag("--write", options.write, "writes the golden files anew, for a review");
-    CLI11_PARSE(app, argc, argv);
+    int answer = readOptions(&app, argc, argv);
+    if (answer >= 0)
+        return answer;
     options.dir = fs::absolute(options.dir);
     options.golden = fs::absolute(options.golden);
     options.operators = fs::absolute(options.operators);

@@ -1,5 +1,6 @@
 #include "tools/golden/record_run.h"
 
+#include <ctype.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -7,7 +8,7 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <regex>
+#include <utility>
 
 #include "framework/tc_check.h"
 #include "simulator/sim_control.h"
@@ -44,24 +45,69 @@ std::string visible(const std::string& text) {
     return out;
 }
 
+/** Behind the decimal digits at `at`. */
+size_t behindDigits(const std::string& text, size_t at) {
+    while (at < text.size() && isdigit(static_cast<unsigned char>(text[at])) != 0)
+        at++;
+    return at;
+}
+
+/** Behind "[12.345]" at `at` when that tells the present time; else 0. */
+size_t behindPresentTime(const std::string& text, size_t at) {
+    size_t point = behindDigits(text, at + 1);
+    if (point == at + 1 || text.compare(point, 1, ".") != 0)
+        return 0;
+    size_t end = behindDigits(text, point + 1);
+    int64_t told = strtoll(text.c_str() + at + 1, nullptr, 10) * 1000000 +
+                   strtoll(text.c_str() + point + 1, nullptr, 10);
+    int64_t age = nowUs() - told;
+    return text.compare(end, 1, "]") == 0 && age >= 0 && age < 1000 ? end + 1 : 0;
+}
+
+/** Where the digits of a source line begin and end in "[function][12]", "[function() 12]" or
+ *  "[function,12]" at `at`; an empty range when there are none. */
+std::pair<size_t, size_t> sourceLine(const std::string& text, size_t at) {
+    size_t name = at + 1;
+    while (name < text.size() &&
+           (isalnum(static_cast<unsigned char>(text[name])) != 0 || text[name] == '_'))
+        name++;
+    if (name == at + 1)
+        return {0, 0};
+    if (text.compare(name, 2, "()") == 0)
+        name += 2;
+    size_t first = text.compare(name, 2, "][") == 0 ? name + 2 : name + 1;
+    if (first == name + 1 && text.compare(name, 1, " ") != 0 && text.compare(name, 1, ",") != 0)
+        return {0, 0};
+    size_t end = behindDigits(text, first);
+    return end > first && text.compare(end, 1, "]") == 0 ? std::make_pair(first, end)
+                                                         : std::make_pair(size_t{0}, size_t{0});
+}
+
 /** Takes out of a printed line what no record can hold: the present time, places in the source. */
 std::string normalised(const std::string& line) {
-    static const std::regex* stamp = new std::regex("\\[(\\d+)\\.(\\d+)\\]");
-    // "[function][12]", "[function() 12]", "[function,12]", and one without brackets.
-    static const std::regex* place = new std::regex("(\\[\\w+(?:\\(\\))?)(\\]\\[| |,)\\d+\\]");
-    static const std::regex* bare = new std::regex("(tuner_check_signalInfo, )\\d+,");
+    // The one place without brackets around its line.
+    static const std::string bare = "tuner_check_signalInfo, ";
     std::string out;
-    auto at = line.cbegin();
-    for (std::sregex_iterator match(line.begin(), line.end(), *stamp), end; match != end; ++match) {
-        int64_t told = strtoll((*match)[1].str().c_str(), nullptr, 10) * 1000000 +
-                       strtoll((*match)[2].str().c_str(), nullptr, 10);
-        int64_t age = nowUs() - told;
-        out.append(at, (*match)[0].first);
-        out += age >= 0 && age < 1000 ? "[T]" : (*match)[0].str();
-        at = (*match)[0].second;
+    for (size_t at = 0; at < line.size();) {
+        std::pair<size_t, size_t> place = {0, 0};
+        if (line[at] == '[') {
+            if (size_t end = behindPresentTime(line, at)) {
+                out += "[T]";
+                at = end;
+                continue;
+            }
+            place = sourceLine(line, at);
+        } else if (line.compare(at, bare.size(), bare) == 0) {
+            place = {at + bare.size(), behindDigits(line, at + bare.size())};
+        }
+        if (place.second > place.first) {
+            out += line.substr(at, place.first - at) + "LINE";
+            at = place.second;
+        } else {
+            out += line[at++];
+        }
     }
-    out.append(at, line.cend());
-    return std::regex_replace(std::regex_replace(out, *place, "$1$2LINE]"), *bare, "$1LINE,");
+    return out;
 }
 
 ssize_t onPrinted(void*, const char* data, size_t size) {
