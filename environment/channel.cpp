@@ -5,8 +5,8 @@
 
 #include "environment/conf_reader.h"
 #include "environment/test_env.h"
+#include "framework/base/zk_log.h"
 #include "framework/platform_select.h"
-#include "framework/zk_log.h"
 
 /** Keys that some standards' files have and others have not. */
 enum ChannelKeys {
@@ -172,14 +172,4 @@ void zk_test_get_dtv_channel_info(uint32_t system, uint32_t index, TcChannelInfo
 
 void zk_test_get_pvr_playback_channel_info(uint32_t index, TcChannelInfo* out) {
     copyChannel(zk_testConfig.pvrPlayback, zk_testConfig.pvrPlaybackChannelNum, index, out);
-}
-
-int64_t zk_test_diff_timeMs(const struct timeval* start, const struct timeval* end) {
-    int64_t seconds = static_cast<int64_t>(end->tv_sec) - start->tv_sec;
-    int64_t microseconds = static_cast<int64_t>(end->tv_usec) - start->tv_usec;
-    if (microseconds < 0) {
-        seconds -= 1;
-        microseconds += 1000000;
-    }
-    return seconds * 1000 + microseconds / 1000;
 }

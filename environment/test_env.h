@@ -175,7 +175,4 @@ void zk_test_get_dtv_channel_info(uint32_t system, uint32_t index, TcChannelInfo
 /** The same for the channels of the PVR playback file. */
 void zk_test_get_pvr_playback_channel_info(uint32_t index, TcChannelInfo* out);
 
-/** Milliseconds from `start` to `end`. */
-int64_t zk_test_diff_timeMs(const struct timeval* start, const struct timeval* end);
-
 #endif

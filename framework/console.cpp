@@ -5,11 +5,11 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "framework/base/zk_log.h"
 #include "framework/monitor.h"
 #include "framework/runner.h"
 #include "framework/tc_check.h"
 #include "framework/tc_framework.h"
-#include "framework/zk_log.h"
 
 static const TcModule& currentModule(void) {
     return *tcFwInstance.modules[tcFwInstance.curModule];

@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include "environment/conf_reader.h"
+#include "framework/base/zk_log.h"
 #include "framework/platform_select.h"
 #include "framework/startup.h"
 #include "framework/tc_framework.h"
-#include "framework/zk_log.h"
 #include "platform/qlx_sys.h"
 
 static const char programVersion[] = "0.10.16";

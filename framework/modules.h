@@ -2,7 +2,7 @@
 #ifndef FRAMEWORK_MODULES_H
 #define FRAMEWORK_MODULES_H
 
-#include "framework/registry.h"
+#include "framework/case/registry.h"
 
 extern const TcModule GPIOModule;
 extern const TcModule I2CModule;

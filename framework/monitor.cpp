@@ -5,8 +5,8 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "framework/base/zk_log.h"
 #include "framework/tc_framework.h"
-#include "framework/zk_log.h"
 
 static const char messageAlive = '1';
 static const char messageOver = '2';

@@ -4,8 +4,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "framework/base/zk_log.h"
 #include "framework/console.h"
-#include "framework/zk_log.h"
 
 ConfigFiles g_configFile;
 

@@ -5,9 +5,9 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "framework/base/zk_log.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
-#include "framework/zk_log.h"
 
 TcXlsData tcXlsData;
 

@@ -2,12 +2,12 @@
 
 #include <string.h>
 
+#include "framework/base/zk_log.h"
 #include "framework/console.h"
 #include "framework/monitor.h"
 #include "framework/report.h"
 #include "framework/tc_check.h"
 #include "framework/tc_framework.h"
-#include "framework/zk_log.h"
 
 /** "SUCCESS", "UNSUPPORT" or "FAILED". */
 static const char* verdictWord(uint32_t result) {

@@ -5,10 +5,10 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "framework/base/zk_log.h"
 #include "framework/console.h"
 #include "framework/monitor.h"
 #include "framework/report.h"
-#include "framework/zk_log.h"
 
 TcFwInstance tcFwInstance;
 const char* volatile zk_currentCaseName;

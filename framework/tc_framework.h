@@ -5,7 +5,7 @@
 #include <stdint.h>
 #include <sys/types.h>
 
-#include "framework/registry.h"
+#include "framework/case/registry.h"
 
 enum {
     FW_PATH_SIZE = 200,

@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "environment/conf_reader.h"
+#include "framework/base/zk_log.h"
 #include "framework/platform_select.h"
-#include "framework/zk_log.h"
 
 DemuxConfig g_tcDemuxConfig;
 

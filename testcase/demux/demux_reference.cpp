@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "framework/zk_log.h"
+#include "framework/base/zk_log.h"
 
 static void dump(const uint8_t* bytes, uint32_t length) {
     for (uint32_t i = 0; i < length; i++)

@@ -7,6 +7,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include "framework/case/wait.h"
 #include "framework/tc_check.h"
 #include "testcase/demux/demux_harness.h"
 #include "testcase/demux/demux_reference.h"

@@ -1,7 +1,7 @@
 // The case table of the module Tuner. A row is the case's name, its flag, its description, and what
 // it runs: mostly a frame with tuner, transmission system, and the body between set-up and undoing.
+#include "framework/case/registry.h"
 #include "framework/modules.h"
-#include "framework/registry.h"
 #include "testcase/tuner/tuner_families.h"
 #include "testcase/tuner/tuner_harness.h"
 

@@ -13,6 +13,7 @@
 #include <atomic>
 
 #include "environment/test_env.h"
+#include "framework/case/wait.h"
 #include "framework/tc_check.h"
 
 static sem_t tunersem[QLX_TUNER_MAX];

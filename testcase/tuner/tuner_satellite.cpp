@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "environment/test_env.h"
+#include "framework/case/wait.h"
 #include "testcase/tuner/tuner_case.h"
 #include "testcase/tuner/tuner_harness.h"
 

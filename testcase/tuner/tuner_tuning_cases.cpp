@@ -5,6 +5,7 @@
 #include <sys/time.h>
 
 #include "environment/test_env.h"
+#include "framework/case/wait.h"
 #include "testcase/tuner/tuner_families.h"
 #include "testcase/tuner/tuner_harness.h"
 

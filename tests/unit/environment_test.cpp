@@ -8,6 +8,7 @@
 #include <string>
 
 #include "environment/test_env.h"
+#include "framework/case/wait.h"
 #include "framework/platform_select.h"
 #include "testcase/av/av_config.h"
 

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "framework/registry.h"
+#include "framework/case/registry.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_gpio.h"
 #include "platform/qlx_i2c.h"

@@ -7,7 +7,7 @@
 #ifndef TOOLS_GOLDEN_RECORD_RUN_H
 #define TOOLS_GOLDEN_RECORD_RUN_H
 
-#include "framework/registry.h"
+#include "framework/case/registry.h"
 #include "tools/golden/script.h"
 
 /** From here on `script`, which must live on, answers in the place of the operator, and what is

@@ -5,8 +5,8 @@
  * standard output is line-buffered whatever it leads to (see zk_logInit), and text that ends
  * without a newline is followed by zk_logFlush.
  */
-#ifndef FRAMEWORK_ZK_LOG_H
-#define FRAMEWORK_ZK_LOG_H
+#ifndef FRAMEWORK_BASE_ZK_LOG_H
+#define FRAMEWORK_BASE_ZK_LOG_H
 
 #define ZK_PRINTF(text, first) __attribute__((format(printf, text, first)))
 

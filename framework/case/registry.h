@@ -14,8 +14,8 @@
  *         OPEN_VARIANTS(TC_VARIANT_ROW)
  *     };
  */
-#ifndef FRAMEWORK_REGISTRY_H
-#define FRAMEWORK_REGISTRY_H
+#ifndef FRAMEWORK_CASE_REGISTRY_H
+#define FRAMEWORK_CASE_REGISTRY_H
 
 #include <stdint.h>
 

@@ -1,4 +1,4 @@
-#include "framework/zk_log.h"
+#include "framework/base/zk_log.h"
 
 #include <cstdarg>
 #include <cstdio>
