@@ -29,7 +29,7 @@ class FormsTest(ReportTest):
         log = Console().start().setup("GPIO").case(1, "TC_A_001", took_ms=1234)
         log.begin(2, HOSTILE)
         text = log.text.encode() + NOISE + b"x" * 40000 + b"\n" * 3000
-        log.text = ""
+        log.pieces.clear()
         log.end(2, HOSTILE, "FAILED", 10)
         self.folder = self.run_folder("bench", report, checklist, text + log.text.encode())
         self.expect = self.write("expect.json", json.dumps({"board": "b", "expect": [

@@ -59,6 +59,19 @@ class ReasonsTest(ReportTest):
         self.assertEqual(restarts[0]["atMs"], 1000000)
         self.assertTrue(rows["GPIO/TC_A"]["bad"])
 
+    def test_the_runs_time_goes_on_over_many_restarts(self):
+        log = Console()
+        for i in range(4):
+            log.start().setup("GPIO").begin(i + 1, "TC_%d" % i)
+            log.us += 5000000000
+            log.line("still there")
+        report = {"GPIO": [("TC_%d" % i, "Y", "N/A") for i in range(4)]}
+        run, restarts, rows = self.lines(self.run_folder("bench", report, log=log))
+        self.assertEqual([restart["atMs"] for restart in restarts], [5000000, 10000000, 15000000])
+        self.assertEqual([rows["GPIO/TC_%d" % i]["startMs"] for i in range(4)],
+                         [0, 5000000, 10000000, 15000000])
+        self.assertEqual(run["durationMs"], 20000000)
+
     def test_rows_that_never_came_into_the_report_are_not_lost(self):
         report = {"GPIO": [("TC_A", "Y", "Pass")]}
         checklist = {"GPIO": [("TC_A", "Y"), ("TC_B", "Y"), ("TC_C", "N")], "I2C": [("TC_D", "Y")],

@@ -55,15 +55,18 @@ class Console:
     """The console's log of a run, with the device's clock."""
 
     def __init__(self):
-        self.text = ""
+        self.pieces = []
         self.us = 0
 
+    @property
+    def text(self):
+        return "".join(self.pieces)
+
     def line(self, text, before=""):
-        self.text += "%s[%d.%d]%s\r\n" % (before, self.us // 1000000, self.us % 1000000, text)
-        return self
+        return self.raw("%s[%d.%d]%s\r\n" % (before, self.us // 1000000, self.us % 1000000, text))
 
     def raw(self, text):
-        self.text += text
+        self.pieces.append(text)
         return self
 
     def start(self, at_s=1000):

@@ -188,7 +188,7 @@ class LogTaker {
             if (reboot_)
                 goneDown(monitorCause());
         }
-        run_->durationMs = base_ >= 0 ? now_ / 1000 : -1;
+        run_->durationMs = stamped_ ? now_ / 1000 : -1;
         explain();
     }
 
@@ -200,8 +200,9 @@ class LogTaker {
     /** The device's clock from the log's first stamp on. Where a restart has set it back, time goes
      *  on from the last line before: how long the device was down nobody has written. */
     int64_t toRunTime(int64_t stampUs) {
-        if (base_ < 0)
+        if (!stamped_)
             base_ = stampUs;
+        stamped_ = true;
         return stampUs - base_;
     }
 
@@ -277,7 +278,7 @@ class LogTaker {
         started_ = true;
         bool wasOver = run_->logSaysOver;
         run_->logSaysOver = false;
-        if (base_ >= 0 && event.stampUs - base_ < now_)
+        if (stamped_ && event.stampUs - base_ < now_)
             base_ = event.stampUs - now_;
         now_ = event.stampUs >= 0 ? toRunTime(event.stampUs) : now_;
         if (first && !hasRunning() && run_->restarts.empty())
@@ -399,7 +400,9 @@ class LogTaker {
     int module_ = -1;
     bool started_ = false;
     bool reboot_ = false;
-    int64_t base_ = -1;
+    bool stamped_ = false;
+    /** The stamp that is the beginning of the run's time; below 0 once the clock was set back. */
+    int64_t base_ = 0;
     int64_t now_ = 0;
     int64_t startedUs_ = 0;
 };

@@ -14,6 +14,7 @@
 #include "tools/report/compare.h"
 #include "tools/report/expectations.h"
 #include "tools/report/forms.h"
+#include "tools/report/html.h"
 #include "tools/report/merge.h"
 #include "tools/report/run_data.h"
 #include "tools/report/text.h"
@@ -137,6 +138,7 @@ void addWrite(CLI::App* app, Command* chosen) {
     static Source source;
     static Expecting expecting;
     static Form forms[] = {
+        {"--html", "a page for people, in one file", htmlOf, ""},
         {"--junit", "JUnit XML", junitOf, ""},
         {"--jsonl", "JSON Lines", jsonLinesOf, ""},
         {"--tap", "Test Anything Protocol", tapOf, ""},

@@ -1,0 +1,9 @@
+// The fixed parts of the pages, files of tools/report/page that the build brings in.
+#pragma once
+
+namespace report::page {
+
+extern const char report_css[];
+extern const char report_js[];
+
+}  // namespace report::page
