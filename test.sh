@@ -4,16 +4,19 @@
 #     --quick     only the debug build and its tests
 #     --torture   also the whole torture run, some minutes
 #     --arm       also the device's architecture, in an emulator
+#     --browser   also the report's page in a browser
 set -e
 cd "$(dirname "$0")"
 quick=
 torture=
 arm=
+browser=
 for word in "$@"; do
     case $word in
     --quick) quick=1 ;;
     --torture) torture=1 ;;
     --arm) arm=1 ;;
+    --browser) browser=1 ;;
     *) sed -n '2,7p' "$0" >&2; exit 2 ;;
     esac
 done
@@ -52,4 +55,7 @@ if [ -n "$torture" ]; then
 fi
 if [ -n "$arm" ]; then
     tools/arm.sh
+fi
+if [ -n "$browser" ]; then
+    tools/browser.sh
 fi

@@ -2,7 +2,7 @@
 import json
 import unittest
 
-from runs import Console, ReportTest
+from runs import Console, FAILED, NEW_FAILURE, ReportTest, USAGE
 
 
 class CompareTest(ReportTest):
@@ -29,12 +29,12 @@ class CompareTest(ReportTest):
         folders = self.verdicts(("Pass", "Pass"), ("Pass", "Fail"), ("Fail", "Pass"),
                                 ("Fail", "Fail"), ("Pass", "N/A"), ("N/A", "Fail"), ("Pass", ""),
                                 ("", "Pass"), ("", "Fail"), ("Pass", "Block"))
-        comparison, names = self.compared(folders, code=1)
+        comparison, names = self.compared(folders, code=NEW_FAILURE)
         self.assertEqual(names, {"newFailures": ["TC_2", "TC_6", "TC_10", "TC_9"],
                                  "lost": ["TC_7"], "fixed": ["TC_3"],
                                  "changed": ["TC_5", "TC_8"]})
         self.assertEqual((comparison["same"], comparison["stillBad"]), (1, 1))
-        text = self.zkreport("compare", *folders, code=1)
+        text = self.zkreport("compare", *folders, code=NEW_FAILURE)
         order = [text.index(title) for title in
                  ("New failures (4)", "Not in the last report any more (1)", "Fixed (1)",
                   "Changed otherwise (2)")]
@@ -53,7 +53,7 @@ class CompareTest(ReportTest):
     def test_several_runs(self):
         _, names = self.compared(self.verdicts(
             ("Pass", "Fail", "Pass", "Fail"), ("Pass", "Pass", "Fail", "Fail"),
-            ("Fail", "Fail", "Pass", "Pass"), ("Pass", "N/A", "Pass", "Pass")), code=1)
+            ("Fail", "Fail", "Pass", "Pass"), ("Pass", "N/A", "Pass", "Pass")), code=NEW_FAILURE)
         self.assertEqual(names, {"newFailures": ["TC_2"], "fixed": ["TC_3"],
                                  "changed": ["TC_4"], "flaky": ["TC_1"]})
 
@@ -63,7 +63,7 @@ class CompareTest(ReportTest):
         log = Console().start().setup("GPIO").begin(1, "TC_1").monitor_reboot().start()
         log.setup("GPIO").case(2, "TC_2")
         bad = self.run_folder("b", {"GPIO": [("TC_1", "Y", "N/A"), rows[1]]}, log=log)
-        comparison, names = self.compared([good, bad], code=1)
+        comparison, names = self.compared([good, bad], code=NEW_FAILURE)
         self.assertEqual(names, {"newFailures": ["TC_1"]})
         self.assertIn("went down", comparison["newFailures"][0]["reason"])
 
@@ -80,9 +80,9 @@ class CompareTest(ReportTest):
 
     def test_bad_use(self):
         folders = self.verdicts(("Pass", "Pass"))
-        self.zkreport("compare", folders[0], code=2)
-        self.zkreport("compare", *folders, "--slower-factor", "0", code=2)
-        self.assertIn("nowhere", self.zkreport("compare", folders[0], "nowhere", code=2))
+        self.zkreport("compare", folders[0], code=USAGE)
+        self.zkreport("compare", *folders, "--slower-factor", "0", code=USAGE)
+        self.assertIn("nowhere", self.zkreport("compare", folders[0], "nowhere", code=FAILED))
 
 
 class ExpectationsTest(ReportTest):
@@ -100,7 +100,7 @@ class ExpectationsTest(ReportTest):
 
     def test_known_new_fixed_and_unused(self):
         text = self.check(("GPIO/TC_1", "first", "2026-06-30"), ("TC_[34]", "other", "2027-01-01"),
-                          ("I2C/*", "gone", "2027-01-01"), code=1)
+                          ("I2C/*", "gone", "2027-01-01"), code=NEW_FAILURE)
         self.assertIn("New failures (1)\n  GPIO/TC_2", text)
         self.assertIn("Known failures (1)\n  GPIO/TC_1: first", text)
         self.assertIn("Expected to fail, and did not (1)\n  GPIO/TC_3: other", text)
@@ -111,10 +111,10 @@ class ExpectationsTest(ReportTest):
         self.check(("TC_1", "a", "2026-07-01"), ("*/TC_2", "b", "2026-07-01"), code=0)
 
     def test_an_expired_expectation_is_an_error_even_for_a_case_that_passes(self):
-        text = self.check(("TC_[12]", "a", "2026-07-01"), ("TC_3", "b", "2026-06-29"), code=1)
+        text = self.check(("TC_[12]", "a", "2026-07-01"), ("TC_3", "b", "2026-06-29"), code=NEW_FAILURE)
         self.assertIn("Expectations that have run out (1)\n  TC_3 (until 2026-06-29): b", text)
         self.assertNotIn("New failures", text)
-        text = self.check(("TC_[12]", "a", "2026-06-29"), code=1)
+        text = self.check(("TC_[12]", "a", "2026-06-29"), code=NEW_FAILURE)
         self.assertIn("New failures (2)", text)
 
     def test_a_damaged_file_is_refused_with_its_place(self):
@@ -128,7 +128,7 @@ class ExpectationsTest(ReportTest):
             if isinstance(text, dict):
                 text = json.dumps({"board": "b", "expect": [good, text]})
             path = self.write("expect.json", text)
-            message = self.zkreport("check", self.folder, "--expect", path, code=2)
+            message = self.zkreport("check", self.folder, "--expect", path, code=FAILED)
             self.assertTrue(message.startswith("zkreport: " + path), message)
             self.assertIn(part, message)
 

@@ -9,7 +9,7 @@ import xml.etree.ElementTree as xml
 import jsonschema
 
 import runs
-from runs import Console, ReportTest
+from runs import Console, FAILED, ReportTest
 
 HOSTILE = "TC_<b>&amp;\"x\" # TODO ]]> \u202e\\"
 NOISE = ("<script>alert(1)</script> ]]> & \x00\x01\x1b[2J\x1b]0;title\x07 \xff\xfe \x7f\x85 end\n"

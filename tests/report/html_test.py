@@ -6,7 +6,7 @@ import unittest
 from html.parser import HTMLParser
 
 import runs
-from runs import Console, ReportTest
+from runs import Console, FAILED, ReportTest
 
 VOID = {"meta", "link", "input", "br", "col", "img"}
 NAME = "TC_<img src=x onerror=alert(1)>&amp;\"'"

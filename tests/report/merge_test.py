@@ -5,7 +5,7 @@ import unittest
 import xlrd
 
 import runs
-from runs import ReportTest
+from runs import FAILED, ReportTest
 
 CASES = {"GPIO": 3, "Tuner": 5, "PM": 2}
 MANUAL = {"TC_Tuner_3"}
@@ -63,7 +63,7 @@ class MergeTest(ReportTest):
                              cells(os.path.join(whole, "report.xls")))
 
     def refused(self, folders, *parts):
-        message = self.merged(*folders, code=2)
+        message = self.merged(*folders, code=FAILED)
         for part in parts:
             self.assertIn(part, message)
         self.assertFalse(os.path.exists(self.path("merged.xls")))

@@ -3,7 +3,7 @@ import os
 import unittest
 
 import runs
-from runs import Console, ReportTest
+from runs import Console, FAILED, ReportTest
 
 
 class ReasonsTest(ReportTest):
@@ -118,7 +118,7 @@ class ReasonsTest(ReportTest):
 
 class BadInputTest(ReportTest):
     def refused(self, path, *parts):
-        message = self.zkreport("write", path, "--jsonl", "-", code=2)
+        message = self.zkreport("write", path, "--jsonl", "-", code=FAILED)
         self.assertEqual(message.count("\n"), 1, message)
         self.assertTrue(message.startswith("zkreport: " + path), message)
         for part in parts:
@@ -154,20 +154,20 @@ class BadInputTest(ReportTest):
             done = runs.subprocess.run([runs.PROGRAM, "write", self.path("bad.xls"), "--jsonl",
                                         "-"], stdout=runs.subprocess.PIPE,
                                        stderr=runs.subprocess.PIPE, timeout=runs.PATIENCE_S)
-            self.assertIn(done.returncode, (0, 2), at)
-            self.assertEqual(done.returncode == 2, done.stderr.startswith(b"zkreport: "), at)
+            self.assertIn(done.returncode, (0, FAILED), at)
+            self.assertEqual(done.returncode == FAILED, done.stderr.startswith(b"zkreport: "), at)
 
     def test_a_damaged_file_of_durations_names_its_line(self):
         folder = self.run_folder("bench", {"GPIO": [("TC_A", "Y", "Pass")]})
         durations = self.write("durations", "5 GPIO/TC_A\nGPIO/TC_B 6\n")
-        message = self.zkreport("write", folder, "--durations", durations, "--jsonl", "-", code=2)
+        message = self.zkreport("write", folder, "--durations", durations, "--jsonl", "-", code=FAILED)
         self.assertIn("durations: line 2", message)
 
     def test_nothing_half_written_is_left(self):
         folder = self.run_folder("bench", {"GPIO": [("TC_A", "Y", "Pass")]})
-        message = self.zkreport("write", folder, "--jsonl", self.path("bench") + "/no/x", code=2)
+        message = self.zkreport("write", folder, "--jsonl", self.path("bench") + "/no/x", code=FAILED)
         self.assertIn("cannot be written", message)
-        self.zkreport("write", folder, "--jsonl", folder, code=2)
+        self.zkreport("write", folder, "--jsonl", folder, code=FAILED)
         self.assertEqual(os.listdir(self.dir), ["bench"])
 
 

@@ -16,6 +16,9 @@ PROGRAM = os.path.join(BUILD, "zkreport")
 SCHEMAS = os.path.join(SOURCE, "tests/report/schemas")
 PATIENCE_S = 120
 
+# Exit codes.
+FAILED, USAGE, NEW_FAILURE = 1, 2, 4
+
 RED = "\033[1;31m"
 RESET = "\033[0m"
 
@@ -126,12 +129,12 @@ class ReportTest(unittest.TestCase):
         return self.path(name)
 
     def zkreport(self, *words, code=0):
-        """Runs it; answers standard output, or standard error when it is to fail for bad input."""
+        """Runs it; answers standard output, or standard error when it is to refuse its input."""
         done = subprocess.run([PROGRAM, *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               timeout=PATIENCE_S, cwd=self.dir)
         out, err = done.stdout.decode(), done.stderr.decode()
         self.assertEqual(done.returncode, code, out + err)
-        return err if code == 2 else out
+        return err if code in (FAILED, USAGE) else out
 
     def lines(self, folder, *words):
         """The JSON lines of a run: (run, restarts, {"MODULE/CASE": row})."""

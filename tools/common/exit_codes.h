@@ -12,6 +12,8 @@ enum ExitCode {
     EXIT_USAGE = 2,
     /** A run of the torture passed its bound: between the torture's processes only. */
     EXIT_ENDLESS = 3,
+    /** The report tool: there is a new failure, or an expectation has run out. */
+    EXIT_NEW_FAILURE = 4,
     /** Virtual time: all threads wait and none has a deadline. */
     EXIT_DEADLOCK = 86,
     /** Virtual time: the launcher's limit. */

@@ -24,9 +24,6 @@ using namespace report;
 
 namespace {
 
-/** Exit codes; wrong use and unusable input answer alike. */
-enum { GOOD = 0, NEW_FAILURE = 1, UNUSABLE = EXIT_USAGE };
-
 /** Writes a whole file, or to standard output for "-". */
 void put(const std::string& path, const std::string& text) {
     if (path == "-") {
@@ -121,7 +118,7 @@ int tellJudgement(const Run& run, const Judgement& judgement) {
             printf(" %u %s", run.count(verdict), verdictWord(verdict));
     }
     printf("%s\n", run.complete() ? "" : "; the run is not complete");
-    return judgement.good() ? GOOD : NEW_FAILURE;
+    return judgement.good() ? EXIT_DONE : EXIT_NEW_FAILURE;
 }
 
 struct Form {
@@ -164,7 +161,7 @@ void addWrite(CLI::App* app, Command* chosen) {
             }
             if (!any)
                 throw Error("write: no form was asked for; zkreport write --help lists them");
-            return GOOD;
+            return EXIT_DONE;
         };
     });
 }
@@ -175,7 +172,7 @@ void addCheck(CLI::App* app, Command* chosen) {
     static Expecting expecting;
     CLI::App* command = app->add_subcommand(
         "check",
-        "Tells known failures from new ones; exit code 1 for a new failure or an "
+        "Tells known failures from new ones; exit code 4 for a new failure or an "
         "expectation that has run out");
     source.addTo(command);
     expecting.addTo(command);
@@ -194,7 +191,7 @@ void addCompare(CLI::App* app, Command* chosen) {
     static Slower slower;
     static std::string jsonPath;
     CLI::App* command = app->add_subcommand(
-        "compare", "Compares runs, the oldest first; exit code 1 when there is a new failure");
+        "compare", "Compares runs, the oldest first; exit code 4 when there is a new failure");
     command->add_option("RUN", paths, "folders of runs, or report workbooks")
         ->required()
         ->expected(2, 1000);
@@ -218,7 +215,7 @@ void addCompare(CLI::App* app, Command* chosen) {
                 fputs(textOf(comparison).c_str(), stdout);
             if (!jsonPath.empty())
                 put(jsonPath, jsonOf(comparison));
-            return comparison.hasNewFailure() ? NEW_FAILURE : GOOD;
+            return comparison.hasNewFailure() ? EXIT_NEW_FAILURE : EXIT_DONE;
         };
     });
 }
@@ -239,7 +236,7 @@ void addMerge(CLI::App* app, Command* chosen) {
                 shards.push_back(shardOf(folder));
             unsigned rows = mergeReports(shards, out);
             printf("%s: %u rows of %zu shards\n", out.c_str(), rows, shards.size());
-            return GOOD;
+            return EXIT_DONE;
         };
     });
 }
@@ -262,6 +259,6 @@ int main(int argc, char** argv) {
         return chosen();
     } catch (const std::exception& error) {
         fprintf(stderr, "zkreport: %s\n", printable(error.what()).c_str());
-        return UNUSABLE;
+        return EXIT_FAILED;
     }
 }
