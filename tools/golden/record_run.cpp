@@ -83,10 +83,19 @@ std::pair<size_t, size_t> sourceLine(const std::string& text, size_t at) {
                                                          : std::make_pair(size_t{0}, size_t{0});
 }
 
+/** Where the digits of a source line begin and end in the texts that have no brackets around it. */
+std::pair<size_t, size_t> bareSourceLine(const std::string& text, size_t at) {
+    const char* testCase = zk_currentCaseName;
+    for (const std::string& before :
+         {std::string("tuner_check_signalInfo, "), std::string(testCase ? testCase : "") + ":"}) {
+        if (before.size() > 1 && text.compare(at, before.size(), before) == 0)
+            return {at + before.size(), behindDigits(text, at + before.size())};
+    }
+    return {0, 0};
+}
+
 /** Takes out of a printed line what no record can hold: the present time, places in the source. */
 std::string normalised(const std::string& line) {
-    // The one place without brackets around its line.
-    static const std::string bare = "tuner_check_signalInfo, ";
     std::string out;
     for (size_t at = 0; at < line.size();) {
         std::pair<size_t, size_t> place = {0, 0};
@@ -97,8 +106,8 @@ std::string normalised(const std::string& line) {
                 continue;
             }
             place = sourceLine(line, at);
-        } else if (line.compare(at, bare.size(), bare) == 0) {
-            place = {at + bare.size(), behindDigits(line, at + bare.size())};
+        } else if (line[at] == 't' || line[at] == 'T') {
+            place = bareSourceLine(line, at);
         }
         if (place.second > place.first) {
             out += line.substr(at, place.first - at) + "LINE";
