@@ -4,10 +4,10 @@
  * A table tells the steps of a bench once; operations and cases walk it:
  *
  *     static const LadderStep<SectionBench> demuxSteps[] = {
- *         {"QLX_DemuxInit()", [](SectionBench&) { return QLX_DemuxInit(); },
- *          "QLX_DemuxDeInit()", [](SectionBench&) { return QLX_DemuxDeInit(); }},
- *         {"QLX_DemuxOpen(eDemuxId)", [](SectionBench& b) { return QLX_DemuxOpen(b.eDemuxId); },
- *          "QLX_DemuxClose(eDemuxId)", [](SectionBench& b) { return QLX_DemuxClose(b.eDemuxId); }},
+ *         {LADDER_CALL("QLX_DemuxInit()", QLX_DemuxInit()),
+ *          LADDER_CALL("QLX_DemuxDeInit()", QLX_DemuxDeInit())},
+ *         {LADDER_CALL("QLX_DemuxStart(eDemuxId)", QLX_DemuxStart(bench.eDemuxId)),
+ *          LADDER_CALL("QLX_DemuxStop(eDemuxId)", QLX_DemuxStop(bench.eDemuxId))},
  *     };
  *
  *     Ladder<SectionBench> ladder(tc, bench, demuxSteps);
@@ -49,6 +49,12 @@ struct LadderStep {
     /** Whether this bench has the step at all; null: each has. */
     bool (*applies)(const Bench& bench) = nullptr;
 };
+
+/** A call of a step, with the text that a failure prints; it may use `bench`. */
+#define LADDER_CALL(text, ...) \
+    text, []([[maybe_unused]] auto& bench) -> int64_t { return __VA_ARGS__; }
+/** In its place: nothing is done. */
+#define LADDER_NONE nullptr, nullptr
 
 template <typename Bench>
 class Ladder {

@@ -27,17 +27,16 @@ struct Letters {
 
 using Step = LadderStep<Letters>;
 
-#define STEP(u, d) \
-#u, [](Letters & l) { return l.act(*#u); }, #d, [](Letters & l) { return l.act(*#d); }
+#define STEP(u, d) LADDER_CALL(#u, bench.act(*#u)), LADDER_CALL(#d, bench.act(*#d))
 
 const Step plainSteps[] = {{STEP(a, A)}, {STEP(b, B)}, {STEP(c, C)}};
 const Step deviatingSteps[] = {
     {STEP(a, A)},
     {STEP(b, B), UNDO_CHECKED, [](const Letters& l) { return l.withB; }},
-    {"c", [](Letters& l) { return l.act('c'); }, nullptr, nullptr},
+    {LADDER_CALL("c", bench.act('c')), LADDER_NONE},
     {STEP(d, D), UNDO_SILENT},
     {STEP(e, E), UNDO_OR_STAY},
-    {nullptr, nullptr, "F", [](Letters& l) { return l.act('F'); }},
+    {LADDER_NONE, LADDER_CALL("F", bench.act('F'))},
 };
 
 /** Up and down again with one step refused: what was done, '!' behind it when the case failed. */
