@@ -13,6 +13,7 @@
 #include "tools/common/options.h"
 #include "tools/report/compare.h"
 #include "tools/report/expectations.h"
+#include "tools/report/follow.h"
 #include "tools/report/forms.h"
 #include "tools/report/html.h"
 #include "tools/report/merge.h"
@@ -241,6 +242,36 @@ void addMerge(CLI::App* app, Command* chosen) {
     });
 }
 
+/** `zkreport watch`: a run in progress. */
+void addWatch(CLI::App* app, Command* chosen) {
+    static std::string folder;
+    static std::string durations;
+    static std::string address;
+    static bool once = false;
+    CLI::App* command = app->add_subcommand("watch", "Follows a run in progress");
+    command->add_option("DIR", folder, "the folder in which the run's console.log grows")
+        ->required();
+    command->add_option("--durations", durations, "what cases took earlier, for the time left");
+    command
+        ->add_option("--http", address,
+                     "also serves a page there, PORT (on 127.0.0.1) or ADDRESS:PORT, until "
+                     "interrupted")
+        ->check([](const std::string& text) {
+            HttpAddress ignored;
+            return readHttpAddress(text, &ignored) ? "" : text + " is no PORT or ADDRESS:PORT";
+        });
+    command->add_flag("--once", once, "tells how far it is, and ends");
+    command->callback([=] {
+        *chosen = [] {
+            HttpAddress http;
+            if (!address.empty())
+                readHttpAddress(address, &http);
+            watch(folder, durations, address.empty() ? nullptr : &http, once);
+            return EXIT_DONE;
+        };
+    });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -252,6 +283,7 @@ int main(int argc, char** argv) {
     addCheck(&app, &chosen);
     addCompare(&app, &chosen);
     addMerge(&app, &chosen);
+    addWatch(&app, &chosen);
     int code = readOptions(&app, argc, argv);
     if (code >= 0)
         return code;

@@ -5,5 +5,6 @@ namespace report::page {
 
 extern const char report_css[];
 extern const char report_js[];
+extern const char live_js[];
 
 }  // namespace report::page
