@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -60,11 +61,14 @@ class Server {
         if (!bound)
             throw Error(address.host + ":" + std::to_string(address.port) +
                         ": cannot be listened at: " + strerror(errno));
+        thread_ = std::thread([this] { listening_ = server_.listen_after_bind(); });
+        // A stop before it runs would be lost.
+        while (listening_ && !server_.is_running())
+            usleep(1000);
         bool colon = address.host.find(':') != std::string::npos;
         printf("page: http://%s%s%s:%d/\n", colon ? "[" : "", address.host.c_str(),
                colon ? "]" : "", port);
         fflush(stdout);
-        thread_ = std::thread([this] { server_.listen_after_bind(); });
     }
     ~Server() {
         server_.stop();
@@ -87,6 +91,7 @@ class Server {
     std::mutex mutex_;
     Progress progress_;
     httplib::Server server_;
+    std::atomic<bool> listening_{true};
     std::thread thread_;
 };
 
