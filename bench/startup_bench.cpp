@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "environment/test_env.h"
-#include "framework/platform_select.h"
-#include "framework/startup.h"
+#include "environment/config_files.h"
+#include "program/startup.h"
 
 namespace fs = std::filesystem;
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "environment/conf_reader.h"
+#include "environment/config_files.h"
 #include "environment/test_env.h"
 #include "framework/base/zk_log.h"
-#include "framework/platform_select.h"
 
 /** Keys that some standards' files have and others have not. */
 enum ChannelKeys {

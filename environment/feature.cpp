@@ -1,7 +1,7 @@
 #include "environment/conf_reader.h"
+#include "environment/config_files.h"
 #include "environment/test_env.h"
 #include "framework/base/zk_log.h"
-#include "framework/platform_select.h"
 
 TestEnvConfig zk_testConfig;
 TestEnvConfig zk_mannualCaseConfig;

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "framework/base/zk_log.h"
-#include "framework/tc_framework.h"
+#include "framework/instance.h"
 
 static const char messageAlive = '1';
 static const char messageOver = '2';

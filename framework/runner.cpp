@@ -3,11 +3,11 @@
 #include <string.h>
 
 #include "framework/base/zk_log.h"
-#include "framework/console.h"
+#include "framework/case/check.h"
+#include "framework/console_input.h"
+#include "framework/instance.h"
 #include "framework/monitor.h"
 #include "framework/report.h"
-#include "framework/tc_check.h"
-#include "framework/tc_framework.h"
 
 /** "SUCCESS", "UNSUPPORT" or "FAILED". */
 static const char* verdictWord(uint32_t result) {

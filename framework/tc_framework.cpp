@@ -10,18 +10,7 @@
 #include "framework/monitor.h"
 #include "framework/report.h"
 
-TcFwInstance tcFwInstance;
-const char* volatile zk_currentCaseName;
-
 enum { REPORT_PATH_MIN = 4 };
-
-void fw_setState(int32_t state) {
-    __atomic_store_n(&tcFwInstance.state, state, __ATOMIC_RELEASE);
-}
-
-int32_t zk_test_finihsed(void) {
-    return __atomic_load_n(&tcFwInstance.state, __ATOMIC_ACQUIRE) == FW_FINISHED;
-}
 
 template <size_t N>
 static void copyText(char (&to)[N], const char (&from)[N]) {

@@ -53,11 +53,6 @@ struct TcModule {
     const char* configFile;
 };
 
-enum { TEST_MODULE_COUNT = 46 };
-
-/** All modules, in the order of the console's numbers and of an automated run. */
-extern const TcModule* const testModules[TEST_MODULE_COUNT];
-
 /**
  * The name of the case whose body or hooks run now, null between cases. Written by the console
  * thread alone. It tells a core dump, a debugger, and the platform library's own diagnostics which

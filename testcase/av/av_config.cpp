@@ -4,7 +4,7 @@
 
 #include "environment/conf_reader.h"
 #include "environment/test_env.h"
-#include "framework/platform_select.h"
+#include "environment/config_files.h"
 #include "framework/tc_check.h"
 
 enum {

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <string>
 
-#include "framework/platform_select.h"
+#include "environment/config_files.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "framework/modules.h"
+#include "testcase/modules.h"
 #include "simulator/sim_control.h"
 
 /** What is initialised, open, registered or running; empty when the device rests. */

@@ -9,7 +9,7 @@
 
 #include "environment/test_env.h"
 #include "framework/case/wait.h"
-#include "framework/platform_select.h"
+#include "environment/config_files.h"
 #include "testcase/av/av_config.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "environment/test_env.h"
-#include "framework/platform_select.h"
+#include "environment/config_files.h"
 #include "testcase/tuner/tuner_harness.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "environment/test_env.h"
-#include "framework/platform_select.h"
-#include "framework/startup.h"
+#include "environment/config_files.h"
+#include "program/startup.h"
 #include "framework/tc_check.h"
 #include "platform/qlx_tuner.h"
 #include "testcase/demux/demux_config.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "environment/test_env.h"
-#include "framework/platform_select.h"
+#include "environment/config_files.h"
 #include "framework/tc_check.h"
 #include "tests/unit/device.h"
 

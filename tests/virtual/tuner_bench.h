@@ -8,8 +8,8 @@
 #include <string>
 
 #include "environment/test_env.h"
-#include "framework/platform_select.h"
-#include "framework/startup.h"
+#include "environment/config_files.h"
+#include "program/startup.h"
 #include "framework/tc_check.h"
 #include "testcase/tuner/tuner_harness.h"
 #include "tests/unit/device.h"

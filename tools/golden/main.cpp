@@ -22,9 +22,9 @@
 #include <vector>
 
 #include "environment/conf_reader.h"
-#include "framework/modules.h"
-#include "framework/platform_select.h"
-#include "framework/startup.h"
+#include "testcase/modules.h"
+#include "environment/config_files.h"
+#include "program/startup.h"
 #include "platform/qlx_sys.h"
 #include "tools/common/options.h"
 #include "tools/golden/blocks.h"

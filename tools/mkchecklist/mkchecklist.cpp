@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "framework/modules.h"
+#include "testcase/modules.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
 #include "tools/common/options.h"

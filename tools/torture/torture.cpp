@@ -34,9 +34,9 @@
 #include <vector>
 
 #include "environment/conf_reader.h"
-#include "framework/modules.h"
-#include "framework/platform_select.h"
-#include "framework/startup.h"
+#include "testcase/modules.h"
+#include "environment/config_files.h"
+#include "program/startup.h"
 #include "framework/tc_check.h"
 #include "platform/qlx_sys.h"
 #include "simulator/sim_control.h"

@@ -1,4 +1,4 @@
-#include "framework/startup.h"
+#include "program/startup.h"
 
 #include <errno.h>
 #include <fcntl.h>

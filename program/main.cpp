@@ -7,9 +7,10 @@
 #include "environment/conf_reader.h"
 #include "framework/base/zk_log.h"
 #include "framework/platform_select.h"
-#include "framework/startup.h"
 #include "framework/tc_framework.h"
 #include "platform/qlx_sys.h"
+#include "program/startup.h"
+#include "testcase/modules.h"
 
 static const char programVersion[] = "0.10.16";
 

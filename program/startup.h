@@ -1,6 +1,6 @@
 /* What a start loads before any case can run. Initial thread. */
-#ifndef FRAMEWORK_STARTUP_H
-#define FRAMEWORK_STARTUP_H
+#ifndef PROGRAM_STARTUP_H
+#define PROGRAM_STARTUP_H
 
 /** Leads standard descriptors that are closed to nowhere, so that no file or pipe that the program
  *  opens takes the place of its input or its log. Called first in main. */

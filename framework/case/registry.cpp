@@ -1,0 +1,3 @@
+#include "framework/case/registry.h"
+
+const char* volatile zk_currentCaseName;
