@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "environment/test_env.h"
 #include "environment/config_files.h"
+#include "environment/test_env.h"
 #include "program/startup.h"
 
 namespace fs = std::filesystem;

@@ -6,7 +6,7 @@
 #include <linux/futex.h>
 #include <sys/syscall.h>
 
-#include "tools/common/exit_codes.h"
+#include "common/exit_codes.h"
 #include "vclock/domain_internal.h"
 #include "vclock/real.h"
 

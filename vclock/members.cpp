@@ -13,7 +13,7 @@
 
 #include <initializer_list>
 
-#include "tools/common/exit_codes.h"
+#include "common/exit_codes.h"
 #include "vclock/domain_internal.h"
 #include "vclock/environment.h"
 #include "vclock/real.h"

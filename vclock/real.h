@@ -42,8 +42,9 @@ int __isoc99_vfscanf(FILE* stream, const char* format, va_list arguments);
     X(fgetc)                                                                                  \
     X(fgets)                                                                                  \
     X(fork)                                                                                   \
-    X(fread) X(getdelim) X(getline) X(msgctl) X(msgrcv) X(msgsnd) X(pause) X(pclose) X(pipe)  \
-        X(pipe2) X(poll) X(pthread_cancel) X(pthread_create) X(pthread_join) X(pthread_kill)  \
+    X(fread)                                                                                  \
+    X(getdelim) X(getline) X(msgctl) X(msgrcv) X(msgsnd) X(pause) X(pclose) X(pipe) X(pipe2)  \
+        X(poll) X(pthread_cancel) X(pthread_create) X(pthread_join) X(pthread_kill)           \
             X(pthread_mutex_init) X(pthread_mutex_lock) X(pthread_mutex_unlock)               \
                 X(pthread_testcancel) X(read) X(readv) X(recv) X(recvfrom) X(recvmsg)         \
                     X(sched_yield) X(select) X(sigsuspend) X(sigtimedwait) X(sigwait)         \

@@ -13,7 +13,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "tools/common/exit_codes.h"
+#include "common/exit_codes.h"
 #include "vclock/environment.h"
 
 static const char* const kUsage =

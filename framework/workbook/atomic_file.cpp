@@ -200,8 +200,8 @@ int overwrite(int fd, const Content& content) {
         usleep(kLockPauseUs);
     }
     // The room first: half a content is worse than an old one.
-    if (fallocate(fd, 0, 0, static_cast<off_t>(content.size)) != 0 &&
-        errno != EOPNOTSUPP && errno != ENOSYS) {
+    if (fallocate(fd, 0, 0, static_cast<off_t>(content.size)) != 0 && errno != EOPNOTSUPP &&
+        errno != ENOSYS) {
         return -1;
     }
     if (writeAll(fd, content) != 0 || ftruncate(fd, static_cast<off_t>(content.size)) != 0) {

@@ -32,13 +32,13 @@
 #include <string>
 #include <vector>
 
+#include "common/exit_codes.h"
 #include "platform/qlx_pm.h"
 #include "simulator/core/board.h"
 #include "simulator/core/device_clock.h"
 #include "simulator/core/sim.h"
 #include "simulator/families.h"
 #include "simulator/service/pm_memory.h"
-#include "tools/common/exit_codes.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <string.h>
 
 #include "environment/conf_reader.h"
-#include "environment/test_env.h"
 #include "environment/config_files.h"
+#include "environment/test_env.h"
 #include "framework/tc_check.h"
 
 enum {

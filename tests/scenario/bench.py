@@ -21,7 +21,7 @@ BUILD = os.environ.get("ZK_BUILD_DIR", os.path.join(SOURCE, "build/debug"))
 PROGRAM = os.path.join(BUILD, "zktest")
 LAUNCHER = os.path.join(BUILD, "vclock/run")
 # By name: EXIT["STANDBY"].
-with open(os.path.join(SOURCE, "tools/common/exit_codes.h"), encoding="ascii") as header:
+with open(os.path.join(SOURCE, "common/exit_codes.h"), encoding="ascii") as header:
     EXIT = {name: int(code) for name, code in re.findall(r"EXIT_(\w+) = (\d+)", header.read())}
 # Real seconds after which a program that hangs is a failed test.
 PATIENCE_S = 300

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <string>
 
-#include "testcase/modules.h"
 #include "simulator/sim_control.h"
+#include "testcase/modules.h"
 
 /** What is initialised, open, registered or running; empty when the device rests. */
 inline std::string deviceState() {

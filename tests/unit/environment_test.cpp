@@ -7,9 +7,9 @@
 #include <fstream>
 #include <string>
 
+#include "environment/config_files.h"
 #include "environment/test_env.h"
 #include "framework/case/wait.h"
-#include "environment/config_files.h"
 #include "testcase/av/av_config.h"
 
 namespace {

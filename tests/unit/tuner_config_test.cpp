@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "environment/test_env.h"
 #include "environment/config_files.h"
+#include "environment/test_env.h"
 #include "testcase/tuner/tuner_harness.h"
 
 namespace {

@@ -16,7 +16,7 @@ PROBE = os.path.join(BUILD, "vclock_probe")
 # The address sanitizer of gcc 12 takes the unwinding of a cancelled thread for a fault.
 SANITIZED = "address" in os.environ.get("ZK_SANITIZE", "")
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-with open(os.path.join(SOURCE, "tools/common/exit_codes.h"), encoding="ascii") as header:
+with open(os.path.join(SOURCE, "common/exit_codes.h"), encoding="ascii") as header:
     EXIT = {name: int(code) for name, code in re.findall(r"EXIT_(\w+) = (\d+)", header.read())}
 # Each run here says itself whether it has a seed.
 for name in [name for name in os.environ if name.startswith("VCLOCK_")]:

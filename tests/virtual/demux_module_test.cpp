@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "environment/test_env.h"
 #include "environment/config_files.h"
-#include "program/startup.h"
+#include "environment/test_env.h"
 #include "framework/tc_check.h"
 #include "platform/qlx_tuner.h"
+#include "program/startup.h"
 #include "testcase/demux/demux_config.h"
 #include "testcase/demux/demux_harness.h"
 #include "testcase/demux/demux_request.h"

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "environment/test_env.h"
 #include "environment/config_files.h"
+#include "environment/test_env.h"
 #include "framework/tc_check.h"
 #include "tests/unit/device.h"
 

@@ -7,10 +7,10 @@
 
 #include <string>
 
-#include "environment/test_env.h"
 #include "environment/config_files.h"
-#include "program/startup.h"
+#include "environment/test_env.h"
 #include "framework/tc_check.h"
+#include "program/startup.h"
 #include "testcase/tuner/tuner_harness.h"
 #include "tests/unit/device.h"
 

@@ -28,8 +28,8 @@
 #include <string>
 #include <vector>
 
+#include "common/exit_codes.h"
 #include "framework/workbook/xls.h"
-#include "tools/common/exit_codes.h"
 
 namespace fs = std::filesystem;
 

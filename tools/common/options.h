@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/common/exit_codes.h"
+#include "common/exit_codes.h"
 
 /**
  * Reads the command line into what `app` has been given.

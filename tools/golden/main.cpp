@@ -22,10 +22,10 @@
 #include <vector>
 
 #include "environment/conf_reader.h"
-#include "testcase/modules.h"
 #include "environment/config_files.h"
-#include "program/startup.h"
 #include "platform/qlx_sys.h"
+#include "program/startup.h"
+#include "testcase/modules.h"
 #include "tools/common/options.h"
 #include "tools/golden/blocks.h"
 #include "tools/golden/fold.h"

@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "testcase/modules.h"
 #include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
+#include "testcase/modules.h"
 #include "tools/common/options.h"
 
 namespace {

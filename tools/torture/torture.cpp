@@ -34,12 +34,12 @@
 #include <vector>
 
 #include "environment/conf_reader.h"
-#include "testcase/modules.h"
 #include "environment/config_files.h"
-#include "program/startup.h"
 #include "framework/tc_check.h"
 #include "platform/qlx_sys.h"
+#include "program/startup.h"
 #include "simulator/sim_control.h"
+#include "testcase/modules.h"
 #include "tools/common/options.h"
 
 namespace fs = std::filesystem;

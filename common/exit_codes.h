@@ -1,7 +1,7 @@
 /* Exit codes of the programs of this tree: one number, one meaning. docs/exit-codes.md lists them.
  */
-#ifndef TOOLS_COMMON_EXIT_CODES_H
-#define TOOLS_COMMON_EXIT_CODES_H
+#ifndef COMMON_EXIT_CODES_H
+#define COMMON_EXIT_CODES_H
 
 enum ExitCode {
     /** Done; of the bench: the run was completed, whatever its verdicts. */
