@@ -152,10 +152,10 @@ TEST(Tree, TheProgramNamesNothingOfTheSimulatedDevice) {
 
 TEST(Tree, CaseNamesAreNeverPastedTogether) {
     for (const Source& source : tree()) {
-        for (const std::string& line : source.lines) {
-            if (isIn(source.path, "testcase"))
-                EXPECT_EQ(line.find("##"), std::string::npos) << source.path << ": " << line;
-        }
+        if (!isIn(source.path, "testcase"))
+            continue;
+        for (const std::string& line : source.lines)
+            EXPECT_EQ(line.find("##"), std::string::npos) << source.path << ": " << line;
     }
 }
 

@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "common/exit_codes.h"
 #include "environment/conf_reader.h"
 #include "environment/config_files.h"
 #include "platform/qlx_sys.h"
@@ -80,7 +81,7 @@ int work(const std::string& moduleName, const std::string& caseName, const std::
     Scripts scripts;
     std::string error;
     if (module == nullptr || !loadScripts(scriptFile, &scripts, &error))
-        return 2;
+        return EXIT_USAGE;
     static Script script;
     if (scriptNumber < scripts[caseName].size())
         script = scripts[caseName][scriptNumber];
@@ -114,7 +115,7 @@ void startRun(const Options& options, const fs::path& work, unsigned index, Run*
     if (run->pid != 0)
         return;
     if (chdir(options.dir.c_str()) != 0)
-        _exit(126);
+        _exit(EXIT_CANNOT_RUN);
     setenv("QLX_SIM_ROOT", (run->folder + "/device").c_str(), 1);
     setenv("QLX_SIM_TRACE", (run->folder + "/trace").c_str(), 1);
     int messages = open((run->folder + "/messages").c_str(), O_WRONLY | O_CREAT, 0644);
@@ -123,7 +124,7 @@ void startRun(const Options& options, const fs::path& work, unsigned index, Run*
     execl(launcher.c_str(), launcher.c_str(), "--start", "1767225600", "--limit", "14400",
           self.c_str(), "--worker", run->module->name, name, script.c_str(), number.c_str(),
           nullptr);
-    _exit(126);
+    _exit(EXIT_CANNOT_RUN);
 }
 
 std::string firstLine(const fs::path& path) {
@@ -213,7 +214,7 @@ void recordAll(const Options& options, std::vector<Run>* runs) {
     std::string pattern = (fs::temp_directory_path() / "zk_golden_XXXXXX").string();
     if (mkdtemp(&pattern[0]) == nullptr) {
         perror("goldencalls: cannot make a temporary folder");
-        exit(2);
+        exit(EXIT_FAILED);
     }
     fs::path work = pattern;
     size_t started = 0;
@@ -302,7 +303,7 @@ unsigned settleModule(const Options& options, const TcModule& module, const Reco
     std::string error;
     if (!readGolden(path, &golden, &error)) {
         fprintf(stderr, "goldencalls: %s\n", error.c_str());
-        exit(2);
+        exit(EXIT_FAILED);
     }
     unsigned differences = 0;
     Records merged;
@@ -344,7 +345,7 @@ unsigned settleModule(const Options& options, const TcModule& module, const Reco
     }
     if (!writeGolden(path, merged)) {
         fprintf(stderr, "goldencalls: cannot write %s\n", path.c_str());
-        exit(2);
+        exit(EXIT_FAILED);
     }
     return differences;
 }
@@ -356,11 +357,11 @@ int runDriver(const Options& options) {
                       std::find(options.modules.begin(), options.modules.end(), module->name) !=
                           options.modules.end();
         if (chosen && !planModule(options, module, &runs))
-            return 2;
+            return EXIT_USAGE;
     }
     if (runs.empty()) {
         fputs("goldencalls: no case is selected\n", stderr);
-        return 2;
+        return EXIT_USAGE;
     }
     recordAll(options, &runs);
     unsigned differences = 0;
@@ -374,7 +375,7 @@ int runDriver(const Options& options) {
     }
     printf("%zu runs recorded, %u differ from the golden calls%s\n", runs.size(), differences,
            options.write && differences > 0 ? "; written anew" : "");
-    return differences == 0 || options.write ? 0 : 1;
+    return differences == 0 || options.write ? EXIT_DONE : EXIT_FAILED;
 }
 
 }  // namespace
@@ -408,7 +409,7 @@ int main(int argc, char** argv) {
     if (!fs::is_directory(options.dir / "config")) {
         fprintf(stderr, "goldencalls: %s is no bench folder: it has no config\n",
                 options.dir.c_str());
-        return 2;
+        return EXIT_USAGE;
     }
     return runDriver(options);
 }
