@@ -79,4 +79,13 @@ constexpr uint32_t tcCaseCount(const TcCase (&)[N]) {
     return N;
 }
 
+/** How many cases of a table run without an operator. */
+template <uint32_t N>
+constexpr uint32_t tcAutoCount(const TcCase (&cases)[N]) {
+    uint32_t count = 0;
+    for (const TcCase& testCase : cases)
+        count += testCase.autoFlag == AUTO ? 1 : 0;
+    return count;
+}
+
 #endif

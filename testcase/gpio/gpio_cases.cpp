@@ -1,13 +1,14 @@
 // GPIO: calls before init and after deinit are refused, a read and a write succeed, a write changes
 // the level, bad levels are refused, and each operation takes less than 100 ms.
-#include <stdio.h>
 #include <sys/time.h>
 
 #include "environment/conf_reader.h"
-#include "framework/modules.h"
-#include "framework/platform_select.h"
-#include "framework/tc_check.h"
+#include "environment/config_files.h"
+#include "framework/case/check.h"
+#include "framework/case/hooks.h"
+#include "framework/case/prompt.h"
 #include "platform/qlx_gpio.h"
+#include "testcase/modules.h"
 
 /** The pin under test. */
 static uint32_t g_uGpioNumber;
@@ -24,11 +25,9 @@ static uint32_t GPIO_TestSetup(void) {
     return 0;
 }
 
-static uint32_t GPIO_TestTeardown(void) {
-    zk_log("%s ! \r\n", __func__);
-    return 0;
-}
+TC_HOOK(GPIO_TestTeardown, __func__)
 
+/** Milliseconds from `start` to `end` as GPIO counts them, each part of a time for itself. */
 static int64_t consumption(const timeval& start, const timeval& end) {
     return static_cast<int64_t>(end.tv_sec - start.tv_sec) * 1000 +
            (end.tv_usec - start.tv_usec) / 1000;
@@ -38,59 +37,55 @@ static void printLevel(uint32_t pin, int32_t level) {
     zk_log("GPIO[%d] level[%d]\r\n", static_cast<int32_t>(pin), level);
 }
 
-/** Asks for a pin number. False at the end of input. */
-static bool askForPin(uint32_t* pin) {
-    int32_t number = 0;
+/** Asks for a pin number. False when none was entered. */
+static bool askForPin(CaseContext& tc, int32_t* pin) {
     zk_log("Please input the GPIO port number to test\r\n");
-    zk_logFlush();
-    bool answered = scanf("%d", &number) == 1;
-    *pin = static_cast<uint32_t>(number);
-    return answered;
+    bool answered = tc_askNumber(pin) == PROMPT_NUMBER;
+    return TC_EXPECT_TRUE(answered);
 }
 
 static uint32_t TC_GPIO_GetValue_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t GetValue = 0;
     TC_ASSERT_RET_CODE(QLX_GPIOGetValue(g_uGpioNumber, &GetValue), QLX_GPIO_ERR_NOT_INIT);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_GetValue_002(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t GetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
     TC_ASSERT_RET(QLX_GPIODeInit());
     TC_ASSERT_RET_CODE(QLX_GPIOGetValue(g_uGpioNumber, &GetValue), QLX_GPIO_ERR_NOT_INIT);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_GetValue_003(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t GetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
     TC_EXPECT_RET(QLX_GPIOGetValue(g_uGpioNumber, &GetValue));
     printLevel(g_uGpioNumber, GetValue);
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_GetValue_004(void) {
-    uint32_t result = TC_SUCCESS;
-    uint32_t uGpioNum = 0;
+    CaseContext tc = {__func__};
+    int32_t pin = 0;
     int32_t GetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
-    bool answered = askForPin(&uGpioNum);
-    TC_EXPECT_TRUE(answered);
-    if (answered) {
+    if (askForPin(tc, &pin)) {
+        const uint32_t uGpioNum = static_cast<uint32_t>(pin);
         TC_EXPECT_RET(QLX_GPIOGetValue(uGpioNum, &GetValue));
         printLevel(uGpioNum, GetValue);
     }
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_GetValue_005(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t GetValue = 0;
     timeval start;
     timeval end;
@@ -104,83 +99,78 @@ static uint32_t TC_GPIO_GetValue_005(void) {
            static_cast<int32_t>(g_uGpioNumber), GetValue, static_cast<long long>(uConsumeTime));
     TC_EXPECT_RET_CODE((uConsumeTime < 100), QLX_TRUE);
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t SetValue = 0;
     TC_ASSERT_RET_CODE(QLX_GPIOSetValue(g_uGpioNumber, SetValue), QLX_GPIO_ERR_NOT_INIT);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_002(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t SetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
     TC_ASSERT_RET(QLX_GPIODeInit());
     TC_ASSERT_RET_CODE(QLX_GPIOSetValue(g_uGpioNumber, SetValue), QLX_GPIO_ERR_NOT_INIT);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_003(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t SetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
     TC_EXPECT_RET(QLX_GPIOSetValue(g_uGpioNumber, SetValue));
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_004(void) {
-    uint32_t result = TC_SUCCESS;
-    uint32_t uGpioNum = 0;
+    CaseContext tc = {__func__};
+    int32_t pin = 0;
     int32_t SetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
-    bool answered = askForPin(&uGpioNum);
-    TC_EXPECT_TRUE(answered);
     // The pin of the configuration is driven, whatever number was entered.
-    if (answered)
+    if (askForPin(tc, &pin))
         TC_EXPECT_RET(QLX_GPIOSetValue(g_uGpioNumber, SetValue));
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_005(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t SetWrongValue_1 = -1;
     int32_t SetWrongValue_2 = 2;
     TC_ASSERT_RET(QLX_GPIOInit());
-    TC_EXPECT_RET_TEXT("QLX_GPIOSetValue(g_uGpioNumber,SetWrongValue_1)",
-                       QLX_GPIOSetValue(g_uGpioNumber, SetWrongValue_1), QLX_GPIO_ERR_INVALID_PARA);
-    if (result == TC_SUCCESS)
-        TC_EXPECT_RET_TEXT("QLX_GPIOSetValue(g_uGpioNumber,SetWrongValue_2)",
-                           QLX_GPIOSetValue(g_uGpioNumber, SetWrongValue_2),
-                           QLX_GPIO_ERR_INVALID_PARA);
+    if (TC_EXPECT_RET_CODE_TEXT("QLX_GPIOSetValue(g_uGpioNumber,SetWrongValue_1)",
+                                QLX_GPIOSetValue(g_uGpioNumber, SetWrongValue_1),
+                                QLX_GPIO_ERR_INVALID_PARA))
+        TC_EXPECT_RET_CODE_TEXT("QLX_GPIOSetValue(g_uGpioNumber,SetWrongValue_2)",
+                                QLX_GPIOSetValue(g_uGpioNumber, SetWrongValue_2),
+                                QLX_GPIO_ERR_INVALID_PARA);
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_006(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t GetValue = 0;
     TC_ASSERT_RET(QLX_GPIOInit());
-    TC_EXPECT_RET(QLX_GPIOGetValue(g_uGpioNumber, &GetValue));
-    int32_t SetValue = GetValue == 0 ? 1 : 0;
-    if (result == TC_SUCCESS)
-        TC_EXPECT_RET(QLX_GPIOSetValue(g_uGpioNumber, SetValue));
-    if (result == TC_SUCCESS)
-        TC_EXPECT_RET(QLX_GPIOGetValue(g_uGpioNumber, &GetValue));
-    if (result == TC_SUCCESS && GetValue != SetValue) {
-        tc_fail(__func__, __LINE__, "expect %d, but actually %d  \n", SetValue, GetValue);
-        return TC_FAILURE;
-    }
+    bool done = TC_EXPECT_RET(QLX_GPIOGetValue(g_uGpioNumber, &GetValue));
+    const int32_t SetValue = GetValue == 0 ? 1 : 0;
+    done = done && TC_EXPECT_RET(QLX_GPIOSetValue(g_uGpioNumber, SetValue));
+    done = done && TC_EXPECT_RET(QLX_GPIOGetValue(g_uGpioNumber, &GetValue));
+    // A pin that cannot be driven ends the case at once, with the library left initialised.
+    if (done)
+        TC_ASSERT_EQUAL(SetValue, GetValue);
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_GPIO_SetValue_007(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     int32_t SetValue = 0;
     timeval start;
     timeval end;
@@ -193,11 +183,11 @@ static uint32_t TC_GPIO_SetValue_007(void) {
            static_cast<int32_t>(g_uGpioNumber), static_cast<long long>(uConsumeTime));
     TC_EXPECT_RET_CODE((uConsumeTime < 100), QLX_TRUE);
     TC_ASSERT_RET(QLX_GPIODeInit());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 // clang-format off
-static const TcCase GPIOModuleCases[] = {
+static constexpr TcCase GPIOModuleCases[] = {
     //      case                  flag    description
     TC_CASE(TC_GPIO_GetValue_001, AUTO,   "Get value from GPIO before init"),
     TC_CASE(TC_GPIO_GetValue_002, AUTO,   "Get value from GPIO after deinit"),
@@ -213,6 +203,8 @@ static const TcCase GPIOModuleCases[] = {
     TC_CASE(TC_GPIO_SetValue_007, AUTO,   "Test the consumption time of setting value to GPIO once"),
 };
 // clang-format on
+static_assert(tcCaseCount(GPIOModuleCases) == 12 && tcAutoCount(GPIOModuleCases) == 10,
+              "cases of the module, and those that run by themselves");
 
 const TcModule GPIOModule = {
     GPIO_TestSetup,  GPIO_TestTeardown,

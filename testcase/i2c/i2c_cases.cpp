@@ -1,19 +1,21 @@
 // I2C: each of four buses opens at each of four rates as far as the board has them, bad arguments
 // and a second open are refused, and a chip's register is read and written with parameters of the
 // configuration or of the operator.
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <sys/time.h>
 
 #include <algorithm>
+#include <memory>
+#include <new>
 
 #include "environment/conf_reader.h"
+#include "environment/config_files.h"
 #include "environment/test_env.h"
-#include "framework/modules.h"
-#include "framework/platform_select.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
+#include "framework/case/hooks.h"
+#include "framework/case/prompt.h"
 #include "platform/qlx_i2c.h"
+#include "testcase/modules.h"
 
 enum {
     WRITE_DATA_SIZE = 7,
@@ -68,10 +70,7 @@ static uint32_t I2C_TestSetup(void) {
     return 0;
 }
 
-static uint32_t I2C_TestTeardown(void) {
-    zk_log("%s ! \r\n", __func__);
-    return 0;
-}
+TC_HOOK(I2C_TestTeardown, __func__)
 
 /** Either one of the two lets a case run. */
 static bool isApplicable(ZkFeature bus, ZkFeature rate) {
@@ -79,11 +78,11 @@ static bool isApplicable(ZkFeature bus, ZkFeature rate) {
 }
 
 static uint32_t TC_I2C_Open_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     TC_ASSERT_RET(QLX_I2CInit());
     TC_ASSERT_RET(QLX_I2CDeInit());
     TC_EXPECT_REFUSED(QLX_I2COpen(QLX_I2C_0, QLX_I2C_BUSRATE_NORMAL));
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 /** One bus at one rate. The texts are those of the calls in the variant's own terms. */
@@ -103,20 +102,14 @@ struct BusAndRate {
     }
 
 static uint32_t openCloseBase(const char* name, const BusAndRate& variant) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {name};
     if (!isApplicable(variant.busFeature, variant.rateFeature))
-        return tc_result(name, TC_NOT_APPLICABLE);
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CInit()", QLX_I2CInit()))
-        return TC_FAILURE;
-    if (tc_checkRet(name, __LINE__, variant.openText, QLX_I2COpen(variant.bus, variant.rate))) {
-        if (!tc_checkRet(name, __LINE__, variant.closeText, QLX_I2CClose(variant.bus)))
-            result = TC_FAILURE;
-    } else {
-        result = TC_FAILURE;
-    }
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CDeInit()", QLX_I2CDeInit()))
-        result = TC_FAILURE;
-    return tc_result(name, result);
+        return tc_notApplicable(tc);
+    TC_ASSERT_RET(QLX_I2CInit());
+    if (TC_EXPECT_RET_TEXT(variant.openText, QLX_I2COpen(variant.bus, variant.rate)))
+        TC_EXPECT_RET_TEXT(variant.closeText, QLX_I2CClose(variant.bus));
+    TC_EXPECT_RET(QLX_I2CDeInit());
+    return TC_RESULT(tc);
 }
 
 // clang-format off
@@ -143,17 +136,12 @@ OPEN_FAMILY(TC_VARIANT_FUNCTION)
 
 /** A bus or rate that does not exist: open and close are refused. */
 static uint32_t openInvalidBase(const char* name, uint32_t eBusId, uint32_t eBusRate) {
-    uint32_t result = TC_SUCCESS;
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CInit()", QLX_I2CInit()))
-        return TC_FAILURE;
-    if (!tc_checkRefused(name, __LINE__, "QLX_I2COpen(eBusId, eBusRate)",
-                         QLX_I2COpen(eBusId, eBusRate)))
-        result = TC_FAILURE;
-    else if (!tc_checkRefused(name, __LINE__, "QLX_I2CClose(eBusId)", QLX_I2CClose(eBusId)))
-        result = TC_FAILURE;
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CDeInit()", QLX_I2CDeInit()))
-        result = TC_FAILURE;
-    return tc_result(name, result);
+    CaseContext tc = {name};
+    TC_ASSERT_RET(QLX_I2CInit());
+    if (TC_EXPECT_REFUSED(QLX_I2COpen(eBusId, eBusRate)))
+        TC_EXPECT_REFUSED(QLX_I2CClose(eBusId));
+    TC_EXPECT_RET(QLX_I2CDeInit());
+    return TC_RESULT(tc);
 }
 
 static const uint32_t minusOne = static_cast<uint32_t>(-1);
@@ -170,24 +158,18 @@ INVALID_FAMILY(TC_VARIANT_FUNCTION)
 
 /** A bus that is open already does not open again. */
 static uint32_t openTwiceBase(const char* name, uint32_t eBusRate, ZkFeature rateFeature) {
-    uint32_t result = TC_SUCCESS;
+    static const char openText[] = "QLX_I2COpen(eBusId,eBusRate)";
+    CaseContext tc = {name};
     const uint32_t eBusId = QLX_I2C_0;
     if (!isApplicable(FEATURE_I2C_BUS0, rateFeature))
-        return tc_result(name, TC_NOT_APPLICABLE);
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CInit()", QLX_I2CInit()))
-        return TC_FAILURE;
-    const char* openText = "QLX_I2COpen(eBusId,eBusRate)";
-    if (tc_checkRet(name, __LINE__, openText, QLX_I2COpen(eBusId, eBusRate))) {
-        if (!tc_checkRefused(name, __LINE__, openText, QLX_I2COpen(eBusId, eBusRate)))
-            result = TC_FAILURE;
-        if (!tc_checkRet(name, __LINE__, "QLX_I2CClose(eBusId)", QLX_I2CClose(eBusId)))
-            result = TC_FAILURE;
-    } else {
-        result = TC_FAILURE;
+        return tc_notApplicable(tc);
+    TC_ASSERT_RET(QLX_I2CInit());
+    if (TC_EXPECT_RET_TEXT(openText, QLX_I2COpen(eBusId, eBusRate))) {
+        TC_EXPECT_REFUSED_TEXT(openText, QLX_I2COpen(eBusId, eBusRate));
+        TC_EXPECT_RET(QLX_I2CClose(eBusId));
     }
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CDeInit()", QLX_I2CDeInit()))
-        result = TC_FAILURE;
-    return tc_result(name, result);
+    TC_EXPECT_RET(QLX_I2CDeInit());
+    return TC_RESULT(tc);
 }
 
 // clang-format off
@@ -200,148 +182,124 @@ static uint32_t openTwiceBase(const char* name, uint32_t eBusRate, ZkFeature rat
 
 TWICE_FAMILY(TC_VARIANT_FUNCTION)
 
-enum Direction { READ_REGISTER, WRITE_REGISTER };
-
 static int64_t consumption(const timeval& start, const timeval& end) {
     return static_cast<int64_t>(end.tv_sec - start.tv_sec) * 1000 +
            (end.tv_usec - start.tv_usec) / 1000;
 }
 
-/**
- * One transfer with the configured chip, on an open bus.
- * @param elapsedMs  receives the milliseconds that the transfer took
- */
-static uint32_t transferConfigured(const char* name, Direction direction, int64_t* elapsedMs) {
+/** A transfer with the configured chip, on an open bus. Returns the milliseconds that it took. */
+static int64_t readConfigured(CaseContext& tc) {
     uint8_t uDataBuf[READ_BUFFER_SIZE] = {};
     const uint32_t uDataBufLen = sizeof uDataBuf;
     uint32_t uReadLen = 0;
-    uint32_t uWriteLen = 0;
-    const char* text;
-    int32_t code;
-    timeval start;
-    timeval end;
+    timeval start, end;
     gettimeofday(&start, nullptr);
-    if (direction == READ_REGISTER) {
-        text =
-            "QLX_I2CRead(stI2CParams.eBusId, &stI2CParams.stconfig, uDataBufLen, uDataBuf, "
-            "&uReadLen)";
-        code = QLX_I2CRead(stI2CParams.eBusId, &stI2CParams.stconfig, uDataBufLen, uDataBuf,
-                           &uReadLen);
-    } else {
-        text =
-            "QLX_I2CWrite(stI2CParams.eBusId, &stI2CParams.stconfig, stI2CParams.uWriteData, "
-            "stI2CParams.uWriteDataLen, &uWriteLen)";
-        code = QLX_I2CWrite(stI2CParams.eBusId, &stI2CParams.stconfig, stI2CParams.uWriteData,
-                            stI2CParams.uWriteDataLen, &uWriteLen);
-    }
+    bool done = TC_EXPECT_RET(
+        QLX_I2CRead(stI2CParams.eBusId, &stI2CParams.stconfig, uDataBufLen, uDataBuf, &uReadLen));
     gettimeofday(&end, nullptr);
-    *elapsedMs = consumption(start, end);
-    if (!tc_checkRet(name, __LINE__, text, code))
-        return TC_FAILURE;
-    if ((direction == READ_REGISTER ? uReadLen : uWriteLen) != 0)
-        return TC_SUCCESS;
-    tc_failTrue(name, __LINE__, 0);
-    return TC_FAILURE;
+    if (done)
+        TC_EXPECT_TRUE(uReadLen != 0);
+    return consumption(start, end);
 }
 
-static uint32_t configuredBase(const char* name, Direction direction, bool timed) {
-    uint32_t result = TC_SUCCESS;
-    int64_t uConsumeTime = 0;
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CInit()", QLX_I2CInit()))
-        return TC_FAILURE;
-    if (tc_checkRet(name, __LINE__, "QLX_I2COpen(stI2CParams.eBusId, stI2CParams.eBusRate)",
-                    QLX_I2COpen(stI2CParams.eBusId, stI2CParams.eBusRate))) {
-        result = transferConfigured(name, direction, &uConsumeTime);
-        if (timed) {
-            zk_log("The consumption time of %s I2C is %lld ms \r\n",
-                   direction == READ_REGISTER ? "read" : "writing",
+static int64_t writeConfigured(CaseContext& tc) {
+    uint32_t uWriteLen = 0;
+    timeval start, end;
+    gettimeofday(&start, nullptr);
+    bool done =
+        TC_EXPECT_RET(QLX_I2CWrite(stI2CParams.eBusId, &stI2CParams.stconfig,
+                                   stI2CParams.uWriteData, stI2CParams.uWriteDataLen, &uWriteLen));
+    gettimeofday(&end, nullptr);
+    if (done)
+        TC_EXPECT_TRUE(uWriteLen != 0);
+    return consumption(start, end);
+}
+
+/**
+ * Opens the configured bus for one transfer.
+ * @param transfer  reads or writes
+ * @param timed     what the line on its time calls the transfer; null: it may take any time
+ */
+static uint32_t configuredBase(const char* name, int64_t (*transfer)(CaseContext& tc),
+                               const char* timed) {
+    CaseContext tc = {name};
+    TC_ASSERT_RET(QLX_I2CInit());
+    if (TC_EXPECT_RET(QLX_I2COpen(stI2CParams.eBusId, stI2CParams.eBusRate))) {
+        const int64_t uConsumeTime = transfer(tc);
+        if (timed != nullptr) {
+            zk_log("The consumption time of %s I2C is %lld ms \r\n", timed,
                    static_cast<long long>(uConsumeTime));
-            if (!tc_checkRet(name, __LINE__, "(uConsumeTime < 100)", uConsumeTime < 100, QLX_TRUE))
-                result = TC_FAILURE;
+            TC_EXPECT_RET_CODE((uConsumeTime < 100), QLX_TRUE);
         }
-        if (!tc_checkRet(name, __LINE__, "QLX_I2CClose(stI2CParams.eBusId)",
-                         QLX_I2CClose(stI2CParams.eBusId)))
-            result = TC_FAILURE;
-    } else {
-        result = TC_FAILURE;
+        TC_EXPECT_RET(QLX_I2CClose(stI2CParams.eBusId));
     }
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CDeInit()", QLX_I2CDeInit()))
-        result = TC_FAILURE;
-    return tc_result(name, result);
+    TC_EXPECT_RET(QLX_I2CDeInit());
+    return TC_RESULT(tc);
 }
 
 // clang-format off
 #define CONFIGURED_FAMILY(X) \
-    X(TC_I2C_ReadWrite_001, AUTO, "read data from specific I2C chip register, params of I2C config is from config file", configuredBase(__func__, READ_REGISTER, false)) \
-    X(TC_I2C_ReadWrite_002, AUTO, "write data to specific I2C chip register, params of I2C config is from config file",  configuredBase(__func__, WRITE_REGISTER, false))
+    X(TC_I2C_ReadWrite_001, AUTO, "read data from specific I2C chip register, params of I2C config is from config file", configuredBase(__func__, readConfigured,  nullptr)) \
+    X(TC_I2C_ReadWrite_002, AUTO, "write data to specific I2C chip register, params of I2C config is from config file",  configuredBase(__func__, writeConfigured, nullptr))
 #define TIMED_FAMILY(X) \
-    X(TC_I2C_ReadWrite_005, AUTO, "test consumption time of reading data from specific I2C chip register, params of I2C config is from config file", configuredBase(__func__, READ_REGISTER, true)) \
-    X(TC_I2C_ReadWrite_006, AUTO, "test consumption time of writing data to specific I2C chip register, params of I2C config is from config file",   configuredBase(__func__, WRITE_REGISTER, true))
+    X(TC_I2C_ReadWrite_005, AUTO, "test consumption time of reading data from specific I2C chip register, params of I2C config is from config file", configuredBase(__func__, readConfigured,  "read")) \
+    X(TC_I2C_ReadWrite_006, AUTO, "test consumption time of writing data to specific I2C chip register, params of I2C config is from config file",   configuredBase(__func__, writeConfigured, "writing"))
 // clang-format on
 
 CONFIGURED_FAMILY(TC_VARIANT_FUNCTION)
 TIMED_FAMILY(TC_VARIANT_FUNCTION)
 
-/** Reads one number by a scanf format. A word that is no number is dropped and reads as -1; false
- *  at the end of input. */
-static bool askNumber(const char* format, int32_t* number) {
-    uint32_t value = 0;
-    zk_logFlush();
-    int got = strcmp(format, "%x") == 0 ? scanf("%x", &value)
-                                        : scanf("%d", reinterpret_cast<int32_t*>(&value));
-    if (got == EOF)
-        return false;
-    if (got == 0) {
-        value = minusOne;
-        if (scanf("%*s") == EOF)
-            return false;
-    }
-    *number = static_cast<int32_t>(value);
-    return true;
-}
-
 /** What the operator enters for a manual transfer. */
 struct ManualTransfer {
     int32_t bus;
     int32_t rate;
-    int32_t chip;
+    uint32_t chip;
     int32_t registerLength;
-    int32_t registerAddress;
+    uint32_t registerAddress;
     int32_t dataLength;
 };
 
+/** Asks until a number within the limits is entered. A word that is no number reads as -1. False at
+ *  the end of input. */
+static bool askNumber(const char* prompt, int32_t low, int32_t high, int32_t* number) {
+    do {
+        zk_log("%s\r\n", prompt);
+        PromptAnswer answer = tc_askNumber(number);
+        if (answer == PROMPT_END_OF_INPUT)
+            return false;
+        if (answer == PROMPT_NO_NUMBER)
+            *number = -1;
+    } while (*number < low || *number > high);
+    return true;
+}
+
+static bool askHex(uint32_t* number) {
+    PromptAnswer answer = tc_askHex(number);
+    if (answer == PROMPT_NO_NUMBER)
+        *number = minusOne;
+    return answer != PROMPT_END_OF_INPUT;
+}
+
 /** The common questions of both manual cases. False at the end of input. */
 static bool askTransfer(const char* lengthPrompt, ManualTransfer* answer) {
-    do {
-        zk_log("Input Bus id(0~3)\r\n");
-        if (!askNumber("%d", &answer->bus))
-            return false;
-    } while (answer->bus < 0 || answer->bus > 3);
-    do {
-        zk_log("Input Bus rate: slow(0),normal(1),middle(2),fast(3)\r\n");
-        if (!askNumber("%d", &answer->rate))
-            return false;
-    } while (answer->rate >= 4);
+    if (!askNumber("Input Bus id(0~3)", 0, 3, &answer->bus) ||
+        !askNumber("Input Bus rate: slow(0),normal(1),middle(2),fast(3)", INT32_MIN, 3,
+                   &answer->rate))
+        return false;
     zk_log("Input hex value of chip addr\r\n");
-    if (!askNumber("%x", &answer->chip))
+    if (!askHex(&answer->chip) ||
+        !askNumber("Input register addr length, max value is 4", 1, 4, &answer->registerLength))
         return false;
-    do {
-        zk_log("Input register addr length, max value is 4\r\n");
-        if (!askNumber("%d", &answer->registerLength))
-            return false;
-    } while (answer->registerLength < 1 || answer->registerLength > 4);
     zk_log("Input hex value of register addr\r\n");
-    if (!askNumber("%x", &answer->registerAddress))
-        return false;
-    zk_log("%s", lengthPrompt);
-    return askNumber("%d", &answer->dataLength);
+    return askHex(&answer->registerAddress) &&
+           askNumber(lengthPrompt, INT32_MIN, INT32_MAX, &answer->dataLength);
 }
 
 static bool askData(uint8_t* data, int32_t length) {
     for (int32_t i = 0; i < length; i++) {
-        int32_t byte = 0;
+        uint32_t byte = 0;
         zk_log("Input hex data[%d]\r\n", i);
-        if (!askNumber("%x", &byte))
+        if (!askHex(&byte))
             return false;
         data[i] = static_cast<uint8_t>(byte);
     }
@@ -349,88 +307,86 @@ static bool askData(uint8_t* data, int32_t length) {
 }
 
 static void printData(const ManualTransfer& answer, const uint8_t* data, uint32_t length) {
-    zk_log("device address[%#2x], register addr[%#4x], data length[%d] data:\r\n",
-           static_cast<unsigned>(answer.chip), static_cast<unsigned>(answer.registerAddress),
-           static_cast<int32_t>(length));
+    zk_log("device address[%#2x], register addr[%#4x], data length[%d] data:\r\n", answer.chip,
+           answer.registerAddress, static_cast<int32_t>(length));
     for (uint32_t i = 0; i < length; i++)
         zk_log("%#2x  ", data[i]);
     zk_log("\r\n");
 }
 
-static uint32_t transferManual(const char* name, Direction direction, const ManualTransfer& answer,
-                               uint8_t* dataBuffer) {
-    uint32_t result = TC_SUCCESS;
+/** A transfer with the chip that the operator has told, on an open bus. */
+using ManualBody = void (*)(CaseContext& tc, const ManualTransfer& answer,
+                            const QLX_I2CConfig& stParam, uint8_t* dataBuffer);
+
+static void writeManual(CaseContext& tc, const ManualTransfer& answer, const QLX_I2CConfig& stParam,
+                        uint8_t* dataBuffer) {
     const uint32_t eBusId = static_cast<uint32_t>(answer.bus);
-    const uint32_t eBusRate = static_cast<uint32_t>(answer.rate);
     const uint32_t dataLength = static_cast<uint32_t>(answer.dataLength);
     uint32_t rw_len = 0;
+    TC_EXPECT_RET_TEXT("QLX_I2CWrite(eBusId,&stParam,dataBuffer,dataLength,&rw_len)",
+                       QLX_I2CWrite(eBusId, &stParam, dataBuffer, dataLength, &rw_len));
+}
+
+static void readManual(CaseContext& tc, const ManualTransfer& answer, const QLX_I2CConfig& stParam,
+                       uint8_t* dataBuffer) {
+    const uint32_t eBusId = static_cast<uint32_t>(answer.bus);
+    const uint32_t dataLength = static_cast<uint32_t>(answer.dataLength);
+    uint32_t rw_len = 0;
+    if (TC_EXPECT_RET_TEXT("QLX_I2CRead(eBusId,&stParam, dataLength, dataBuffer, &rw_len)",
+                           QLX_I2CRead(eBusId, &stParam, dataLength, dataBuffer, &rw_len)))
+        printData(answer, dataBuffer, std::min(rw_len, dataLength));
+}
+
+static void transferManual(CaseContext& tc, ManualBody transfer, const ManualTransfer& answer,
+                           uint8_t* dataBuffer) {
+    const uint32_t eBusId = static_cast<uint32_t>(answer.bus);
+    const uint32_t eBusRate = static_cast<uint32_t>(answer.rate);
     QLX_I2CConfig stParam = {};
     stParam.chipAddress = static_cast<uint8_t>(answer.chip);
     stParam.registerAddressLength = static_cast<uint8_t>(answer.registerLength);
-    splitBytes(static_cast<uint32_t>(answer.registerAddress), stParam.registerAddress,
-               sizeof stParam.registerAddress);
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CInit()", QLX_I2CInit()))
-        return TC_FAILURE;
-    if (tc_checkRet(name, __LINE__, "QLX_I2COpen(eBusId,eBusRate)",
-                    QLX_I2COpen(eBusId, eBusRate))) {
-        bool done;
-        if (direction == WRITE_REGISTER) {
-            done = tc_checkRet(name, __LINE__,
-                               "QLX_I2CWrite(eBusId,&stParam,dataBuffer,dataLength,&rw_len)",
-                               QLX_I2CWrite(eBusId, &stParam, dataBuffer, dataLength, &rw_len));
-        } else {
-            done = tc_checkRet(name, __LINE__,
-                               "QLX_I2CRead(eBusId,&stParam, dataLength, dataBuffer, &rw_len)",
-                               QLX_I2CRead(eBusId, &stParam, dataLength, dataBuffer, &rw_len));
-            if (done)
-                printData(answer, dataBuffer, rw_len < dataLength ? rw_len : dataLength);
-        }
-        bool closed = tc_checkRet(name, __LINE__, "QLX_I2CClose(eBusId)", QLX_I2CClose(eBusId));
-        result = done && closed ? TC_SUCCESS : TC_FAILURE;
-    } else {
-        result = TC_FAILURE;
+    splitBytes(answer.registerAddress, stParam.registerAddress, sizeof stParam.registerAddress);
+    if (!TC_EXPECT_RET(QLX_I2CInit()))
+        return;
+    if (TC_EXPECT_RET_TEXT("QLX_I2COpen(eBusId,eBusRate)", QLX_I2COpen(eBusId, eBusRate))) {
+        transfer(tc, answer, stParam, dataBuffer);
+        TC_EXPECT_RET(QLX_I2CClose(eBusId));
     }
-    if (!tc_checkRet(name, __LINE__, "QLX_I2CDeInit()", QLX_I2CDeInit()))
-        result = TC_FAILURE;
-    return result;
+    TC_EXPECT_RET(QLX_I2CDeInit());
 }
 
-static uint32_t manualBase(const char* name, Direction direction, const char* lengthPrompt) {
-    uint32_t result = TC_SUCCESS;
+static uint32_t manualBase(const char* name, ManualBody transfer, const char* lengthPrompt) {
+    CaseContext tc = {name};
     ManualTransfer answer = {};
-    if (!askTransfer(lengthPrompt, &answer)) {
-        tc_failTrue(name, __LINE__, 0);
-        return tc_result(name, TC_FAILURE);
-    }
+    bool answered = askTransfer(lengthPrompt, &answer);
+    if (!TC_EXPECT_TRUE(answered))
+        return TC_RESULT(tc);
     // A negative or absurd length cannot be allocated.
-    uint8_t* dataBuffer = nullptr;
+    std::unique_ptr<uint8_t[]> dataBuffer;
     if (answer.dataLength >= 0 && answer.dataLength <= MANUAL_DATA_MAX)
-        dataBuffer = static_cast<uint8_t*>(calloc(static_cast<size_t>(answer.dataLength) + 1, 1));
+        dataBuffer.reset(new (std::nothrow) uint8_t[static_cast<size_t>(answer.dataLength) + 1]());
     if (dataBuffer == nullptr) {
-        tc_checkRet(name, __LINE__, "QLX_TRUE", QLX_TRUE);
-        return tc_result(name, TC_FAILURE);
+        TC_EXPECT_RET(QLX_TRUE);
+        return TC_RESULT(tc);
     }
-    if (direction == WRITE_REGISTER && !askData(dataBuffer, answer.dataLength)) {
-        tc_failTrue(name, __LINE__, 0);
-        free(dataBuffer);
-        return tc_result(name, TC_FAILURE);
+    if (transfer == writeManual) {
+        answered = askData(dataBuffer.get(), answer.dataLength);
+        if (!TC_EXPECT_TRUE(answered))
+            return TC_RESULT(tc);
+        printData(answer, dataBuffer.get(), static_cast<uint32_t>(answer.dataLength));
     }
-    if (direction == WRITE_REGISTER)
-        printData(answer, dataBuffer, static_cast<uint32_t>(answer.dataLength));
-    result = transferManual(name, direction, answer, dataBuffer);
-    free(dataBuffer);
-    return tc_result(name, result);
+    transferManual(tc, transfer, answer, dataBuffer.get());
+    return TC_RESULT(tc);
 }
 
 // clang-format off
 #define MANUAL_FAMILY(X) \
-    X(TC_I2C_ReadWrite_003, MANUAL, "write data to register of specific I2C chip with all the params manually entered by user",  manualBase(__func__, WRITE_REGISTER, "Input data length for writing\r\n")) \
-    X(TC_I2C_ReadWrite_004, MANUAL, "read data from register of specific I2C chip with all the params manually entered by user", manualBase(__func__, READ_REGISTER, "Input data length for reading\r\n"))
+    X(TC_I2C_ReadWrite_003, MANUAL, "write data to register of specific I2C chip with all the params manually entered by user",  manualBase(__func__, writeManual, "Input data length for writing")) \
+    X(TC_I2C_ReadWrite_004, MANUAL, "read data from register of specific I2C chip with all the params manually entered by user", manualBase(__func__, readManual,  "Input data length for reading"))
 // clang-format on
 
 MANUAL_FAMILY(TC_VARIANT_FUNCTION)
 
-static const TcCase I2CModuleCases[] = {
+static constexpr TcCase I2CModuleCases[] = {
     TC_CASE(TC_I2C_Open_001, AUTO, "open I2C bus-0 before init"),
     // clang-format off
     OPEN_FAMILY(TC_VARIANT_ROW)
@@ -441,6 +397,8 @@ static const TcCase I2CModuleCases[] = {
     TIMED_FAMILY(TC_VARIANT_ROW)
     // clang-format on
 };
+static_assert(tcCaseCount(I2CModuleCases) == 31 && tcAutoCount(I2CModuleCases) == 29,
+              "cases of the module, and those that run by themselves");
 
 const TcModule I2CModule = {
     I2C_TestSetup,  I2C_TestTeardown,

@@ -6,7 +6,7 @@
 
 #include "environment/config_files.h"
 #include "environment/test_env.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "tests/unit/device.h"
 
 namespace {
