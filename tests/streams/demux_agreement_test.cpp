@@ -64,11 +64,14 @@ std::set<unsigned> pidsWithTables(const char* file) {
  * where the cases' reader drops the end of the one before: it may miss the first.
  */
 std::set<uint8_t> tablesOfOneSection(const char* file, unsigned pid) {
+    std::map<uint8_t, size_t> counts;
+    for (const Burst& burst : tablesOf(shippedLineUp(), multiplexOf(file)))
+        for (const Bytes& section : burst.sections)
+            counts[section[0]] += burst.pid == pid ? 1 : 0;
     std::set<uint8_t> tables;
-    for (const Burst& burst : tablesOf(shippedLineUp(), multiplexOf(file))) {
-        if (burst.pid == pid && burst.sections.size() == 1)
-            tables.insert(burst.sections[0][0]);
-    }
+    for (const auto& [tableId, count] : counts)
+        if (count == 1)
+            tables.insert(tableId);
     return tables;
 }
 

@@ -1,6 +1,7 @@
 #include "tests/streams/dvbpsi_tables.h"
 
 #include <stdio.h>
+#include <string.h>
 
 // The library's headers need the ones before them.
 // clang-format off
@@ -22,6 +23,10 @@
 #include <dvbpsi/atsc_stt.h>
 #include <dvbpsi/atsc_eit.h>
 #include <dvbpsi/atsc_ett.h>
+#include <dvbpsi/dr_0a.h>
+#include <dvbpsi/dr_56.h>
+#include <dvbpsi/dr_59.h>
+#include <dvbpsi/dr_a1.h>
 // clang-format on
 
 #include "tests/streams/made_streams.h"
@@ -64,10 +69,49 @@ static void onCat(void* data, dvbpsi_cat_t* cat) {
     dvbpsi_cat_delete(cat);
 }
 
+static const char languageLine[] = "language ";
+
+/** The language that a component's descriptors tell; empty when none does. */
+static std::string languageOf(dvbpsi_descriptor_t* descriptor) {
+    for (; descriptor != nullptr; descriptor = descriptor->p_next) {
+        const uint8_t* code = nullptr;
+        if (descriptor->i_tag == 0x0A)
+            code = dvbpsi_DecodeISO639Dr(descriptor)->code[0].iso_639_code;
+        else if (descriptor->i_tag == 0x56)
+            code = dvbpsi_DecodeTeletextDr(descriptor)->p_pages[0].i_iso6392_language_code;
+        else if (descriptor->i_tag == 0x59)
+            code = dvbpsi_DecodeSubtitlingDr(descriptor)->p_subtitle[0].i_iso6392_language_code;
+        if (code != nullptr)
+            return std::string(code, code + 3);
+    }
+    return "";
+}
+
+static void noteLanguage(void* data, unsigned pid, const std::string& language) {
+    lines(data).insert(languageLine + std::to_string(pid) + (language.empty() ? "" : " ") +
+                       language);
+}
+
+/** The components that a service location descriptor tells. */
+static void noteLocations(void* data, dvbpsi_descriptor_t* descriptor) {
+    for (; descriptor != nullptr; descriptor = descriptor->p_next) {
+        if (descriptor->i_tag != 0xA1)
+            continue;
+        const dvbpsi_service_location_dr_t* location = dvbpsi_DecodeServiceLocationDr(descriptor);
+        for (unsigned i = 0; i < location->i_number_elements; i++) {
+            const dvbpsi_service_location_element_t& element = location->elements[i];
+            std::string code(element.i_iso_639_code, 3);
+            noteLanguage(data, element.i_elementary_pid, code[0] == 0 ? "" : code);
+        }
+    }
+}
+
 static void onPmt(void* data, dvbpsi_pmt_t* pmt) {
     std::string line = "pmt" + number(pmt->i_program_number) + " pcr" + number(pmt->i_pcr_pid);
-    for (auto* stream = pmt->p_first_es; stream != nullptr; stream = stream->p_next)
+    for (auto* stream = pmt->p_first_es; stream != nullptr; stream = stream->p_next) {
         line += " " + hex(stream->i_type) + ":" + std::to_string(stream->i_pid);
+        noteLanguage(data, stream->i_pid, languageOf(stream->p_first_descriptor));
+    }
     lines(data).insert(line);
     dvbpsi_pmt_delete(pmt);
 }
@@ -156,6 +200,7 @@ static void onVct(void* data, dvbpsi_atsc_vct_t* vct) {
             number(channel->i_channel_tsid) + " program" + number(channel->i_program_number) +
             " source" + number(channel->i_source_id) + " type" + number(channel->i_service_type) +
             tags(channel->p_first_descriptor));
+        noteLocations(data, channel->p_first_descriptor);
     }
     dvbpsi_atsc_DeleteVCT(vct);
 }
@@ -206,7 +251,7 @@ static void onSubtable(dvbpsi_t* handle, uint8_t tableId, uint16_t extension, vo
         attached = dvbpsi_atsc_AttachETT(handle, tableId, extension, onEtt, data);
     else if (tableId == 0xCD)
         attached = dvbpsi_atsc_AttachSTT(handle, tableId, extension, onStt, data);
-    else
+    else if (tableId != 0x72)  // stuffing
         lines(data).insert("unknown table " + hex(tableId));
     if (!attached)
         lines(data).insert("! cannot attach " + hex(tableId));
@@ -216,8 +261,8 @@ static void onMessage(dvbpsi_t* handle, dvbpsi_msg_level_t, const char* message)
     lines(handle->p_sys).insert(std::string("! ") + message);
 }
 
-std::set<std::string> decodeTables(const Bytes& stream, unsigned pid, PidUse use,
-                                   unsigned programme) {
+/** All lines, those of languages too. */
+static Lines decode(const Bytes& stream, unsigned pid, PidUse use, unsigned programme) {
     Lines found;
     dvbpsi_t* handle = dvbpsi_new(onMessage, DVBPSI_MSG_WARN);
     handle->p_sys = &found;
@@ -260,6 +305,24 @@ std::set<std::string> decodeTables(const Bytes& stream, unsigned pid, PidUse use
     }
     dvbpsi_delete(handle);
     return found;
+}
+
+std::set<std::string> decodeTables(const Bytes& stream, unsigned pid, PidUse use,
+                                   unsigned programme) {
+    Lines tables;
+    for (const std::string& line : decode(stream, pid, use, programme))
+        if (line.rfind(languageLine, 0) != 0)
+            tables.insert(line);
+    return tables;
+}
+
+std::set<std::string> decodeLanguages(const Bytes& stream, unsigned pid, PidUse use,
+                                      unsigned programme) {
+    Lines languages;
+    for (const std::string& line : decode(stream, pid, use, programme))
+        if (line.rfind(languageLine, 0) == 0)
+            languages.insert(line.substr(strlen(languageLine)));
+    return languages;
 }
 
 }  // namespace mkstreams

@@ -21,6 +21,11 @@ enum class PidUse { Pat, Cat, Pmt, Rst, Service };
 std::set<std::string> decodeTables(const Bytes& stream, unsigned pid, PidUse use,
                                    unsigned programme = 0);
 
+/** The languages that the components of PMTs or VCTs are told to have, as the library decodes the
+ *  descriptors: "PID code" each, "PID" alone for one without. */
+std::set<std::string> decodeLanguages(const Bytes& stream, unsigned pid, PidUse use,
+                                      unsigned programme = 0);
+
 }  // namespace mkstreams
 
 #endif

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <set>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -207,6 +208,29 @@ TEST_P(Elementary, SoundIsWhatTheLineUpSays) {
         EXPECT_EQ(sound.rate, 48000);
         EXPECT_EQ(sound.channels, spec.channels);
     }
+}
+
+/** Receivers that read a header out of the first packet find all of it there. */
+TEST_P(Elementary, HeadersLieInOnePacket) {
+    std::set<unsigned> pids;
+    for (const Channel& channel : multiplexOf(GetParam()).channels) {
+        pids.insert(channel.videoPid);
+        for (const AudioComponent& audio : channel.audio)
+            pids.insert(audio.pid);
+        pids.insert(channel.subtitlePids.begin(), channel.subtitlePids.end());
+        pids.insert(channel.otherPids.begin(), channel.otherPids.end());
+    }
+    size_t headers = 0;
+    for (const PacketView& packet : packetsOf(streamOf(GetParam()).packets)) {
+        if (pids.count(packet.pid()) == 0 || !packet.unitStart())
+            continue;
+        const uint8_t* pes = packet.payload();
+        ASSERT_GE(packet.payloadBytes(), 9u) << packet.pid();
+        ASSERT_EQ(pes[0] << 16 | pes[1] << 8 | pes[2], 1);
+        EXPECT_GE(packet.payloadBytes(), 9u + pes[8]) << packet.pid();
+        headers++;
+    }
+    EXPECT_GT(headers, 100u);
 }
 
 INSTANTIATE_TEST_SUITE_P(LineUp, Elementary,

@@ -39,6 +39,14 @@ const TransportStream& streamOf(const std::string& file) {
     return stream;
 }
 
+Bytes tableStreamOf(const Multiplex& multiplex) {
+    MultiplexInput input = {tablesOf(shippedLineUp(), multiplex), {}, 0x1FFF, loopTicks(multiplex)};
+    TransportStream stream;
+    std::string error;
+    EXPECT_TRUE(multiplexAtFittingRate(input, &stream, &error)) << multiplex.file << ": " << error;
+    return stream.packets;
+}
+
 unsigned PacketView::pid() const {
     return (at[1] & 0x1Fu) << 8 | at[2];
 }
@@ -99,7 +107,7 @@ std::vector<ReceivedSection> sectionsOf(const Bytes& stream, unsigned pid) {
                 section_buf_reset(buffer);
             } else if (status == 1) {
                 const uint8_t* data = section_buf_data(buffer);
-                sections.push_back({Bytes(data, data + buffer->len), begun});
+                sections.push_back({Bytes(data, data + buffer->len), begun, packet.index});
                 section_buf_reset(buffer);
             }
             start = false;

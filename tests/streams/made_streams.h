@@ -18,6 +18,9 @@ const Multiplex& multiplexOf(const std::string& file);
 /** The stream of a file, made on first use. */
 const TransportStream& streamOf(const std::string& file);
 
+/** The tables of a multiplex alone, as a stream: quickly made. */
+Bytes tableStreamOf(const Multiplex& multiplex);
+
 /** A view of a packet of a stream. */
 struct PacketView {
     const uint8_t* at;
@@ -36,10 +39,11 @@ struct PacketView {
 
 std::vector<PacketView> packetsOf(const Bytes& stream);
 
-/** A section as it came, and the packet in which it began. */
+/** A section as it came, and the packets in which it began and ended. */
 struct ReceivedSection {
     Bytes bytes;
     size_t packet;
+    size_t lastPacket;
 };
 
 /** Sections of a PID, put together by libucsi. A damaged chain gives what it yields. */

@@ -181,17 +181,74 @@ TEST(Multiplexer, PackedSectionsSurviveEveryAlignment) {
 }
 
 TEST(Multiplexer, SectionsOfOnePidKeepTheirDistance) {
-    MultiplexInput input = {{{"L", 0x12, {sectionOf(4096)}, 1000, false}}, {}, 0x1FFF, second};
+    // Long sections of one sub-table that come close to each other, and short ones of others.
+    MultiplexInput input = {{{"L", 0x12, {sectionOf(4096, 1)}, 240, false},
+                             {"M", 0x12, {sectionOf(4096, 1), sectionOf(60, 2)}, 4000, false},
+                             {"N", 0x12, {sectionOf(60, 3)}, 4000, false}},
+                            {},
+                            0x1FFF,
+                            4 * second};
     TransportStream stream = made(input);
     std::vector<Packet> packets = packetsOf(stream);
     int64_t last = -second;
+    int64_t ended = -second;
     for (size_t i = 0; i < packets.size(); i++) {
         if (packets[i].pid() != 0x12)
             continue;
         int64_t now = static_cast<int64_t>(i) * ticks;
         EXPECT_GE(now - last, second * 1504 / 1000000);
+        bool begins = packets[i].unitStart() && packets[i].payload()[1] == 1;
+        if (begins) {
+            EXPECT_GE(now - ended, second * 25 / 1000) << i;
+        }
+        // The last packet of a section holds less than a packet, but for the 60 bytes behind it.
+        if (!begins)
+            ended = now + ticks;
         last = now;
     }
+}
+
+TEST(Multiplexer, SectionsSentAnyNumberOfTimesAreFilledUpToWholeCycles) {
+    for (size_t size : {40u, 200u, 500u}) {
+        Burst burst = {"E", 0x12, {sectionOf(size, 0x50)}, 300, false, true};
+        TransportStream stream = made({{burst}, {}, 0x1FFF, second});
+        std::vector<Bytes> received = sectionsOn(stream, 0x12);
+        size_t stuffing = 0;
+        for (const Bytes& section : received)
+            stuffing += section[0] == 0x72 ? 1 : 0;
+        size_t sent = 0;
+        for (const Packet& packet : packetsOf(stream))
+            sent += packet.pid() == 0x12 ? 1 : 0;
+        EXPECT_EQ(repetitions(burst, second), 4);
+        EXPECT_EQ(received.size() - stuffing, 4u);
+        EXPECT_EQ(sent % 16, 0u);
+        EXPECT_LT(stuffing, 16u);
+    }
+}
+
+TEST(Multiplexer, HeadersOfPesPacketsStayWhole) {
+    // 14 bytes of header and a few of data, spread over 16 packets.
+    PesStream small = {0x100, {{{0, 0, 1, 0xBD, 0, 20, 0x80, 0x80, 5}, 0, second, false}}};
+    small.packets[0].bytes.resize(29, 0x21);
+    TransportStream stream = made({{}, {small}, 0x1FFF, second});
+    size_t sent = 0;
+    Bytes received;
+    for (const Packet& packet : packetsOf(stream)) {
+        if (packet.pid() != 0x100)
+            continue;
+        if (sent++ == 0) {
+            EXPECT_EQ(packet.at + packetSize - packet.payload(), 14);
+        }
+        received.insert(received.end(), packet.payload(), packet.at + packetSize);
+    }
+    EXPECT_EQ(sent, 16u);
+    EXPECT_EQ(received, small.packets[0].bytes);
+    // One byte less does not fill the packets that follow the header.
+    small.packets[0].bytes.pop_back();
+    TransportStream none;
+    std::string error;
+    EXPECT_FALSE(multiplex({{}, {small}, 0x1FFF, second}, ticks, &none, &error));
+    EXPECT_NE(error.find("PID 256"), std::string::npos) << error;
 }
 
 TEST(Multiplexer, WhatDoesNotFitIsRefused) {
@@ -203,6 +260,10 @@ TEST(Multiplexer, WhatDoesNotFitIsRefused) {
     // The ladder of rates finds one that carries it.
     EXPECT_TRUE(multiplexAtFittingRate(tooMuch, &stream, &error)) << error;
     EXPECT_LT(stream.packetTicks, ticks);
+    // The last section of the loop ends 9 ms before the first of the next.
+    MultiplexInput tooClose = {{{"C", 0x12, {sectionOf(3600)}, 1000, false}}, {}, 0x1FFF, second};
+    EXPECT_FALSE(multiplex(tooClose, ticks, &stream, &error));
+    EXPECT_NE(error.find("PID 18 over the loop's end"), std::string::npos) << error;
     // A last PES packet of 5 bytes cannot be spread over the packets that are missing to 16.
     MultiplexInput tooSmall = {{}, {streamOf(0x100, 1, 5)}, 0x1FFF, second};
     EXPECT_FALSE(multiplex(tooSmall, ticks, &stream, &error));

@@ -133,26 +133,62 @@ TEST_P(OnAir, NothingIsWhereNothingMayBe) {
             EXPECT_NE(section[0], lineUp.invalidTableId);
 }
 
-TEST_P(OnAir, SectionsOfASubTableAreApart) {
-    std::map<std::tuple<unsigned, unsigned, unsigned>, int64_t> ends;
+std::set<unsigned> pidsOfTables(const Multiplex& multiplex) {
     std::set<unsigned> pids;
-    for (const Burst& burst : tablesOf(shippedLineUp(), multiplexOf(GetParam())))
+    for (const Burst& burst : tablesOf(shippedLineUp(), multiplex))
         pids.insert(burst.pid);
-    for (unsigned pid : pids)
-        for (const ReceivedSection& section : sectionsOf(stream().packets, pid)) {
-            // A short section, as the DIT is, has no table id extension.
-            unsigned extension =
-                section.bytes.size() > 4 ? section.bytes[3] * 256u + section.bytes[4] : 0;
-            auto key = std::make_tuple(pid, static_cast<unsigned>(section.bytes[0]), extension);
-            auto last = ends.find(key);
-            // From last byte to first byte; the last byte comes with one of the next packets.
-            if (last != ends.end()) {
-                EXPECT_GE(timeOf(section.packet) - last->second, 25 * ms)
-                    << pid << " " << static_cast<int>(section.bytes[0]);
+    return pids;
+}
+
+/** From the end of the packet with the last byte of one to the begin of that with the first byte of
+ *  the next, over the loop's end too. */
+TEST_P(OnAir, SectionsOfASubTableAreApart) {
+    int64_t loop = timeOf(stream().packets.size() / packetSize);
+    for (unsigned pid : pidsOfTables(multiplexOf(GetParam()))) {
+        std::map<uint32_t, int64_t> ends;
+        std::vector<ReceivedSection> sections = sectionsOf(stream().packets, pid);
+        for (int64_t played : {int64_t{0}, loop}) {
+            for (const ReceivedSection& section : sections) {
+                // A short section, as the DIT is, has no table id extension.
+                uint32_t subTable = section.bytes[0] * 65536u;
+                if ((section.bytes[1] & 0x80) != 0)
+                    subTable += section.bytes[3] * 256u + section.bytes[4];
+                auto last = ends.find(subTable);
+                if (last != ends.end()) {
+                    EXPECT_GE(played + timeOf(section.packet) - last->second, 25 * ms)
+                        << pid << " table " << static_cast<int>(section.bytes[0]);
+                }
+                ends[subTable] = played + timeOf(section.lastPacket + 1);
             }
-            int64_t packets = static_cast<int64_t>(section.bytes.size() / 184);
-            ends[key] = timeOf(section.packet) + packets * 1504 * ms / 1000;
         }
+    }
+}
+
+/** A section's place (PID, table id, extension, number) tells what it is. */
+TEST_P(OnAir, SectionsHaveAnIdentity) {
+    for (unsigned pid : pidsOfTables(multiplexOf(GetParam()))) {
+        std::map<Bytes, Bytes> known;
+        std::map<Bytes, std::set<unsigned>> numbers;
+        for (const ReceivedSection& section : sectionsOf(stream().packets, pid)) {
+            const Bytes& bytes = section.bytes;
+            if ((bytes[1] & 0x80) == 0)
+                continue;
+            Bytes subTable = {bytes[0], bytes[3], bytes[4]};
+            Bytes place = subTable;
+            place.push_back(bytes[6]);
+            const Bytes& first = known.insert({place, bytes}).first->second;
+            EXPECT_EQ(bytes, first) << pid << " table " << static_cast<int>(bytes[0]);
+            // A schedule may leave numbers out, by rules of its own.
+            if (bytes[0] < 0x50 || bytes[0] > 0x6F) {
+                numbers[subTable].insert(bytes[6]);
+                numbers[subTable].insert(256u + bytes[7]);
+            }
+        }
+        for (const auto& [subTable, found] : numbers) {
+            unsigned last = *found.rbegin() - 256;
+            EXPECT_EQ(found.size(), last + 2) << pid << " table " << static_cast<int>(subTable[0]);
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(LineUp, OnAir,

@@ -61,7 +61,7 @@ class Tool : public testing::Test {
 TEST_F(Tool, MakesTheSameBytesAndOnlyWhenSomethingChanged) {
     Outcome first = run(arguments_ + "--variants");
     ASSERT_EQ(first.status, 0) << first.said;
-    EXPECT_EQ(first.said, "dvbt_main.ts: 12800 packets\ndvbt_hd.ts: 12800 packets\n");
+    EXPECT_EQ(first.said, "dvbt_main.ts: 6400 packets\ndvbt_hd.ts: 6400 packets\n");
     fs::path file = folder_ / "out/dvbt_main.ts";
     std::string bytes = contents(file);
     const Bytes& inProcess = streamOf("dvbt_main.ts").packets;
@@ -76,7 +76,7 @@ TEST_F(Tool, MakesTheSameBytesAndOnlyWhenSomethingChanged) {
     EXPECT_EQ(contents(folder_ / "out/streams.cfg"), manifest);
     // A damaged file, and a changed channel, are made again.
     fs::resize_file(file, 1000);
-    EXPECT_EQ(run(arguments_).said, "dvbt_main.ts: 12800 packets\n");
+    EXPECT_EQ(run(arguments_).said, "dvbt_main.ts: 6400 packets\n");
     EXPECT_EQ(contents(file), bytes);
     std::ofstream(folder_ / "config/common/channel_dvb_t.cfg", std::ios::app) << "# edited\n";
     EXPECT_EQ(run(arguments_).said, first.said);
@@ -101,9 +101,9 @@ TEST_F(Tool, ManifestTellsWhatIsOnTheAir) {
                         {"CHANNELS", "0", "1"},
                         {"FILE", "dvbt_main.ts", "dvbt_hd.ts"},
                         {"PACKET_SIZE", "188", "188"},
-                        {"PACKETS", "12800", "12800"},
-                        {"PACKET_TICKS", "20250", "20250"},
-                        {"BIT_RATE", "2005333", "2005333"},
+                        {"PACKETS", "6400", "6400"},
+                        {"PACKET_TICKS", "40500", "40500"},
+                        {"BIT_RATE", "1002667", "1002667"},
                         {"DURATION_MS", "9600", "9600"}};
     for (const Row& row : rows) {
         EXPECT_EQ(manifest.text("TRANSMITTER0", row.key), row.main) << row.key;
@@ -155,6 +155,18 @@ TEST_F(Tool, SaysWhatIsWrong) {
     EXPECT_EQ(missing.status, 1);
     EXPECT_NE(missing.said.find("/nowhere/common/demux_config.cfg"), std::string::npos);
     EXPECT_FALSE(fs::exists(folder_ / "out"));
+    // A file that networks with different identifiers name.
+    fs::path demux = folder_ / "config/common/demux_config.cfg";
+    std::string files = contents(demux);
+    std::string wrong = files;
+    wrong.replace(wrong.find("=isdbs_ac3.ts"), 13, "=isdb_ac3.ts");
+    std::ofstream(demux) << wrong;
+    Outcome shared = run(arguments_);
+    EXPECT_EQ(shared.status, 1);
+    EXPECT_NE(shared.said.find("isdb_ac3.ts is played by multiplexes that differ"),
+              std::string::npos)
+        << shared.said;
+    std::ofstream(demux) << files;
     // A format that there is no encoder for, and a PID that must stay free.
     fs::path channel = folder_ / "config/common/channel_dvb_t.cfg";
     std::string text = contents(channel);

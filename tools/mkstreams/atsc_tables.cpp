@@ -92,8 +92,7 @@ static Bytes serviceLocation(const Multiplex& multiplex, const Channel& channel)
     for (const Component& component : components) {
         put8(body, component.streamType);
         put16(body, 0xE000u | component.pid);
-        bool spoken = component.pid != channel.videoPid;
-        putText(body, spoken ? "eng" : std::string(3, '\0'));
+        putText(body, component.language.empty() ? std::string(3, '\0') : component.language);
     }
     Bytes descriptor;
     putDescriptor(descriptor, 0xA1, body);
@@ -193,8 +192,11 @@ static Bytes eitSection(const Multiplex& multiplex, unsigned span, unsigned vers
     return section;
 }
 
-static Bytes ettSection(uint32_t messageId, const std::string& text, unsigned version) {
-    Bytes section = begin(tableEtt, 0, version);
+/** The extension tells the texts of a PID apart (A/65, 6.6): texts of events by the event, texts of
+ *  channels by the channel. */
+static Bytes ettSection(unsigned extension, uint32_t messageId, const std::string& text,
+                        unsigned version) {
+    Bytes section = begin(tableEtt, extension, version);
     put32(section, messageId);
     append(section, multipleString(text));
     closeSection(&section);
@@ -203,7 +205,14 @@ static Bytes ettSection(uint32_t messageId, const std::string& text, unsigned ve
 
 static Bytes eventEtt(const Multiplex& multiplex, unsigned hour, unsigned version) {
     uint32_t source = sourceId(multiplex, multiplex.channels.front());
-    return ettSection(source << 16 | eventId(hour) << 2 | 2, eventText(hour), version);
+    return ettSection(eventId(hour), source << 16 | eventId(hour) << 2 | 2, eventText(hour),
+                      version);
+}
+
+static Bytes channelEtt(const Multiplex& multiplex, const Channel& channel, unsigned version) {
+    uint32_t source = sourceId(multiplex, channel);
+    return ettSection(source, source << 16, serviceName(channel) + ": test pictures and tones.",
+                      version);
 }
 
 /** A table of several sections under the first version that suits them all. */
@@ -239,10 +248,7 @@ static void addEvents(const Multiplex& multiplex, std::vector<GuidedTable>* tabl
                                  }));
     tables->push_back(guided(typeChannelEtt, channel.ettPid + channelEttOffset,
                              multiplex.channels.size(), [&](size_t part, unsigned version) {
-                                 const Channel& each = multiplex.channels[part];
-                                 return ettSection(
-                                     static_cast<uint32_t>(sourceId(multiplex, each)) << 16,
-                                     serviceName(each) + ": test pictures and tones.", version);
+                                 return channelEtt(multiplex, multiplex.channels[part], version);
                              }));
 }
 

@@ -97,7 +97,7 @@ static void putTag(Bytes& to, unsigned componentTag) {
     put8(to, componentTag);
 }
 
-static void putLanguage(Bytes& to, const char* code, unsigned audioType) {
+static void putLanguage(Bytes& to, const std::string& code, unsigned audioType) {
     Bytes body;
     putText(body, code);
     put8(body, audioType);
@@ -164,11 +164,11 @@ static void addAudio(const Multiplex& multiplex, const Channel& channel,
         const AudioComponent& audio = channel.audio[i];
         Component format = audioFormat(family, audioSpec(multiplex, channel, i), audio.description);
         Component component = {format.streamType, audio.pid, {}};
+        component.language = language(family, audio.description ? 0 : i);
         if (family == Family::Atsc && audio.format == AUDIO_AC3)
             component.descriptors = registration("AC-3");
         append(component.descriptors, format.descriptors);
-        putLanguage(component.descriptors, language(family, audio.description ? 0 : i),
-                    audio.description ? 3 : 0);
+        putLanguage(component.descriptors, component.language, audio.description ? 3 : 0);
         if (family != Family::Atsc)
             putTag(component.descriptors, 0x10 + i);
         components->push_back(component);
@@ -186,7 +186,8 @@ static void addSubtitles(const Multiplex& multiplex, const Channel& channel,
             putDescriptor(component.descriptors, 0xFD, {0x00, 0x08, 0x3D});
         } else {
             Bytes body;
-            putText(body, language(family, i));
+            component.language = language(family, i);
+            putText(body, component.language);
             put8(body, 0x10);  // subtitles without aspect ratio criticality
             put16(body, 1);    // composition page
             put16(body, 1);    // ancillary page
@@ -211,8 +212,10 @@ std::vector<Component> componentsOf(const Multiplex& multiplex, const Channel& c
     for (size_t i = 0; i < channel.otherPids.size(); i++) {
         Component component = {0x06, channel.otherPids[i], {}};
         // The first one of DVB is teletext, with an initial page 100; the rest is private data.
-        if (multiplex.standard->family == Family::Dvb && i == 0)
+        if (multiplex.standard->family == Family::Dvb && i == 0) {
+            component.language = "eng";
             component.descriptors = {0x56, 5, 'e', 'n', 'g', 1 << 3 | 1, 0x00};
+        }
         components.push_back(component);
     }
     if (channel.pesPid != 0 && !isListed(components, channel.pesPid))

@@ -15,6 +15,7 @@ struct Component {
     unsigned streamType;
     uint16_t pid;
     Bytes descriptors;
+    std::string language = {}; /**< ISO 639-2 code; empty where nothing is said or written */
 };
 
 /** Text as the family codes it in descriptors. */

@@ -28,6 +28,10 @@ static const uint16_t pidTdtTot = 0x14;
 static const uint16_t pidDit = 0x1E;
 static const uint16_t pidSit = 0x1F;
 static const uint16_t pidEmm = 0x1FF0;
+// From a network's identifier to that of another one, beyond those of terrestrial stations.
+static const uint16_t neighbourDistance = 0x10;
+static const unsigned hoursOfSegment = 3;
+static const unsigned segmentsOfTable = 32;
 static const unsigned runningNow = 4;
 static const unsigned runningLater = 1;
 
@@ -176,10 +180,6 @@ static Bytes networkSection(bool bouquet, bool actual, uint16_t id, const Bytes&
     return section;
 }
 
-static uint16_t networkId(const Multiplex& multiplex) {
-    return multiplex.standard->system == 256 ? multiplex.tsId : multiplex.standard->networkId;
-}
-
 /** The transport streams that a multiplex's NIT tells: all of the network, each once. */
 static Bytes networkStreams(const LineUp& lineUp, const Multiplex& multiplex) {
     const Standard& standard = *multiplex.standard;
@@ -207,7 +207,7 @@ static void addNetwork(const LineUp& lineUp, const Multiplex& multiplex,
     }));
     // A neighbouring network in two sections, the first of which names it.
     Burst other = {"NIT other", pidNit, {}, 5000, false};
-    uint16_t neighbour = static_cast<uint16_t>(networkId(multiplex) + 1);
+    uint16_t neighbour = static_cast<uint16_t>(networkId(multiplex) + neighbourDistance);
     for (unsigned number = 0; number < 2; number++) {
         Bytes loop;
         Channel channel = multiplex.channels.front();
@@ -318,11 +318,22 @@ static Bytes eitSection(const EitHead& head, unsigned version, unsigned hour, un
     return section;
 }
 
-/** Section of a schedule table for a segment of three hours; sections of segments are 8 apart. */
-static Bytes scheduleSection(const Multiplex& multiplex, unsigned tableId, unsigned lastTableId,
-                             unsigned segment, unsigned segments, unsigned firstHour) {
-    EitHead head = {&multiplex, tableId, 8 * segment, 8 * (segments - 1), 8 * segment, lastTableId};
-    return eitSection(head, 3, firstHour + 3 * segment, 3);
+/** The schedule of a service in one table id, which holds 32 segments of three hours. */
+struct ScheduleTable {
+    const Multiplex* multiplex;
+    unsigned tableId;
+    unsigned lastTableId;
+    unsigned firstHour;
+    unsigned told;     /**< segments with events */
+    unsigned segments; /**< those behind them are empty */
+};
+
+/** The one section of a segment: sections of segments are 8 apart. */
+static Bytes scheduleSection(const ScheduleTable& table, unsigned segment) {
+    EitHead head = {table.multiplex,          table.tableId, 8 * segment,
+                    8 * (table.segments - 1), 8 * segment,   table.lastTableId};
+    return eitSection(head, 3, table.firstHour + hoursOfSegment * segment,
+                      segment < table.told ? hoursOfSegment : 0);
 }
 
 /** The multiplex whose events the "other" tables tell: the next one of the standard. */
@@ -348,25 +359,28 @@ static void addSchedule(const Multiplex& multiplex, const Multiplex& neighbour, 
                         std::vector<Burst>* bursts) {
     static const unsigned actual = 0x50;
     static const unsigned other = 0x60;
-    static const unsigned hoursOfTable = 4 * 24;
     // File 1 is the one whose schedule is compared: it has one section, and a day of the other
-    // stream. The others tell two days, and in the next table id the beginning of the fifth.
-    bool compared = multiplex.fileIndex == 1;
-    unsigned segments = compared ? 8 : 16;
-    if (compared)
+    // stream. The others tell two days, and in the next table id the beginning of the fifth: what
+    // lies between is empty, but it is told (TR 101 211, 4.1.4).
+    const ScheduleTable compared[] = {{&neighbour, other, other, 0, 8, 8}};
+    const ScheduleTable whole[] = {
+        {&multiplex, actual, actual + 1, 0, 16, segmentsOfTable},
+        {&neighbour, other, other, 0, 16, 16},
+        {&multiplex, actual + 1, actual + 1, segmentsOfTable * hoursOfSegment, 2, 2}};
+    std::vector<ScheduleTable> tables(std::begin(whole), std::end(whole));
+    if (multiplex.fileIndex == 1) {
+        tables.assign(std::begin(compared), std::end(compared));
         bursts->push_back(comparedTable("EIT schedule actual", pid, 900, [&](unsigned version) {
             return eitSection({&multiplex, actual, 0, 0, 0, actual}, version, 0, 3);
         }));
-    for (unsigned segment = 0; segment < segments; segment++) {
-        Burst burst = {"EIT schedule", pid, {}, 900, false};
-        if (!compared)
-            burst.sections.push_back(
-                scheduleSection(multiplex, actual, actual + 1, segment, segments, 0));
-        burst.sections.push_back(scheduleSection(neighbour, other, other, segment, segments, 0));
-        if (!compared && segment < 2)
-            burst.sections.push_back(
-                scheduleSection(multiplex, actual + 1, actual + 1, segment, 2, hoursOfTable));
-        bursts->push_back(burst);
+    }
+    for (unsigned segment = 0; segment < segmentsOfTable; segment++) {
+        Burst burst = {"EIT schedule", pid, {}, 3000, false, true};
+        for (const ScheduleTable& table : tables)
+            if (segment < table.segments)
+                burst.sections.push_back(scheduleSection(table, segment));
+        if (!burst.sections.empty())
+            bursts->push_back(burst);
     }
 }
 

@@ -17,6 +17,7 @@ static const int64_t pictureDelay = 700 * ticksPerMs;
 static const int64_t picturePrefetch = 300 * ticksPerMs;
 static const int64_t soundDelay = 120 * ticksPerMs;
 static const int64_t soundPrefetch = 100 * ticksPerMs;
+static const int64_t lastPrefetch = 40 * ticksPerMs;
 static const int64_t margin = 15 * ticksPerMs;
 
 static const uint8_t streamIdVideo = PES_STREAM_ID_VIDEO_MPEG;
@@ -97,8 +98,10 @@ static bool addSound(const Multiplex& multiplex, const Channel& channel, unsigne
     PesStream stream = {audio.pid, {}};
     for (size_t k = 0; k < count; k++) {
         int64_t pts = soundDelay + static_cast<int64_t>(k) * frame;
-        stream.packets.push_back({pesPacket(streamId, pts, pts, frames[k]),
-                                  pts - soundPrefetch - margin, pts - margin, false});
+        // The last ones may come a little sooner: the very last takes up to 16 packets.
+        int64_t prefetch = soundPrefetch + (k + 3 < count ? 0 : lastPrefetch);
+        stream.packets.push_back({pesPacket(streamId, pts, pts, frames[k]), pts - prefetch - margin,
+                                  pts - margin, false});
     }
     streams->push_back(stream);
     return true;

@@ -10,15 +10,15 @@ namespace mkstreams {
 
 // clang-format off
 static const Standard standards[] = {
-    // system  family        section   channel file           stem       network  name
-    {    1, Family::Dvb,  "DVB-T",  "channel_dvb_t.cfg",   "dvb_t",   0x3001, "Laboratory T"},
-    {    4, Family::Dvb,  "DVB-S",  "channel_dvb_s.cfg",   "dvb_s",   0x0070, "Laboratory S"},
-    {   16, Family::Dvb,  "DVB-C",  "channel_dvb_c.cfg",   "dvb_c",   0x2001, "Laboratory C"},
-    {   64, Family::Atsc, "ATSC-T", "channel_atsc_t.cfg",  "atsc_t",  0x0000, "Laboratory"},
-    {  128, Family::Atsc, "ATSC-C", "channel_atsc_c.cfg",  "atsc_c",  0x0000, "Laboratory"},
-    {  256, Family::Isdb, "ISDB-T", "channel_isdb_t.cfg",  "isdb_t",  0x7FE0, "Laboratory T"},
-    {  512, Family::Isdb, "ISDB-S", "channel_isdb_s.cfg",  "isdb_s",  0x0004, "Laboratory BS"},
-    { 1024, Family::Isdb, nullptr,  "channel_isdb_s3.cfg", "isdb_s3", 0x000B, "Laboratory 4K"},
+    // system  family        section   channel file           stem       network original name
+    {    1, Family::Dvb,  "DVB-T",  "channel_dvb_t.cfg",   "dvb_t",   0x3001, 0x3001, "Laboratory T"},
+    {    4, Family::Dvb,  "DVB-S",  "channel_dvb_s.cfg",   "dvb_s",   0x0070, 0x3001, "Laboratory S"},
+    {   16, Family::Dvb,  "DVB-C",  "channel_dvb_c.cfg",   "dvb_c",   0x2001, 0x3001, "Laboratory C"},
+    {   64, Family::Atsc, "ATSC-T", "channel_atsc_t.cfg",  "atsc_t",  0x0000, 0x0000, "Laboratory"},
+    {  128, Family::Atsc, "ATSC-C", "channel_atsc_c.cfg",  "atsc_c",  0x0000, 0x0000, "Laboratory"},
+    {  256, Family::Isdb, "ISDB-T", "channel_isdb_t.cfg",  "isdb_t",  0x7FE0, 0x0000, "Laboratory T"},
+    {  512, Family::Isdb, "ISDB-S", "channel_isdb_s.cfg",  "isdb_s",  0x0004, 0x0004, "Laboratory BS"},
+    { 1024, Family::Isdb, nullptr,  "channel_isdb_s3.cfg", "isdb_s3", 0x000B, 0x000B, "Laboratory 4K"},
 };
 // clang-format on
 
@@ -121,6 +121,26 @@ static void addMultiplexes(const Standard& standard, const CfgFile& channels, co
         nameFile(demux, &lineUp->multiplexes[i]);
 }
 
+/** Whether two multiplexes have the same identifiers, so that one stream serves both networks. */
+static bool sameIdentifiers(const Multiplex& a, const Multiplex& b) {
+    return a.tsId == b.tsId &&
+           originalNetworkId(*a.standard, a.channels.front()) ==
+               originalNetworkId(*b.standard, b.channels.front()) &&
+           std::equal(a.channels.begin(), a.channels.end(), b.channels.begin(), b.channels.end(),
+                      [&](const Channel& one, const Channel& other) {
+                          return serviceId(*a.standard, one) == serviceId(*b.standard, other);
+                      });
+}
+
+/** The file that networks share although their streams cannot be the same; empty when none. */
+static std::string fileWronglyShared(const LineUp& lineUp) {
+    for (const Multiplex& multiplex : lineUp.multiplexes)
+        for (const Multiplex& other : lineUp.multiplexes)
+            if (multiplex.file == other.file && !sameIdentifiers(multiplex, other))
+                return multiplex.file;
+    return "";
+}
+
 bool readLineUp(const std::string& configDir, LineUp* lineUp, std::string* error) {
     *lineUp = LineUp();
     std::string common = configDir + "/common/";
@@ -139,6 +159,12 @@ bool readLineUp(const std::string& configDir, LineUp* lineUp, std::string* error
     }
     if (lineUp->multiplexes.empty()) {
         *error = "no channel in any channel file of " + common;
+        return false;
+    }
+    std::string shared = fileWronglyShared(*lineUp);
+    if (!shared.empty()) {
+        *error = common + "demux_config.cfg: " + shared +
+                 " is played by multiplexes that differ in network, stream or services";
         return false;
     }
     return true;
@@ -169,9 +195,19 @@ uint16_t transportStreamId(const Standard& standard, const Channel& channel) {
                                  channel.index + 1);
 }
 
+// A terrestrial ISDB station is a network of its own, with one transport stream.
+static bool isNetworkOfItsOwn(const Standard& standard) {
+    return standard.system == 256;
+}
+
+uint16_t networkId(const Multiplex& multiplex) {
+    const Standard& standard = *multiplex.standard;
+    return isNetworkOfItsOwn(standard) ? multiplex.tsId : standard.networkId;
+}
+
 uint16_t originalNetworkId(const Standard& standard, const Channel& channel) {
-    // A terrestrial ISDB station is a network of its own, with one transport stream.
-    return standard.system == 256 ? transportStreamId(standard, channel) : standard.networkId;
+    return isNetworkOfItsOwn(standard) ? transportStreamId(standard, channel)
+                                       : standard.originalNetworkId;
 }
 
 std::string serviceName(const Channel& channel) {

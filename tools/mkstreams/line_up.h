@@ -24,8 +24,9 @@ struct Standard {
     Family family;
     const char* section; /**< of demux_config.cfg; nullptr when it has none */
     const char* channelFile;
-    const char* stem;   /**< of files that demux_config.cfg does not name */
-    uint16_t networkId; /**< network_id; original_network_id where the family has one */
+    const char* stem;           /**< of files that demux_config.cfg does not name */
+    uint16_t networkId;         /**< of ISDB-T that of channel 0: each station is a network */
+    uint16_t originalNetworkId; /**< the same where networks send the same streams; 0 of ISDB-T */
     const char* networkName;
 };
 
@@ -94,6 +95,9 @@ uint16_t serviceId(const Standard& standard, const Channel& channel);
 
 /** transport_stream_id of the multiplex that carries a channel. */
 uint16_t transportStreamId(const Standard& standard, const Channel& channel);
+
+/** network_id of the network that carries a multiplex. */
+uint16_t networkId(const Multiplex& multiplex);
 
 /** original_network_id of the multiplex that carries a channel. */
 uint16_t originalNetworkId(const Standard& standard, const Channel& channel);

@@ -2,10 +2,13 @@
  * Every slot goes to the most urgent of: a clock reference that is due; a packet of a section whose
  * time has come; the PES packet with the earliest deadline among those that may be sent; else a
  * null packet. Packets of one PID keep a distance, so that the transport buffer of a receiver's
- * section decoder (512 bytes, emptied at 1 Mbit/s) holds them.
+ * section decoder (512 bytes, emptied at 1 Mbit/s) holds them, and so do sections of one sub-table
+ * (EN 300 468, 5.1.4), whose sections a receiver may have to take one by one.
  */
 #include "tools/mkstreams/multiplexer.h"
 
+#include <bitstream/dvb/si/st.h>
+#include <bitstream/mpeg/pes.h>
 #include <bitstream/mpeg/ts.h>
 
 #include <algorithm>
@@ -18,14 +21,23 @@ static const uint16_t nullPid = 0x1FFF;
 static const size_t payloadSize = packetSize - TS_HEADER_SIZE;
 static const unsigned countersPerCycle = 16;
 static const int64_t sectionSpacing = 27000000LL * 1504 / 1000000;
+static const int64_t subTableSpacing = 25 * ticksPerMs;
 static const int64_t pcrWelcomeAfter = 20 * ticksPerMs;
 static const int64_t pcrForcedAfter = 34 * ticksPerMs;
 static const size_t pcrFieldSize = 8;  // adaptation_field_length, flags, PCR
 
-/** A packet of a section, complete but for its continuity counter, and when it is due. */
+/** A packet of sections, complete but for its continuity counter, and when it is due. */
 struct SectionPacket {
     int64_t due;
     Bytes packet;
+    std::vector<uint32_t> begins;  // sub-tables of which a section begins in it
+    std::vector<uint32_t> ends;    // or comes to its end
+};
+
+/** When a sub-table's sections were sent. */
+struct SubTableTimes {
+    int64_t firstBegin;
+    int64_t lastEnd;
 };
 
 /** What waits on a section PID. */
@@ -33,6 +45,7 @@ struct SectionQueue {
     uint16_t pid;
     std::deque<SectionPacket> packets;
     int64_t notBefore;
+    std::map<uint32_t, SubTableTimes> subTables;
 };
 
 /** Where an elementary stream stands. */
@@ -45,18 +58,20 @@ struct StreamState {
 };
 
 /** Cuts a burst into packets with pointer fields; continuity counters are set when sent. */
-static std::vector<Bytes> packetsOf(const Burst& burst) {
+static std::vector<SectionPacket> packetsOf(const Burst& burst) {
     Bytes stream;
     std::vector<size_t> starts;
     for (const Bytes& section : burst.sections) {
         starts.push_back(stream.size());
         append(stream, section);
     }
-    std::vector<Bytes> packets;
+    std::vector<SectionPacket> packets;
     size_t at = 0;
     size_t nextStart = 0;
+    size_t nextEnd = 0;
     while (at < stream.size()) {
-        Bytes packet(packetSize, 0xFF);
+        SectionPacket out = {0, Bytes(packetSize, 0xFF), {}, {}};
+        Bytes& packet = out.packet;
         ts_init(packet.data());
         ts_set_pid(packet.data(), burst.pid);
         ts_set_payload(packet.data());
@@ -80,9 +95,12 @@ static std::vector<Bytes> packetsOf(const Burst& burst) {
             size = std::min(size, starts[nextStart] - at);
         std::copy_n(stream.begin() + static_cast<ptrdiff_t>(at), size, to);
         at += size;
-        while (nextStart < starts.size() && starts[nextStart] < at)
-            nextStart++;
-        packets.push_back(packet);
+        for (; nextStart < starts.size() && starts[nextStart] < at; nextStart++)
+            out.begins.push_back(subTableOf(burst.sections[nextStart]));
+        for (; nextEnd < starts.size() && starts[nextEnd] + burst.sections[nextEnd].size() <= at;
+             nextEnd++)
+            out.ends.push_back(subTableOf(burst.sections[nextEnd]));
+        packets.push_back(out);
     }
     return packets;
 }
@@ -90,6 +108,8 @@ static std::vector<Bytes> packetsOf(const Burst& burst) {
 int64_t repetitions(const Burst& burst, int64_t duration) {
     int64_t period = burst.periodMs * ticksPerMs;
     int64_t needed = (duration + period - 1) / period;
+    if (burst.anyCount)
+        return needed;
     return (needed + countersPerCycle - 1) / countersPerCycle * countersPerCycle;
 }
 
@@ -101,24 +121,42 @@ static std::map<uint16_t, std::vector<const Burst*>> byPid(const std::vector<Bur
     return sorted;
 }
 
+/** Adds sections of stuffing, spread over the loop, until the packets of a PID are whole cycles of
+ *  the continuity counter. */
+static void fillCycles(SectionQueue* queue, int64_t duration) {
+    Burst stuffing = {"ST", queue->pid, {Bytes(16, 0xFF)}, 0, false};
+    st_init(stuffing.sections[0].data());
+    psi_set_length(stuffing.sections[0].data(), 16 - PSI_HEADER_SIZE);
+    size_t used = queue->packets.size() % countersPerCycle;
+    int64_t missing = used == 0 ? 0 : static_cast<int64_t>(countersPerCycle - used);
+    for (int64_t k = 0; k < missing; k++) {
+        queue->packets.push_back(packetsOf(stuffing).front());
+        queue->packets.back().due = duration * k / missing;
+    }
+}
+
 /** Lays all repetitions of all bursts out in time, a queue for each PID. The bursts of a PID start
  *  evenly spread over their periods, and those of different PIDs a little apart. */
 static std::vector<SectionQueue> layOut(const std::vector<Burst>& bursts, int64_t duration) {
     std::vector<SectionQueue> queues;
     auto sorted = byPid(bursts);
     for (const auto& [pid, mine] : sorted) {
-        SectionQueue queue = {pid, {}, 0};
+        SectionQueue queue = {pid, {}, 0, {}};
         int64_t places = static_cast<int64_t>(mine.size() * sorted.size());
         int64_t place = static_cast<int64_t>(queues.size());
         for (const Burst* burst : mine) {
-            std::vector<Bytes> packets = packetsOf(*burst);
+            std::vector<SectionPacket> packets = packetsOf(*burst);
             int64_t count = repetitions(*burst, duration);
             int64_t phase = duration / count * place / places;
-            for (int64_t k = 0; k < count; k++)
-                for (const Bytes& packet : packets)
-                    queue.packets.push_back({phase + duration * k / count, packet});
+            for (int64_t k = 0; k < count; k++) {
+                for (SectionPacket& packet : packets) {
+                    packet.due = phase + duration * k / count;
+                    queue.packets.push_back(packet);
+                }
+            }
             place += static_cast<int64_t>(sorted.size());
         }
+        fillCycles(&queue, duration);
         std::stable_sort(
             queue.packets.begin(), queue.packets.end(),
             [](const SectionPacket& a, const SectionPacket& b) { return a.due < b.due; });
@@ -173,16 +211,32 @@ static void sendPcr(Work& work, int64_t now) {
     emit(work, packet);
 }
 
+/** Whether the first packet of a queue is due, and far enough behind those before it. */
+static bool maySend(const SectionQueue& queue, int64_t now) {
+    if (queue.packets.empty() || queue.packets.front().due > now || queue.notBefore > now)
+        return false;
+    const std::vector<uint32_t>& begins = queue.packets.front().begins;
+    return std::all_of(begins.begin(), begins.end(), [&](uint32_t subTable) {
+        auto known = queue.subTables.find(subTable);
+        return known == queue.subTables.end() || now >= known->second.lastEnd + subTableSpacing;
+    });
+}
+
 /** Sends the next packet of sections that is due, if any PID may send one. */
 static bool sendSection(Work& work, int64_t now) {
     SectionQueue* chosen = nullptr;
     for (SectionQueue& queue : work.queues)
-        if (!queue.packets.empty() && queue.packets.front().due <= now && queue.notBefore <= now &&
+        if (maySend(queue, now) &&
             (chosen == nullptr || queue.packets.front().due < chosen->packets.front().due))
             chosen = &queue;
     if (chosen == nullptr)
         return false;
-    emit(work, chosen->packets.front().packet);
+    SectionPacket& packet = chosen->packets.front();
+    emit(work, packet.packet);
+    for (uint32_t subTable : packet.begins)
+        chosen->subTables.insert({subTable, {now, 0}});
+    for (uint32_t subTable : packet.ends)
+        chosen->subTables[subTable].lastEnd = now + work.ticks;
     chosen->packets.pop_front();
     chosen->notBefore = now + sectionSpacing;
     return true;
@@ -203,9 +257,18 @@ static StreamState* mostUrgent(Work& work, int64_t now) {
     return chosen;
 }
 
+/** Bytes of the header of a PES packet; what begins otherwise has none (ISO/IEC 13818-1, 2.4.3.6).
+ */
+static size_t headerSize(const Bytes& pes) {
+    if (pes.size() < PES_HEADER_SIZE_NOPTS || !pes_validate(pes.data()))
+        return 0;
+    return static_cast<size_t>(PES_HEADER_SIZE_NOPTS) + pes_get_headerlength(pes.data());
+}
+
 /** How many bytes the next packet of the last PES packet of a stream takes: it is spread over so
- *  many packets that the stream's packets are a multiple of 16. */
-static size_t shareOfLast(StreamState& state, size_t remaining) {
+ *  many packets that the stream's packets are a multiple of 16. Its header stays whole. */
+static size_t shareOfLast(StreamState& state, const Bytes& pes) {
+    size_t remaining = pes.size() - state.offset;
     if (state.left == 0) {
         unsigned needed = static_cast<unsigned>((remaining + payloadSize - 1) / payloadSize);
         unsigned total = state.sent + needed;
@@ -213,7 +276,7 @@ static size_t shareOfLast(StreamState& state, size_t remaining) {
     }
     size_t share = (remaining + state.left - 1) / state.left;
     state.left--;
-    return share;
+    return state.offset == 0 ? std::max(share, headerSize(pes)) : share;
 }
 
 /** Sends the next packet of a stream's PES packet. */
@@ -228,7 +291,7 @@ static void sendPes(Work& work, StreamState& state, int64_t now) {
     size_t field = withPcr ? pcrFieldSize : withFlags ? 2 : 0;
     size_t size = std::min(remaining, payloadSize - field);
     if (last)
-        size = std::min(size, shareOfLast(state, remaining));
+        size = std::min(size, shareOfLast(state, pes.bytes));
     Bytes packet(packetSize, 0xFF);
     ts_init(packet.data());
     ts_set_pid(packet.data(), state.stream->pid);
@@ -274,6 +337,10 @@ static std::string leftOver(const Work& work) {
     for (const SectionQueue& queue : work.queues)
         if (!queue.packets.empty())
             return "sections of PID " + std::to_string(queue.pid);
+    for (const SectionQueue& queue : work.queues)
+        for (const auto& [subTable, times] : queue.subTables)
+            if (times.firstBegin + work.input->duration < times.lastEnd + subTableSpacing)
+                return "sections of PID " + std::to_string(queue.pid) + " over the loop's end";
     for (const StreamState& state : work.streams) {
         if (state.next < state.stream->packets.size())
             return "the stream of PID " + std::to_string(state.stream->pid);
@@ -322,9 +389,9 @@ bool multiplex(const MultiplexInput& input, int64_t packetTicks, TransportStream
 
 bool multiplexAtFittingRate(const MultiplexInput& input, TransportStream* stream,
                             std::string* error) {
-    // From 2.0 to 20 Mbit/s.
-    static const int64_t longestTicks[] = {20300, 16200, 13500, 10800, 9000, 7800,
-                                           6750,  5400,  4500,  3375,  2700, 2030};
+    // From 1.0 to 20 Mbit/s.
+    static const int64_t longestTicks[] = {40600, 27000, 20300, 16200, 13500, 10800, 9000,
+                                           7800,  6750,  5400,  4500,  3375,  2700,  2030};
     for (int64_t ticks : longestTicks) {
         while (input.duration % ticks != 0)
             ticks--;

@@ -44,6 +44,13 @@ void closeSection(Bytes* section) {
     put32(*section, sectionCrc(*section));
 }
 
+uint32_t subTableOf(const Bytes& section) {
+    uint32_t subTable = static_cast<uint32_t>(section[0]) << 16;
+    if (section.size() > PSI_HEADER_SIZE_SYNTAX1 && psi_get_syntax(section.data()))
+        subTable |= psi_get_tableidext(section.data());
+    return subTable;
+}
+
 bool isSoundSection(const Bytes& section) {
     if (section.size() < PSI_HEADER_SIZE ||
         section.size() != static_cast<size_t>(psi_get_length(section.data())) + PSI_HEADER_SIZE)

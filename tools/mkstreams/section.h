@@ -23,8 +23,9 @@ struct Burst {
     std::string name; /**< for messages and listings: "PAT" */
     uint16_t pid;
     std::vector<Bytes> sections;
-    int periodMs;    /**< longest time from start to start */
-    bool adaptation; /**< starts in a packet with an adaptation field */
+    int periodMs;          /**< longest time from start to start */
+    bool adaptation;       /**< starts in a packet with an adaptation field */
+    bool anyCount = false; /**< is sent as often as the period asks, not a multiple of 16 times */
 };
 
 /** Builds a section, at most 4096 bytes, under a version_number, 0 to 31. */
@@ -45,6 +46,10 @@ uint32_t sectionCrc(const Bytes& bytes);
 
 /** Completes a section that lacks its end: sets section_length, appends the CRC. */
 void closeSection(Bytes* section);
+
+/** What tells the sub-table of a section from others on its PID: table_id and, in a section that
+ * has one, table_id_extension. */
+uint32_t subTableOf(const Bytes& section);
 
 /** Whether section_length is the length there is and the CRC, where there is one, is right. */
 bool isSoundSection(const Bytes& section);
