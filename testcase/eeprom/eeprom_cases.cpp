@@ -6,10 +6,11 @@
 #include <time.h>
 
 #include "environment/test_env.h"
-#include "framework/modules.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
+#include "framework/case/hooks.h"
 #include "platform/qlx_eeprom.h"
 #include "testcase/eeprom/eeprom_harness.h"
+#include "testcase/modules.h"
 
 /** The feature table. */
 static const int32_t* tcEepRomFeature;
@@ -20,20 +21,9 @@ static uint32_t testSetup(void) {
     return 0;
 }
 
-static uint32_t testTeardown(void) {
-    zk_log("release all resources ! \r\n");
-    return 0;
-}
-
-static uint32_t testCaseSetupImp(const char*, const char*) {
-    zk_log("setup case resources ! \r\n");
-    return 0;
-}
-
-static uint32_t testCaseTeardownImp(void) {
-    zk_log("release case resources ! \r\n");
-    return 0;
-}
+TC_HOOK(testTeardown, "release all resources")
+TC_CASE_SETUP_HOOK(testCaseSetupImp, "setup case resources")
+TC_HOOK(testCaseTeardownImp, "release case resources")
 
 uint32_t get_random_address(uint32_t range) {
     uint32_t address = 4;
@@ -54,81 +44,82 @@ static bool supported() {
     return false;
 }
 
+/** Asks for the chip's size and the range of it that the cases may use. False when the chip is not
+ *  there or does not tell. */
+static bool locate(CaseContext& tc, uint32_t* start, uint32_t* end, uint32_t* size) {
+    return TC_EXPECT_RET(QLX_EepromIsExist()) &&
+           TC_EXPECT_RET_TEXT("QLX_EepromGetRange(&start, &end)", QLX_EepromGetRange(start, end)) &&
+           TC_EXPECT_RET_TEXT("QLX_EepromGetSize(&size)", QLX_EepromGetSize(size));
+}
+
 static uint32_t TC_EEPROM_CheckExist_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     if (!supported())
         return TC_SUCCESS;
     TC_ASSERT_RET(QLX_EepromIsExist());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_EEPROM_GetSizeRange_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t size = 0;
     if (!supported())
         return TC_SUCCESS;
     TC_ASSERT_RET(QLX_EepromIsExist());
     TC_ASSERT_RET(QLX_EepromGetSize(&size));
     zk_log("E2 size is %u\r\n", size);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_EEPROM_GetSizeRange_002(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t start = 0, end = 0;
     if (!supported())
         return TC_SUCCESS;
     TC_ASSERT_RET(QLX_EepromIsExist());
     TC_ASSERT_RET(QLX_EepromGetRange(&start, &end));
     zk_log("E2 start is %u, end is %u\r\n", start, end);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_EEPROM_GetSizeRange_003(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t size = 0, start = 0, end = 0;
     if (!supported())
         return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_EepromIsExist());
-    TC_ASSERT_RET(QLX_EepromGetRange(&start, &end));
-    TC_ASSERT_RET(QLX_EepromGetSize(&size));
+    TC_ASSERT(locate(tc, &start, &end, &size));
     if (end < size && end > start)
         zk_log("E2 offset is valid, whole size = %u, start = %u, range = %u\r\n", size, start,
                end - start);
     else
-        result = TC_FAILURE;
-    return TC_RESULT(result);
+        tc.result = TC_FAILURE;
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_EEPROM_Read_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t size = 0, start = 0, end = 0, sizeRead = 0;
     uint8_t value = 0;
     if (!supported())
         return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_EepromIsExist());
-    TC_ASSERT_RET(QLX_EepromGetRange(&start, &end));
-    TC_ASSERT_RET(QLX_EepromGetSize(&size));
+    TC_ASSERT(locate(tc, &start, &end, &size));
     uint32_t testAddr = get_random_address(end - start);
     TC_ASSERT_RET(QLX_EepromRead(start + testAddr, 1, &value, &sizeRead));
     zk_log("value read from 0x%x is %d, size is %u\r\n", start + testAddr, value, sizeRead);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_EEPROM_Read_002(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t size = 0, start = 0, end = 0, sizeRead = 0;
     uint8_t value = 0;
     if (!supported())
         return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_EepromIsExist());
-    TC_ASSERT_RET(QLX_EepromGetRange(&start, &end));
-    TC_ASSERT_RET(QLX_EepromGetSize(&size));
+    TC_ASSERT(locate(tc, &start, &end, &size));
     uint32_t testAddr = get_random_address(size);
-    TC_EXPECT_REFUSED(QLX_EepromRead(size + testAddr, 1, &value, &sizeRead));
-    if (result != TC_SUCCESS)
+    if (!TC_EXPECT_REFUSED(QLX_EepromRead(size + testAddr, 1, &value, &sizeRead)))
         zk_log("value read from %x is %d, size is %u\r\n", size + testAddr, value, sizeRead);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 /** The two bytes as a number, first byte low. */
@@ -137,14 +128,12 @@ static uint16_t shortOf(const uint8_t (&buff)[2]) {
 }
 
 static uint32_t TC_EEPROM_Write_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t size = 0, start = 0, end = 0, sizeRead = 0, sizeWrite = 0;
     uint8_t buff[2] = {0, 0};
     if (!supported())
         return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_EepromIsExist());
-    TC_ASSERT_RET(QLX_EepromGetRange(&start, &end));
-    TC_ASSERT_RET(QLX_EepromGetSize(&size));
+    TC_ASSERT(locate(tc, &start, &end, &size));
     uint32_t testAddr = get_random_address(end - start);
 
     // Nothing is written before it is known what to restore; from then on every step is tried.
@@ -168,27 +157,24 @@ static uint32_t TC_EEPROM_Write_001(void) {
         zk_log("restore success\r\n");
     else
         zk_log("restore failed, pls check\r\n");
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_EEPROM_Write_002(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t size = 0, start = 0, end = 0, sizeWrite = 0;
     uint8_t value = 255;
     if (!supported())
         return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_EepromIsExist());
-    TC_ASSERT_RET(QLX_EepromGetRange(&start, &end));
-    TC_ASSERT_RET(QLX_EepromGetSize(&size));
+    TC_ASSERT(locate(tc, &start, &end, &size));
     uint32_t testAddr = get_random_address(size);
-    TC_EXPECT_REFUSED(QLX_EepromWrite(size + testAddr, 1, &value, &sizeWrite));
-    if (result != TC_SUCCESS)
+    if (!TC_EXPECT_REFUSED(QLX_EepromWrite(size + testAddr, 1, &value, &sizeWrite)))
         zk_log("value write to 0x%x is %d, size is %u\r\n", size + testAddr, value, sizeWrite);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 // clang-format off
-static const TcCase EEPROMModuleCases[] = {
+static constexpr TcCase EEPROMModuleCases[] = {
     //      case                         flag  description
     TC_CASE(TC_EEPROM_CheckExist_001,    AUTO, "test wether eeprom exsit"),
     TC_CASE(TC_EEPROM_GetSizeRange_001,  AUTO, "test get eeprom size"),
@@ -200,7 +186,8 @@ static const TcCase EEPROMModuleCases[] = {
     TC_CASE(TC_EEPROM_Write_002,         AUTO, "test write eeprom with invalid address"),
 };
 // clang-format on
-static_assert(tcCaseCount(EEPROMModuleCases) == 8, "cases of the module");
+static_assert(tcCaseCount(EEPROMModuleCases) == 8 && tcAutoCount(EEPROMModuleCases) == 8,
+              "cases of the module, and those that run by themselves");
 
 const TcModule EEPROMModule = {
     testSetup,         testTeardown,

@@ -7,9 +7,10 @@
 #include <new>
 
 #include "environment/test_env.h"
-#include "framework/modules.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
+#include "framework/case/hooks.h"
 #include "platform/qlx_flash.h"
+#include "testcase/modules.h"
 
 /** The feature table. */
 static const int32_t* tcFlashFeature;
@@ -39,76 +40,49 @@ static uint32_t testTeardown(void) {
     return 0;
 }
 
-static uint32_t testCaseSetupImp(const char*, const char*) {
-    zk_log("setup case resources ! \r\n");
-    return 0;
-}
+TC_CASE_SETUP_HOOK(testCaseSetupImp, "setup case resources")
+TC_HOOK(testCaseTeardownImp, "release case resources")
 
-static uint32_t testCaseTeardownImp(void) {
-    zk_log("release case resources ! \r\n");
-    return 0;
-}
-
-/** Whether the board has flash; without it the case is to end as a success. */
-static bool supported() {
-    if (tcFlashFeature != nullptr && tcFlashFeature[FEATURE_FLASH] != 0 && tcFlashDev != nullptr)
-        return true;
-    zk_log("Unsupported case ! \r\n");
-    return false;
-}
-
-static uint32_t TC_FLASH_Init_001(void) {
-    uint32_t result = TC_SUCCESS;
-    if (!supported())
+/** The frame of each case: a board without flash ends it as a success that does nothing. */
+static uint32_t onFlash(const char* name, void (*work)(CaseContext& tc)) {
+    CaseContext tc = {name};
+    if (tcFlashFeature == nullptr || tcFlashFeature[FEATURE_FLASH] == 0 || tcFlashDev == nullptr) {
+        zk_log("Unsupported case ! \r\n");
         return TC_SUCCESS;
+    }
     TC_ASSERT_RET(QLX_FlashInit(tcFlashDev));
+    work(tc);
     TC_ASSERT_RET(QLX_FlashDeInit(tcFlashDev));
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
-static uint32_t TC_FLASH_WriteRead_001(void) {
-    uint32_t result = TC_SUCCESS;
+static void nothing(CaseContext&) {}
+
+static void readWhole(CaseContext& tc) {
     uint32_t sizeRead = 0;
     static char puBuffer[4096];
-    if (!supported())
-        return TC_SUCCESS;
     memset(puBuffer, 0, sizeof puBuffer);
-    TC_ASSERT_RET(QLX_FlashInit(tcFlashDev));
     TC_EXPECT_RET(
         QLX_FlashRead(tcFlashDev, tcFlashDev->uDevOffset, sizeof(puBuffer), puBuffer, &sizeRead));
     // Flash contents need not hold a NUL.
     zk_log("full data is %.*s, size is %u\r\n", static_cast<int>(sizeof puBuffer), puBuffer,
            sizeRead);
-    TC_ASSERT_RET(QLX_FlashDeInit(tcFlashDev));
-    return TC_RESULT(result);
 }
 
-static uint32_t TC_FLASH_WriteRead_002(void) {
-    uint32_t result = TC_SUCCESS;
+static void readBeyondEnd(CaseContext& tc) {
     uint32_t sizeRead = 0;
     static char puBuffer[4096];
-    if (!supported())
-        return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_FlashInit(tcFlashDev));
-    uint32_t addr = tcFlashDev->uDevOffset + tcFlashDev->size;
+    const uint32_t addr = tcFlashDev->uDevOffset + tcFlashDev->size;
     TC_EXPECT_REFUSED(QLX_FlashRead(tcFlashDev, addr, sizeof(puBuffer), puBuffer, &sizeRead));
-    TC_ASSERT_RET(QLX_FlashDeInit(tcFlashDev));
-    return TC_RESULT(result);
 }
 
-static uint32_t TC_FLASH_WriteRead_003(void) {
-    uint32_t result = TC_SUCCESS;
+static void readFourBytes(CaseContext& tc) {
     uint32_t sizeRead = 0;
     char puBuffer[4] = {0, 0, 0, 0};
-    if (!supported())
-        return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_FlashInit(tcFlashDev));
-    uint32_t addr = tcFlashDev->uDevOffset + 256;
+    const uint32_t addr = tcFlashDev->uDevOffset + 256;
     TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, addr, sizeof(puBuffer), puBuffer, &sizeRead));
     zk_log("value read from 0x%x is %.*s, size is %u\r\n", addr, static_cast<int>(sizeof puBuffer),
            puBuffer, sizeRead);
-    TC_ASSERT_RET(QLX_FlashDeInit(tcFlashDev));
-    return TC_RESULT(result);
 }
 
 /** The two bytes as a number, first byte low. */
@@ -117,66 +91,58 @@ static uint16_t shortOf(const char (&buff)[2]) {
                                                                      << 8);
 }
 
-static uint32_t TC_FLASH_WriteRead_004(void) {
-    uint32_t result = TC_SUCCESS;
+static void writeAndRestore(CaseContext& tc) {
     uint32_t sizeRead = 0, sizeWrite = 0;
     const uint32_t offset = 4;
     char buff[2] = {0, 0};
-    if (!supported())
-        return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_FlashInit(tcFlashDev));
-    TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, offset, sizeof(buff), buff, &sizeRead));
     // Nothing is written before it is known what to restore; from then on every step is tried.
-    if (result == TC_SUCCESS) {
-        const uint16_t kept = shortOf(buff);
-        buff[0] = 1;
-        buff[1] = 2;
-        TC_EXPECT_RET(QLX_FlashWrite(tcFlashDev, offset, sizeof(buff), buff, &sizeWrite));
-        buff[0] = buff[1] = 0;
-        TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, offset, sizeof(buff), buff, &sizeRead));
-        zk_log("after write now value read from 0x%x is %.*s, size is %u\r\n", offset,
-               static_cast<int>(sizeof buff), buff, sizeRead);
-        buff[0] = static_cast<char>(kept & 0xFF);
-        buff[1] = static_cast<char>(kept >> 8);
-        TC_EXPECT_RET(QLX_FlashWrite(tcFlashDev, offset, sizeof(buff), buff, &sizeWrite));
-        buff[0] = buff[1] = 0;
-        TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, offset, sizeof(buff), buff, &sizeRead));
-        zk_log("after restore now value read from 0x%x is %.*s, size is %u\r\n", offset,
-               static_cast<int>(sizeof buff), buff, sizeRead);
-        if (shortOf(buff) == kept)
-            zk_log("restore success\r\n");
-        else
-            zk_log("restore failed, pls check\r\n");
-    }
-    TC_ASSERT_RET(QLX_FlashDeInit(tcFlashDev));
-    return TC_RESULT(result);
+    if (!TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, offset, sizeof(buff), buff, &sizeRead)))
+        return;
+    const uint16_t kept = shortOf(buff);
+    buff[0] = 1;
+    buff[1] = 2;
+    TC_EXPECT_RET(QLX_FlashWrite(tcFlashDev, offset, sizeof(buff), buff, &sizeWrite));
+    buff[0] = buff[1] = 0;
+    TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, offset, sizeof(buff), buff, &sizeRead));
+    zk_log("after write now value read from 0x%x is %.*s, size is %u\r\n", offset,
+           static_cast<int>(sizeof buff), buff, sizeRead);
+    buff[0] = static_cast<char>(kept & 0xFF);
+    buff[1] = static_cast<char>(kept >> 8);
+    TC_EXPECT_RET(QLX_FlashWrite(tcFlashDev, offset, sizeof(buff), buff, &sizeWrite));
+    buff[0] = buff[1] = 0;
+    TC_EXPECT_RET(QLX_FlashRead(tcFlashDev, offset, sizeof(buff), buff, &sizeRead));
+    zk_log("after restore now value read from 0x%x is %.*s, size is %u\r\n", offset,
+           static_cast<int>(sizeof buff), buff, sizeRead);
+    if (shortOf(buff) == kept)
+        zk_log("restore success\r\n");
+    else
+        zk_log("restore failed, pls check\r\n");
 }
 
-static uint32_t TC_FLASH_WriteRead_005(void) {
-    uint32_t result = TC_SUCCESS;
+static void writeBeyondEnd(CaseContext& tc) {
     uint32_t sizeWrite = 0;
     uint8_t value = 255;
-    if (!supported())
-        return TC_SUCCESS;
-    TC_ASSERT_RET(QLX_FlashInit(tcFlashDev));
-    uint32_t offset = tcFlashDev->size + 16;
+    const uint32_t offset = tcFlashDev->size + 16;
     TC_EXPECT_REFUSED(QLX_FlashWrite(tcFlashDev, offset, 1, &value, &sizeWrite));
-    TC_ASSERT_RET(QLX_FlashDeInit(tcFlashDev));
-    return TC_RESULT(result);
 }
 
 // clang-format off
-static const TcCase FLASHModuleCases[] = {
-    //      case                     flag  description
-    TC_CASE(TC_FLASH_Init_001,       AUTO, "test init / deinit"),
-    TC_CASE(TC_FLASH_WriteRead_001,  AUTO, "test read whole FLASH with valid address"),
-    TC_CASE(TC_FLASH_WriteRead_002,  AUTO, "test read FLASH with invalid address"),
-    TC_CASE(TC_FLASH_WriteRead_003,  AUTO, "test read FLASH with special valid address"),
-    TC_CASE(TC_FLASH_WriteRead_004,  AUTO, "test write FLASH with valid address"),
-    TC_CASE(TC_FLASH_WriteRead_005,  AUTO, "test write FLASH with invalid address"),
+#define FLASH_VARIANTS(X) \
+    /* case                  flag  description                                  body */ \
+    X(TC_FLASH_Init_001,      AUTO, "test init / deinit",                         onFlash(__func__, nothing)) \
+    X(TC_FLASH_WriteRead_001, AUTO, "test read whole FLASH with valid address",   onFlash(__func__, readWhole)) \
+    X(TC_FLASH_WriteRead_002, AUTO, "test read FLASH with invalid address",       onFlash(__func__, readBeyondEnd)) \
+    X(TC_FLASH_WriteRead_003, AUTO, "test read FLASH with special valid address", onFlash(__func__, readFourBytes)) \
+    X(TC_FLASH_WriteRead_004, AUTO, "test write FLASH with valid address",        onFlash(__func__, writeAndRestore)) \
+    X(TC_FLASH_WriteRead_005, AUTO, "test write FLASH with invalid address",      onFlash(__func__, writeBeyondEnd))
+FLASH_VARIANTS(TC_VARIANT_FUNCTION)
+
+static constexpr TcCase FLASHModuleCases[] = {
+    FLASH_VARIANTS(TC_VARIANT_ROW)
 };
 // clang-format on
-static_assert(tcCaseCount(FLASHModuleCases) == 6, "cases of the module");
+static_assert(tcCaseCount(FLASHModuleCases) == 6 && tcAutoCount(FLASHModuleCases) == 6,
+              "cases of the module, and those that run by themselves");
 
 const TcModule FLASHModule = {
     testSetup,        testTeardown,
