@@ -1,5 +1,6 @@
 #include "framework/case/prompt.h"
 
+#include <ctype.h>
 #include <stdio.h>
 
 #include "framework/base/zk_log.h"
@@ -22,6 +23,24 @@ PromptAnswer tc_askNumber(int32_t* number) {
 PromptAnswer tc_askHex(uint32_t* number) {
     zk_logFlush();
     return answered(scanf("%x", number));
+}
+
+bool tc_askWord(char* word, size_t size) {
+    size_t length = 0;
+    int next;
+    zk_logFlush();
+    do
+        next = getchar();
+    while (isspace(next) != 0);
+    for (; next != EOF && isspace(next) == 0; next = getchar()) {
+        if (length + 1 == size)
+            break;
+        word[length++] = static_cast<char>(next);
+    }
+    if (next != EOF)
+        ungetc(next, stdin);
+    word[length] = '\0';
+    return length > 0;
 }
 
 bool tc_waitKey(void) {

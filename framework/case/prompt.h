@@ -23,6 +23,10 @@ PromptAnswer tc_askNumber(int32_t* number);
 /** The same with a hexadecimal number. */
 PromptAnswer tc_askHex(uint32_t* number);
 
+/** Reads a word, blanks and line ends before it skipped, cut to size - 1 characters: what a longer
+ * one has more stays in the input for whoever asks next. False at the end of input. */
+bool tc_askWord(char* word, size_t size);
+
 /** Waits until a key, or line, was entered; true unless the input has ended. */
 bool tc_waitKey(void);
 

@@ -3,6 +3,14 @@
 #include <errno.h>
 #include <stdlib.h>
 
+bool tc_waitSemUntil(sem_t* semaphore, const timespec& deadline) {
+    int waited;
+    do {
+        waited = sem_timedwait(semaphore, &deadline);
+    } while (waited != 0 && errno == EINTR);
+    return waited == 0;
+}
+
 bool tc_waitSem(sem_t* semaphore, uint32_t ms) {
     timeval now;
     gettimeofday(&now, nullptr);
@@ -10,11 +18,7 @@ bool tc_waitSem(sem_t* semaphore, uint32_t ms) {
     timespec deadline;
     deadline.tv_sec = now.tv_sec + static_cast<time_t>(us / 1000000);
     deadline.tv_nsec = static_cast<long>(us % 1000000 * 1000);
-    int waited;
-    do {
-        waited = sem_timedwait(semaphore, &deadline);
-    } while (waited != 0 && errno == EINTR);
-    return waited == 0;
+    return tc_waitSemUntil(semaphore, deadline);
 }
 
 int64_t zk_test_diff_timeMs(const timeval* start, const timeval* end) {

@@ -6,9 +6,13 @@
 #include <semaphore.h>
 #include <stdint.h>
 #include <sys/time.h>
+#include <time.h>
 
-/** Waits for a semaphore at most `ms` milliseconds of the real-time clock; signals do not end the
- *  wait. True when it was posted in time. */
+/** Waits for a semaphore until a time of the real-time clock; signals do not end the wait. True
+ * when it was posted in time. */
+bool tc_waitSemUntil(sem_t* semaphore, const timespec& deadline);
+
+/** The same for at most `ms` milliseconds. */
 bool tc_waitSem(sem_t* semaphore, uint32_t ms);
 
 /** Whole milliseconds from `start` to `end`: the rule of every limit but those of GPIO. */

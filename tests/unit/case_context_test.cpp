@@ -176,3 +176,63 @@ TEST(CaseCheck, AssertsLeaveAtOnceAndVerdictsHaveTheirColours) {
     said = sayOf([](CaseContext& tc) { return tc_notApplicable(tc) == TC_NOT_APPLICABLE; });
     EXPECT_EQ(said.text, "\033[1;36m[TC_said] TEST Result: N/A\n\033[0m");
 }
+
+namespace {
+
+/** Standard input with a text of the operator's. */
+class Typed {
+ public:
+    explicit Typed(const char* text) : text_(text), input_(stdin) {
+        stdin = fmemopen(&text_[0], text_.size(), "r");
+    }
+    ~Typed() {
+        fclose(stdin);
+        stdin = input_;
+    }
+
+ private:
+    std::string text_;
+    FILE* input_;
+};
+
+}  // namespace
+
+TEST(CasePrompt, WordsThatAreNoNumbersAreDroppedAndTheEndIsTold) {
+    Typed typed("\n 12 x 0x1F\nfe -3 none");
+    int32_t number = 99;
+    uint32_t hex = 99;
+    EXPECT_EQ(tc_askNumber(&number), PROMPT_NUMBER);
+    EXPECT_EQ(number, 12);
+    EXPECT_EQ(tc_askNumber(&number), PROMPT_NO_NUMBER);
+    EXPECT_EQ(number, 12);
+    EXPECT_EQ(tc_askHex(&hex), PROMPT_NUMBER);
+    EXPECT_EQ(hex, 0x1fu);
+    EXPECT_EQ(tc_askHex(&hex), PROMPT_NUMBER);
+    EXPECT_EQ(hex, 0xfeu);
+    EXPECT_EQ(tc_askNumber(&number), PROMPT_NUMBER);
+    EXPECT_EQ(number, -3);
+    EXPECT_EQ(tc_askHex(&hex), PROMPT_NO_NUMBER);
+    EXPECT_EQ(tc_askNumber(&number), PROMPT_END_OF_INPUT);
+    EXPECT_EQ(tc_askNumber(&number), PROMPT_END_OF_INPUT);
+    EXPECT_EQ(number, -3);
+}
+
+TEST(CasePrompt, AWordThatIsTooLongLeavesItsRest) {
+    Typed typed(" \n abcdefg hi\nlast line");
+    char word[6] = "-----";
+    EXPECT_TRUE(tc_askWord(word, 4));
+    EXPECT_STREQ(word, "abc");
+    EXPECT_TRUE(tc_askWord(word, 5));
+    EXPECT_STREQ(word, "defg");
+    EXPECT_TRUE(tc_askWord(word, sizeof word));
+    EXPECT_STREQ(word, "hi");
+    EXPECT_TRUE(tc_waitKey());
+    EXPECT_TRUE(tc_askLine(word, sizeof word));
+    EXPECT_STREQ(word, "last ");
+    EXPECT_TRUE(tc_askWord(word, sizeof word));
+    EXPECT_STREQ(word, "line");
+    EXPECT_FALSE(tc_askWord(word, sizeof word));
+    EXPECT_STREQ(word, "");
+    EXPECT_FALSE(tc_waitKey());
+    EXPECT_FALSE(tc_askLine(word, sizeof word));
+}
