@@ -86,10 +86,10 @@ std::pair<size_t, size_t> sourceLine(const std::string& text, size_t at) {
 
 /** Where the digits of a source line begin and end in the texts that have no brackets around it. */
 std::pair<size_t, size_t> bareSourceLine(const std::string& text, size_t at) {
-    const char* testCase = zk_currentCaseName;
+    const std::string testCase = zk_currentCaseName != nullptr ? zk_currentCaseName : "-";
     for (const std::string& before :
-         {std::string("tuner_check_signalInfo, "), std::string(testCase ? testCase : "") + ":"}) {
-        if (before.size() > 1 && text.compare(at, before.size(), before) == 0)
+         {std::string("tuner_check_signalInfo, "), testCase + ":", testCase + ", "}) {
+        if (text.compare(at, before.size(), before) == 0)
             return {at + before.size(), behindDigits(text, at + before.size())};
     }
     return {0, 0};
