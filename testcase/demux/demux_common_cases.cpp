@@ -28,6 +28,11 @@ struct Walk {
     bool initialised;
     bool tuned[TUNER_COUNT];
     bool opened[QLX_DEMUX_NUM_MAX];
+    /** What was tuned and opened, in this order. */
+    uint32_t tuners[TUNER_COUNT];
+    uint32_t tunerCount;
+    uint32_t demuxes[QLX_DEMUX_NUM_MAX];
+    uint32_t demuxCount;
 };
 
 static bool walkCheck(Walk* walk, int line, const char* text, int64_t value) {
@@ -68,6 +73,8 @@ static bool walkInit(Walk* walk) {
 
 static bool walkOpen(Walk* walk, uint32_t eDemuxId) {
     walk->opened[eDemuxId] = WALK_RET(QLX_DemuxOpen(eDemuxId));
+    if (walk->opened[eDemuxId])
+        walk->demuxes[walk->demuxCount++] = eDemuxId;
     return walk->opened[eDemuxId];
 }
 
@@ -77,22 +84,25 @@ static bool walkInitAndOpen(Walk* walk, uint32_t eDemuxId) {
 
 /** Gives the tuner a signal source; whether it locks does not matter here. */
 static bool walkTune(Walk* walk, uint32_t eTunerId) {
-    if (!walk->tuned[eTunerId])
-        walk->tuned[eTunerId] = WALK_RET(TC_TUNER_START_IGNOR_LOCKED(eTunerId));
+    if (walk->tuned[eTunerId])
+        return true;
+    walk->tuned[eTunerId] = WALK_RET(TC_TUNER_START_IGNOR_LOCKED(eTunerId));
+    if (walk->tuned[eTunerId])
+        walk->tuners[walk->tunerCount++] = eTunerId;
     return walk->tuned[eTunerId];
 }
 
 /** Takes down what is up, each step also after one that failed; prints and answers the verdict. */
 static uint32_t walkEnd(Walk* walk) {
-    for (uint32_t eDemuxId = QLX_DEMUX_NUM_MAX; eDemuxId-- > 0;) {
-        if (walk->opened[eDemuxId])
-            WALK_RET(QLX_DemuxClose(eDemuxId));
+    while (walk->demuxCount > 0) {
+        const uint32_t eDemuxId = walk->demuxes[--walk->demuxCount];
+        WALK_RET(QLX_DemuxClose(eDemuxId));
     }
     if (walk->initialised)
         WALK_RET(QLX_DemuxDeInit());
-    for (uint32_t eTunerId = TUNER_COUNT; eTunerId-- > 0;) {
-        if (walk->tuned[eTunerId])
-            WALK_RET(TC_TUNER_STOP(eTunerId));
+    while (walk->tunerCount > 0) {
+        const uint32_t eTunerId = walk->tuners[--walk->tunerCount];
+        WALK_RET(TC_TUNER_STOP(eTunerId));
     }
     return tc_result(walk->name, walk->result);
 }
