@@ -1,14 +1,12 @@
 #include "testcase/demux/demux_request.h"
 
-#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
-#include <time.h>
 #include <unistd.h>
 
-#include "framework/tc_check.h"
+#include "framework/case/ladder.h"
+#include "framework/case/wait.h"
 
-static const uint32_t US_PER_SECOND = 1000000;
 /** version_number in its byte of the section: xx11111x. */
 static const uint8_t FILTER_VERSION_MASK = 0x3e;
 static const int OPEN_CLOSE_ROUNDS = 100;
@@ -33,27 +31,8 @@ uint32_t Demux_SemPost(sem_t* sem) {
     return sem != nullptr && sem_post(sem) == 0 ? 0 : 1;
 }
 
-void time_add_ms(struct timeval* time, uint32_t uMs) {
-    time->tv_sec += uMs / 1000;
-    time->tv_usec += uMs % 1000 * 1000;
-    if (time->tv_usec >= static_cast<suseconds_t>(US_PER_SECOND)) {
-        time->tv_usec -= US_PER_SECOND;
-        time->tv_sec++;
-    }
-}
-
 uint32_t Demux_SemTimedWait(uint32_t uTimeOutMs, sem_t* sem) {
-    timeval end{};
-    if (sem == nullptr)
-        return 0;
-    gettimeofday(&end, nullptr);
-    time_add_ms(&end, uTimeOutMs);
-    const timespec deadline = {end.tv_sec, end.tv_usec * 1000};
-    int code = 0;
-    do {
-        code = sem_timedwait(sem, &deadline);
-    } while (code != 0 && errno == EINTR);
-    return code == 0 ? 0 : 1;
+    return sem == nullptr || tc_waitSem(sem, uTimeOutMs) ? 0 : 1;
 }
 
 uint32_t Demux_SemDestroy(sem_t** sem) {
@@ -144,33 +123,33 @@ static void recordEvent(uint32_t eEvent, RequestInfo_st* pRequestInfo, void* pDa
         Demux_SemPost(pRequestInfo->sem);
 }
 
+/** Whether an event belongs to a request; else it is told, and its data go back. */
+static bool hasRecord(const char* name, uint32_t eEvent, const void* pUserdata, const void* pData,
+                      int32_t (*freeBuffer)(void*)) {
+    if (pUserdata != nullptr)
+        return true;
+    CaseContext tc = {name};
+    tc_fail(tc, __LINE__, "ASSERT %s \n", "pUserdata != NULL");
+    giveBack(eEvent, pData, freeBuffer);
+    return false;
+}
+
 void Demux_SectionFilterCb(uint32_t eEvent, void* pUserdata, void* pData) {
-    if (pUserdata == nullptr) {
-        tc_fail(__func__, __LINE__, "ASSERT %s \n", "pUserdata != NULL");
-        giveBack(eEvent, pData, QLX_SectionFilterFreeBuffer);
-        return;
-    }
-    recordEvent(eEvent, static_cast<RequestInfo_st*>(pUserdata), pData, QLX_SectionFilterFreeBuffer,
-                true);
+    if (hasRecord(__func__, eEvent, pUserdata, pData, QLX_SectionFilterFreeBuffer))
+        recordEvent(eEvent, static_cast<RequestInfo_st*>(pUserdata), pData,
+                    QLX_SectionFilterFreeBuffer, true);
 }
 
 void Demux_PacketFilterCb(uint32_t eEvent, void* pUserdata, void* pData) {
-    if (pUserdata == nullptr) {
-        tc_fail(__func__, __LINE__, "ASSERT %s \n", "pUserdata != NULL");
-        giveBack(eEvent, pData, QLX_PacketFilterFreeBuffer);
-        return;
-    }
-    recordEvent(eEvent, static_cast<RequestInfo_st*>(pUserdata), pData, QLX_PacketFilterFreeBuffer,
-                false);
+    if (hasRecord(__func__, eEvent, pUserdata, pData, QLX_PacketFilterFreeBuffer))
+        recordEvent(eEvent, static_cast<RequestInfo_st*>(pUserdata), pData,
+                    QLX_PacketFilterFreeBuffer, false);
 }
 
 void Demux_PesFilterCb(uint32_t eEvent, void* pUserdata, void* pData) {
-    PesRequestInfo_st* pRequestInfo = static_cast<PesRequestInfo_st*>(pUserdata);
-    if (pUserdata == nullptr) {
-        tc_fail(__func__, __LINE__, "ASSERT %s \n", "pUserdata != NULL");
-        giveBack(eEvent, pData, QLX_PesFilterFreeBuffer);
+    if (!hasRecord(__func__, eEvent, pUserdata, pData, QLX_PesFilterFreeBuffer))
         return;
-    }
+    PesRequestInfo_st* pRequestInfo = static_cast<PesRequestInfo_st*>(pUserdata);
     const uint32_t slot = takeSlot(&pRequestInfo->eventReceivedCount);
     if (slot >= REQUEST_EVENT_MAX) {
         zk_log("Can not record too many filter event !");
@@ -236,136 +215,60 @@ int32_t Demux_ConfigureSectionFilter(uint32_t hFilter, const RequestInfo_st* pRe
     return QLX_SectionFilterConfigure(hFilter, &stParams);
 }
 
-/** The library's calls for a kind of filter, with the texts that name them when they fail. */
-struct FilterCalls {
-    int32_t (*create)(uint32_t eDemuxId, uint32_t* hFilter);
-    int32_t (*configure)(uint32_t hFilter, const void* stParams);
-    int32_t (*registerCallback)(uint32_t hFilter, void* pUserdata, QLX_FilterCallback callback);
-    int32_t (*unRegisterCallback)(uint32_t hFilter, QLX_FilterCallback callback);
-    int32_t (*start)(uint32_t hFilter);
-    int32_t (*stop)(uint32_t hFilter);
-    int32_t (*remove)(uint32_t hFilter);
-    QLX_FilterCallback callback;
-    const char* createText;
-    const char* configureText;
-    const char* registerText;
-    const char* startText;
-    const char* stopText;
-    const char* unRegisterText;
-    const char* removeText;
-};
-
-static int32_t configureSection(uint32_t hFilter, const void* stParams) {
-    return QLX_SectionFilterConfigure(hFilter,
-                                      static_cast<const QLX_SectionFilterParams*>(stParams));
-}
-
-static int32_t configurePes(uint32_t hFilter, const void* stParams) {
-    return QLX_PesFilterConfigure(hFilter, static_cast<const QLX_PesFilterParams*>(stParams));
-}
-
-static const FilterCalls sectionCalls = {
-    QLX_DemuxCreateSectionFilter,
-    configureSection,
-    QLX_SectionFilterRegisterCallback,
-    QLX_SectionFilterUnRegisterCallback,
-    QLX_SectionFilterStart,
-    QLX_SectionFilterStop,
-    QLX_SectionFilterDelete,
-    Demux_SectionFilterCb,
-    "QLX_DemuxCreateSectionFilter(eDemuxId, &hFilter)",
-    "QLX_SectionFilterConfigure(hFilter, &stParams)",
-    "QLX_SectionFilterRegisterCallback(hFilter, pRequestInfo , Demux_SectionFilterCb)",
-    "QLX_SectionFilterStart(hFilter)",
-    "QLX_SectionFilterStop(hFilter)",
-    "QLX_SectionFilterUnRegisterCallback( hFilter, Demux_SectionFilterCb)",
-    "QLX_SectionFilterDelete( hFilter)",
-};
-
-static const FilterCalls pesCalls = {
-    QLX_DemuxCreatePesFilter,
-    configurePes,
-    QLX_PesFilterRegisterCallback,
-    QLX_PesFilterUnRegisterCallback,
-    QLX_PesFilterStart,
-    QLX_PesFilterStop,
-    QLX_PesFilterDelete,
-    Demux_PesFilterCb,
-    "QLX_DemuxCreatePesFilter(eDemuxId, &hFilter)",
-    "QLX_PesFilterConfigure(hFilter, &stParams)",
-    "QLX_PesFilterRegisterCallback(hFilter, pRequestInfo , Demux_PesFilterCb)",
-    "QLX_PesFilterStart(hFilter)",
-    "QLX_PesFilterStop(hFilter)",
-    "QLX_PesFilterUnRegisterCallback( hFilter, Demux_PesFilterCb)",
-    "QLX_PesFilterDelete( hFilter)",
-};
-
-/** One request of any kind: what to ask for, and who waits how. */
-struct FilterRequest {
-    const FilterCalls* calls;
-    /** The operation that prints failures as its own. */
-    const char* name;
+/** A filter that a request makes: of what, for whom, and its handle while it is there. */
+template <typename Params>
+struct FilterBench {
     uint32_t eDemuxId;
-    const void* stParams;
+    Params stParams;
     void* pRequestInfo;
     sem_t** sem;
-    uint32_t uTimeOutMs;
-    bool waitBySleep;
+    uint32_t hFilter;
+};
+using SectionBench_st = FilterBench<QLX_SectionFilterParams>;
+using PesBench_st = FilterBench<QLX_PesFilterParams>;
+
+// clang-format off
+static const LadderStep<SectionBench_st> sectionSteps[] = {
+    // up, down
+    {LADDER_CALL("QLX_DemuxCreateSectionFilter(eDemuxId, &hFilter)", QLX_DemuxCreateSectionFilter(bench.eDemuxId, &bench.hFilter)), LADDER_CALL("QLX_SectionFilterDelete( hFilter)", QLX_SectionFilterDelete(bench.hFilter))},
+    {LADDER_CALL("QLX_SectionFilterConfigure(hFilter, &stParams)", QLX_SectionFilterConfigure(bench.hFilter, &bench.stParams)), LADDER_NONE},
+    {LADDER_CALL("Demux_SemInit(&pRequestInfo->sem)", Demux_SemInit(bench.sem)), LADDER_CALL("Demux_SemDestroy(&pRequestInfo->sem)", Demux_SemDestroy(bench.sem))},
+    {LADDER_CALL("QLX_SectionFilterRegisterCallback(hFilter, pRequestInfo , Demux_SectionFilterCb)", QLX_SectionFilterRegisterCallback(bench.hFilter, bench.pRequestInfo, Demux_SectionFilterCb)), LADDER_CALL("QLX_SectionFilterUnRegisterCallback( hFilter, Demux_SectionFilterCb)", QLX_SectionFilterUnRegisterCallback(bench.hFilter, Demux_SectionFilterCb))},
+    {LADDER_CALL("QLX_SectionFilterStart(hFilter)", QLX_SectionFilterStart(bench.hFilter)), LADDER_CALL("QLX_SectionFilterStop(hFilter)", QLX_SectionFilterStop(bench.hFilter))},
 };
 
-/** Starts the filter, waits, and stops it. */
-static bool runFilter(const FilterRequest& request, uint32_t hFilter) {
-    const FilterCalls* calls = request.calls;
-    if (!tc_checkRet(request.name, __LINE__, calls->startText, calls->start(hFilter)))
-        return false;
-    if (request.waitBySleep)
-        usleep(request.uTimeOutMs * 1000);
-    else
-        Demux_SemTimedWait(request.uTimeOutMs, *request.sem);
-    return tc_checkRet(request.name, __LINE__, calls->stopText, calls->stop(hFilter));
-}
+static const LadderStep<PesBench_st> pesSteps[] = {
+    // up, down
+    {LADDER_CALL("QLX_DemuxCreatePesFilter(eDemuxId, &hFilter)", QLX_DemuxCreatePesFilter(bench.eDemuxId, &bench.hFilter)), LADDER_CALL("QLX_PesFilterDelete( hFilter)", QLX_PesFilterDelete(bench.hFilter))},
+    {LADDER_CALL("QLX_PesFilterConfigure(hFilter, &stParams)", QLX_PesFilterConfigure(bench.hFilter, &bench.stParams)), LADDER_NONE},
+    {LADDER_CALL("Demux_SemInit(&pRequestInfo->sem)", Demux_SemInit(bench.sem)), LADDER_CALL("Demux_SemDestroy(&pRequestInfo->sem)", Demux_SemDestroy(bench.sem))},
+    {LADDER_CALL("QLX_PesFilterRegisterCallback(hFilter, pRequestInfo , Demux_PesFilterCb)", QLX_PesFilterRegisterCallback(bench.hFilter, bench.pRequestInfo, Demux_PesFilterCb)), LADDER_CALL("QLX_PesFilterUnRegisterCallback( hFilter, Demux_PesFilterCb)", QLX_PesFilterUnRegisterCallback(bench.hFilter, Demux_PesFilterCb))},
+    {LADDER_CALL("QLX_PesFilterStart(hFilter)", QLX_PesFilterStart(bench.hFilter)), LADDER_CALL("QLX_PesFilterStop(hFilter)", QLX_PesFilterStop(bench.hFilter))},
+};
+// clang-format on
 
-/** Registers the callback and runs the filter under it. */
-static bool registerAndRun(const FilterRequest& request, uint32_t hFilter) {
-    const FilterCalls* calls = request.calls;
-    if (!tc_checkRet(request.name, __LINE__, calls->registerText,
-                     calls->registerCallback(hFilter, request.pRequestInfo, calls->callback)))
-        return false;
-    bool good = runFilter(request, hFilter);
-    return tc_checkRet(request.name, __LINE__, calls->unRegisterText,
-                       calls->unRegisterCallback(hFilter, calls->callback)) &&
-           good;
-}
-
-static bool configureAndRun(const FilterRequest& request, uint32_t hFilter) {
-    if (!tc_checkRet(request.name, __LINE__, request.calls->configureText,
-                     request.calls->configure(hFilter, request.stParams)) ||
-        !tc_checkRet(request.name, __LINE__, "Demux_SemInit(&pRequestInfo->sem)",
-                     Demux_SemInit(request.sem)))
-        return false;
-    bool good = registerAndRun(request, hFilter);
-    return tc_checkRet(request.name, __LINE__, "Demux_SemDestroy(&pRequestInfo->sem)",
-                       Demux_SemDestroy(request.sem)) &&
-           good;
-}
-
-static uint32_t requestFilter(const FilterRequest& request) {
-    const FilterCalls* calls = request.calls;
-    uint32_t hFilter = 0;
-    if (!tc_checkRet(request.name, __LINE__, calls->createText,
-                     calls->create(request.eDemuxId, &hFilter)))
-        return 1;
-    bool good = configureAndRun(request, hFilter);
-    good = tc_checkRet(request.name, __LINE__, calls->removeText, calls->remove(hFilter)) && good;
-    return good ? 0 : 1;
+/** Brings a filter up, waits for its first event, or all of the time, and takes it down again. What
+ *  came of the wait does not matter: the record tells it. */
+template <typename Bench, size_t N>
+static uint32_t request(const char* name, Bench& bench, const LadderStep<Bench> (&steps)[N],
+                        uint32_t uTimeOutMs, bool waitBySleep) {
+    CaseContext tc = {name};
+    Ladder<Bench> ladder(tc, bench, steps);
+    if (ladder.up()) {
+        if (waitBySleep)
+            usleep(uTimeOutMs * 1000);
+        else
+            Demux_SemTimedWait(uTimeOutMs, *bench.sem);
+    }
+    ladder.down();
+    return tc.result;
 }
 
 static uint32_t requestSection(const char* name, uint32_t eDemuxId, RequestInfo_st* pRequestInfo,
                                const SectionForm& form) {
-    QLX_SectionFilterParams stParams;
-    fillSectionParams(pRequestInfo, form, &stParams);
-    return requestFilter({&sectionCalls, name, eDemuxId, &stParams, pRequestInfo,
-                          &pRequestInfo->sem, pRequestInfo->uTimeOutMs, form.waitBySleep});
+    SectionBench_st bench = {eDemuxId, {}, pRequestInfo, &pRequestInfo->sem, 0};
+    fillSectionParams(pRequestInfo, form, &bench.stParams);
+    return request(name, bench, sectionSteps, pRequestInfo->uTimeOutMs, form.waitBySleep);
 }
 
 uint32_t Demux_RequestSection(uint32_t eDemuxId, RequestInfo_st* pRequestInfo) {
@@ -386,12 +289,10 @@ uint32_t Demux_RequestSectionWithMask(uint32_t eDemuxId, RequestInfo_st* pReques
 }
 
 uint32_t Demux_RequestPes(uint32_t eDemuxId, PesRequestInfo_st* pRequestInfo) {
-    QLX_PesFilterParams stParams;
-    memset(&stParams, 0, sizeof stParams);
-    stParams.uPid = pRequestInfo->uPid;
-    stParams.uBufferSize = pRequestInfo->uBufferSize;
-    return requestFilter({&pesCalls, __func__, eDemuxId, &stParams, pRequestInfo,
-                          &pRequestInfo->sem, pRequestInfo->uTimeOutMs, false});
+    PesBench_st bench = {eDemuxId, {}, pRequestInfo, &pRequestInfo->sem, 0};
+    bench.stParams.uPid = pRequestInfo->uPid;
+    bench.stParams.uBufferSize = pRequestInfo->uBufferSize;
+    return request(__func__, bench, pesSteps, pRequestInfo->uTimeOutMs, false);
 }
 
 static uint32_t recorded(const uint32_t* count) {
@@ -439,58 +340,45 @@ static bool anyData(const RequestInfo_st* pRequestInfo) {
     return false;
 }
 
-static uint32_t requestRound(const char* name, DemuxThreadRequest_st* req, int32_t loop) {
-    if (!tc_checkRet(name, __LINE__, "Demux_RequestSection(req->demux_id, &req->req)",
-                     Demux_RequestSection(req->demux_id, &req->req)))
-        return TC_FAILURE;
+/** One request; whether it brought data. */
+static bool requestRound(CaseContext& tc, DemuxThreadRequest_st* req, int32_t loop) {
+    if (!TC_EXPECT_RET(Demux_RequestSection(req->demux_id, &req->req)))
+        return false;
     zk_log("demux %u, loop %d, table: 0x%02x, eventReceivedCount: %d\n", req->demux_id, loop,
            req->req.tableId, static_cast<int>(req->req.eventReceivedCount));
-    if (anyData(&req->req))
-        return TC_SUCCESS;
-    tc_failTrue(name, __LINE__, 0);
-    return TC_FAILURE;
+    return TC_EXPECT_TRUE(anyData(&req->req));
 }
 
-static uint32_t requestRounds(const char* name, DemuxThreadRequest_st* req, bool freeBuffers) {
-    uint32_t result = TC_SUCCESS;
-    for (int32_t loop = 0; loop < req->loop_count && result == TC_SUCCESS; loop++) {
-        result = requestRound(name, req, loop);
+[[noreturn]] static void requestRounds(const char* name, DemuxThreadRequest_st* req,
+                                       bool freeBuffers) {
+    CaseContext tc = {name};
+    for (int32_t loop = 0; loop < req->loop_count && tc.result == TC_SUCCESS; loop++) {
+        const bool good = requestRound(tc, req, loop);
         if (freeBuffers)
             Demux_FreeEvents(&req->req);
-        if (result == TC_SUCCESS)
+        if (good)
             usleep(req->pause_ms * 1000);
     }
-    return result;
-}
-
-static uint32_t* threadResult(uint32_t result) {
-    uint32_t* word = static_cast<uint32_t*>(malloc(sizeof *word));
-    if (word != nullptr)
-        *word = result;
-    return word;
+    tc_endThread(tc.result);
 }
 
 void* Demux_RequestSectionThread(void* req) {
-    return threadResult(requestRounds(__func__, static_cast<DemuxThreadRequest_st*>(req), true));
+    requestRounds(__func__, static_cast<DemuxThreadRequest_st*>(req), true);
 }
 
 void* Demux_RequestSectionThreadNoFreeBuffer(void* req) {
-    return threadResult(requestRounds(__func__, static_cast<DemuxThreadRequest_st*>(req), false));
-}
-
-static uint32_t openCloseRounds(uint32_t eDemuxId) {
-    const char* name = "Demux_OpenCloseDemuxThread";
-    for (int loop = 0; loop < OPEN_CLOSE_ROUNDS; loop++) {
-        zk_log("loop: %d, demux %u\n", loop, eDemuxId);
-        if (!tc_checkRet(name, __LINE__, "QLX_DemuxOpen(eDemuxId)", QLX_DemuxOpen(eDemuxId)))
-            return TC_FAILURE;
-        usleep(static_cast<useconds_t>(rand() % 90 + 10) * 1000);
-        if (!tc_checkRet(name, __LINE__, "QLX_DemuxClose(eDemuxId)", QLX_DemuxClose(eDemuxId)))
-            return TC_FAILURE;
-    }
-    return TC_SUCCESS;
+    requestRounds(__func__, static_cast<DemuxThreadRequest_st*>(req), false);
 }
 
 void* Demux_OpenCloseDemuxThread(void* demuxId) {
-    return threadResult(openCloseRounds(*static_cast<const uint32_t*>(demuxId)));
+    CaseContext tc = {__func__};
+    const uint32_t eDemuxId = *static_cast<const uint32_t*>(demuxId);
+    for (int loop = 0; loop < OPEN_CLOSE_ROUNDS && tc.result == TC_SUCCESS; loop++) {
+        zk_log("loop: %d, demux %u\n", loop, eDemuxId);
+        if (!TC_EXPECT_RET(QLX_DemuxOpen(eDemuxId)))
+            break;
+        usleep(static_cast<useconds_t>(rand() % 90 + 10) * 1000);
+        TC_EXPECT_RET(QLX_DemuxClose(eDemuxId));
+    }
+    tc_endThread(tc.result);
 }

@@ -11,7 +11,6 @@
 
 #include <semaphore.h>
 #include <stdint.h>
-#include <sys/time.h>
 
 #include "platform/qlx_demux.h"
 #include "platform/qlx_filter.h"
@@ -104,8 +103,6 @@ uint32_t Demux_SemPost(sem_t* sem);
 uint32_t Demux_SemTimedWait(uint32_t uTimeOutMs, sem_t* sem);
 /** Destroys, frees and forgets it. 0, also when there is none; 1 for null. */
 uint32_t Demux_SemDestroy(sem_t** sem);
-/** Adds milliseconds to a time. */
-void time_add_ms(struct timeval* time, uint32_t uMs);
 
 /** Callbacks of the three kinds of filter; the user data is the request (for packets that of
  *  sections). They copy the data, give the library's buffer back, and post the semaphore. */
@@ -140,8 +137,8 @@ void Demux_FreePesEvents(PesRequestInfo_st* pRequestInfo);
 
 /**
  * Bodies of threads; `req` is a DemuxThreadRequest_st. Each makes loop_count requests with a pause
- * behind each, and fails at the first without data. The thread's result is a heap word, 0 or 1
- * (null: no memory), that the joining thread frees. The second leaves the copies for its starter.
+ * behind each, and fails at the first without data. They end with 0 or 1 for tc_joinThread. The
+ * second leaves the copies for its starter.
  */
 void* Demux_RequestSectionThread(void* req);
 void* Demux_RequestSectionThreadNoFreeBuffer(void* req);

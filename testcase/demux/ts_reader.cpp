@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "testcase/demux/demux_request.h"
 
 static const int SECTION_LENGTH_BYTES = 2;
@@ -12,9 +12,8 @@ static const int VERSION_BYTE = 5;
 
 /** Prints an assertion that does not hold; the caller then does the least that is safe. */
 static bool assertHolds(bool holds, const char* function, int line, const char* text) {
-    if (!holds)
-        tc_fail(function, line, "ASSERT %s \n", text);
-    return holds;
+    CaseContext tc = {function};
+    return holds || tc_fail(tc, line, "ASSERT %s \n", text);
 }
 
 uint16_t tsPacketPid(const Packet_st* p_packet) {

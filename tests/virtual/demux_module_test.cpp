@@ -10,7 +10,8 @@
 
 #include "environment/config_files.h"
 #include "environment/test_env.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
+#include "framework/case/wait.h"
 #include "platform/qlx_tuner.h"
 #include "program/startup.h"
 #include "testcase/demux/demux_config.h"
@@ -353,12 +354,8 @@ TEST_F(DemuxModule, TwoThreadsRequestOnOneDemultiplexer) {
                   0);
     }
     for (int i = 0; i < 2; i++) {
-        void* word = nullptr;
-        pthread_join(threads[i], &word);
-        ASSERT_NE(word, nullptr);
-        EXPECT_EQ(*static_cast<uint32_t*>(word), PASS);
+        EXPECT_EQ(tc_joinThread(threads[i]), PASS);
         EXPECT_EQ(requests[i].req.eventReceivedCount, 30u) << "requests go on counting";
-        free(word);
     }
     takeDown();
 }
@@ -367,20 +364,18 @@ TEST_F(DemuxModule, AThreadStopsAtTheFirstRoundWithoutData) {
     bringUp();
     DemuxThreadRequest_st thread = {QLX_DEMUX_0, 5, 10, request(PAT_PID, 0)};
     addFault("SectionFilter call=3 drop");
-    auto* word = static_cast<uint32_t*>(Demux_RequestSectionThreadNoFreeBuffer(&thread));
-    ASSERT_NE(word, nullptr);
+    pthread_t joined;
+    ASSERT_EQ(pthread_create(&joined, nullptr, Demux_RequestSectionThreadNoFreeBuffer, &thread), 0);
     // The copies of the rounds before are still there, and count as data of this round.
-    EXPECT_EQ(*word, PASS);
-    free(word);
+    EXPECT_EQ(tc_joinThread(joined), PASS);
     EXPECT_NE(thread.req.eventRecord[0].sectionData.pBuffer, nullptr);
     Demux_FreeEvents(&thread.req);
     qlx_sim_clear_faults();
     thread.req = request(PAT_PID, 0);
     addFault("SectionFilter call=3 drop");
-    word = static_cast<uint32_t*>(Demux_RequestSectionThread(&thread));
-    EXPECT_EQ(*word, FAIL);
+    ASSERT_EQ(pthread_create(&joined, nullptr, Demux_RequestSectionThread, &thread), 0);
+    EXPECT_EQ(tc_joinThread(joined), FAIL);
     EXPECT_EQ(thread.req.eventReceivedCount, 2u);
-    free(word);
     qlx_sim_clear_faults();
     takeDown();
 }
@@ -421,21 +416,15 @@ TEST(DemuxSemaphore, AnswersForWhatIsNotThere) {
     EXPECT_EQ(sem, nullptr);
 }
 
-TEST(DemuxSemaphore, MillisecondsCarryIntoSeconds) {
-    const struct {
-        timeval time;
-        uint32_t ms;
-        timeval sum;
-    } rows[] = {
-        {{10, 0}, 0, {10, 0}},     {{10, 999000}, 1, {11, 0}},    {{10, 999999}, 999, {11, 998999}},
-        {{10, 1}, 22000, {32, 1}}, {{10, 500000}, 1500, {12, 0}},
-    };
-    for (const auto& row : rows) {
-        timeval time = row.time;
-        time_add_ms(&time, row.ms);
-        EXPECT_EQ(time.tv_sec, row.sum.tv_sec);
-        EXPECT_EQ(time.tv_usec, row.sum.tv_usec);
+TEST(DemuxSemaphore, AWaitTakesItsTimeAcrossSeconds) {
+    sem_t* sem = nullptr;
+    ASSERT_EQ(Demux_SemInit(&sem), 0u);
+    for (uint32_t ms : {0, 1, 250, 250, 250, 250, 999, 1000, 1500, 22000}) {
+        Stopwatch stopwatch;
+        EXPECT_EQ(Demux_SemTimedWait(ms, sem), 1u);
+        EXPECT_EQ(stopwatch.ms(), ms);
     }
+    EXPECT_EQ(Demux_SemDestroy(&sem), 0u);
 }
 
 TEST(DemuxCallback, StoresWhatEachEventBrings) {
