@@ -5,19 +5,22 @@
 #     --torture   also the whole torture run, some minutes
 #     --arm       also the device's architecture, in an emulator
 #     --browser   also the report's page in a browser
+#     --farm      also the examples of board farms, with LAVA and labgrid
 set -e
 cd "$(dirname "$0")"
 quick=
 torture=
 arm=
 browser=
+farm=
 for word in "$@"; do
     case $word in
     --quick) quick=1 ;;
     --torture) torture=1 ;;
     --arm) arm=1 ;;
     --browser) browser=1 ;;
-    *) sed -n '2,7p' "$0" >&2; exit 2 ;;
+    --farm) farm=1 ;;
+    *) sed -n '2,8p' "$0" >&2; exit 2 ;;
     esac
 done
 tools/setup.sh
@@ -58,4 +61,7 @@ if [ -n "$arm" ]; then
 fi
 if [ -n "$browser" ]; then
     tools/browser.sh
+fi
+if [ -n "$farm" ]; then
+    tools/boards/test.sh
 fi
