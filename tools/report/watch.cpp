@@ -35,7 +35,7 @@ void onInterrupt(int) {
 /** Serves the latest progress, read-only. */
 class Server {
  public:
-    explicit Server(const HttpAddress& address) {
+    Server(const HttpAddress& address, const Progress& progress) : progress_(progress) {
         server_.new_task_queue = [] { return new httplib::ThreadPool(readers); };
         server_.set_read_timeout(patience_s);
         server_.set_write_timeout(patience_s);
@@ -145,7 +145,7 @@ void watch(const std::filesystem::path& folder, const std::filesystem::path& dur
     signal(SIGPIPE, SIG_IGN);
     std::unique_ptr<Server> server;
     if (http != nullptr)
-        server = std::make_unique<Server>(*http);
+        server = std::make_unique<Server>(*http, follower.progress());
     while (!interrupted) {
         bool wasOver = follower.progress().over;
         follower.poll();
