@@ -23,6 +23,8 @@ LAUNCHER = os.path.join(BUILD, "vclock/run")
 # By name: EXIT["STANDBY"].
 with open(os.path.join(SOURCE, "common/exit_codes.h"), encoding="ascii") as header:
     EXIT = {name: int(code) for name, code in re.findall(r"EXIT_(\w+) = (\d+)", header.read())}
+# The runner; it is told where the programs are, for those under test need not lie beside it.
+RUNNER = [os.path.join(BUILD, "zkbench"), "--build", BUILD, "--source", SOURCE]
 # Real seconds after which a program that hangs is a failed test.
 PATIENCE_S = 300
 

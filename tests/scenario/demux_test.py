@@ -32,8 +32,7 @@ class DemuxTest(bench.BenchTest):
     def lay_out(self):
         """Brings the made streams into the test's folder. They are made once, and kept."""
         kept = os.path.join(bench.BUILD, "demux_scenario")
-        subprocess.run([os.path.join(bench.BUILD, "zkbench"), "--source", bench.SOURCE, "--lay-out",
-                        kept], check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(bench.RUNNER + ["--lay-out", kept], check=True, stdout=subprocess.DEVNULL)
         os.makedirs(self.path("bench"))
         os.symlink(os.path.join(kept, "stream"), self.path("bench/stream"))
         return self.path("bench/stream/ts")
@@ -45,9 +44,8 @@ class DemuxTest(bench.BenchTest):
         # original_network_id, behind the header of eight bytes
         self.write("control.txt", "".join("stream dvbc_main.ts byte %d %02x\n" %
                                           (at + 9, section[9] ^ 0x10) for at, section in starts))
-        done = subprocess.run([os.path.join(bench.BUILD, "zkbench"), "--source", bench.SOURCE,
-                               "--quiet", "--module", "Demux-DVB", "--module", "Demux-ISDB",
-                               self.path("bench")],
+        done = subprocess.run(bench.RUNNER + ["--quiet", "--module", "Demux-DVB", "--module",
+                                              "Demux-ISDB", self.path("bench")],
                               env=dict(os.environ, QLX_SIM_CONTROL=self.path("control.txt")),
                               stdout=subprocess.PIPE, universal_newlines=True)
         self.assertEqual(done.returncode, 0, done.stdout)
@@ -66,9 +64,9 @@ stream dvbs_main.ts table 0 0 3 41
 stream dvbc_hd.ts table 18 0x50 40 41
 stream atsct_main.ts table 8187 0xCD 12 41
 """)
-        done = subprocess.run([os.path.join(bench.BUILD, "zkbench"), "--source", bench.SOURCE,
-                               "--quiet", "--module", "Demux-DVB", "--module", "Demux-ATSC",
-                               "--module", "Demux-ISDB", self.path("bench")],
+        done = subprocess.run(bench.RUNNER + ["--quiet", "--module", "Demux-DVB", "--module",
+                                              "Demux-ATSC", "--module", "Demux-ISDB",
+                                              self.path("bench")],
                               env=dict(os.environ, QLX_SIM_CONTROL=self.path("control.txt")),
                               stdout=subprocess.PIPE, universal_newlines=True)
         self.assertEqual(done.returncode, 0, done.stdout)

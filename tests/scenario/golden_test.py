@@ -39,8 +39,7 @@ class GoldenTest(bench.BenchTest):
         self.folder = os.path.join(bench.BUILD, "golden_bench")
 
     def test_every_verdict_is_the_reviewed_one(self):
-        done = subprocess.run([os.path.join(bench.BUILD, "zkbench"), "--source", bench.SOURCE,
-                               "--quiet", "--auto", self.folder],
+        done = subprocess.run(bench.RUNNER + ["--quiet", "--auto", self.folder],
                               stdout=subprocess.PIPE, universal_newlines=True)
         self.assertEqual(done.returncode, 0, done.stdout)
         report = bench.read_report(os.path.join(self.folder, "report.xls"))

@@ -10,10 +10,9 @@ import bench
 class ReproducibleTest(bench.BenchTest):
     def run_with_seed(self, name, seed):
         folder = self.path(name)
-        subprocess.run([os.path.join(bench.BUILD, "zkbench"), "--source", bench.SOURCE, "--quiet",
-                        "--auto", "--seed", str(seed), "--module", "GPIO", "--module", "SYSTEM",
-                        "--module", "TEEC", "--name", "*", folder], check=True,
-                       stdout=subprocess.DEVNULL)
+        subprocess.run(bench.RUNNER + ["--quiet", "--auto", "--seed", str(seed), "--module", "GPIO",
+                                       "--module", "SYSTEM", "--module", "TEEC", "--name", "*",
+                                       folder], check=True, stdout=subprocess.DEVNULL)
         with open(os.path.join(folder, "console.log"), "rb") as file:
             log = file.read()
         with open(os.path.join(folder, "report.xls"), "rb") as file:

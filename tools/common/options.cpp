@@ -4,11 +4,46 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <memory>
+#include <sstream>
 #include <string>
 
+namespace {
+
+/** Help in lines that fit a terminal, without the library's remarks on what excludes what: the
+ *  message tells that when it matters. */
+class HelpFormatter : public CLI::Formatter {
+ public:
+    std::string make_option_opts(const CLI::Option* option) const override {
+        std::string type = option->get_type_name();
+        return (type.empty() || type == "TEXT" ? "" : " " + type) +
+               (option->get_required() ? " (required)" : "");
+    }
+
+    std::string make_option_desc(const CLI::Option* option) const override {
+        const size_t width = 100 - get_column_width();
+        std::istringstream words(option->get_description());
+        std::string text;
+        size_t lineLength = 0;
+        for (std::string word; words >> word;) {
+            bool fits = lineLength + 1 + word.size() <= width;
+            text += text.empty() ? "" : fits ? " " : "\n";
+            text += word;
+            lineLength = fits ? lineLength + 1 + word.size() : word.size();
+        }
+        return text;
+    }
+};
+
+}  // namespace
+
 int readOptions(CLI::App* app, int argc, char** argv) {
+    auto formatter = std::make_shared<HelpFormatter>();
+    formatter->column_width(22);
+    app->formatter(formatter);
     try {
         app->parse(argc, argv);
     } catch (const CLI::Success& wish) {
@@ -21,11 +56,16 @@ int readOptions(CLI::App* app, int argc, char** argv) {
     return -1;
 }
 
-CLI::Validator readable() {
+CLI::Validator readable(PathKind kind) {
     return CLI::Validator(
-        [](std::string& path) {
-            bool good = access(path.c_str(), R_OK) == 0;
-            return good ? std::string() : "cannot read " + path + ": " + strerror(errno);
+        [kind](std::string& path) {
+            struct stat found = {};
+            if (stat(path.c_str(), &found) != 0 || access(path.c_str(), R_OK) != 0)
+                return "cannot read " + path + ": " + strerror(errno);
+            bool folder = S_ISDIR(found.st_mode);
+            if (folder == (kind == FOLDER))
+                return std::string();
+            return path + (folder ? " is a folder" : " is no folder");
         },
         "");
 }

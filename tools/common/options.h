@@ -15,8 +15,10 @@
  */
 int readOptions(CLI::App* app, int argc, char** argv);
 
-/** Takes only paths that can be read; says why where one cannot. */
-CLI::Validator readable();
+enum PathKind { FILE_TO_READ, FOLDER };
+
+/** Takes only paths of this kind that can be read; says why where one cannot. */
+CLI::Validator readable(PathKind kind = FILE_TO_READ);
 
 /** Takes only decimal numbers from `least` to `most`. */
 CLI::Validator wholeNumber(uint64_t least, uint64_t most = UINT64_MAX);

@@ -8,15 +8,16 @@
 #include <string.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "framework/workbook/xls.h"
 #include "framework/workbook/xlslib.h"
 #include "testcase/modules.h"
 #include "tools/common/options.h"
+#include "tools/report/run_data.h"
 
 namespace {
 
@@ -26,8 +27,17 @@ struct Selection {
     bool automaticOnly = false;
     bool withLong = false;
     bool byReport = false;
-    /** Module and case of the rows that failed in an earlier report. */
-    std::set<std::pair<std::string, std::string>> failed;
+    /** Module and case of the rows that are chosen from an earlier report. */
+    std::set<std::pair<std::string, std::string>> chosen;
+};
+
+/** Which rows of an earlier report are chosen. */
+struct Earlier {
+    std::string report;
+    /** The console's log of that run, empty for none. */
+    std::string console;
+    /** Words of a report; empty: what did not come through. */
+    std::vector<std::string> outcomes;
 };
 
 /** Automatic cases that run longer than the monitor's patience: it reboots the device under them.
@@ -52,7 +62,7 @@ bool moduleSelected(const Selection& selection, const TcModule& module) {
 bool caseSelected(const Selection& selection, const TcModule& module, const TcCase& testCase) {
     if (!moduleSelected(selection, module) ||
         (selection.automaticOnly && testCase.autoFlag != AUTO) ||
-        (selection.byReport && selection.failed.count({module.name, testCase.name}) == 0))
+        (selection.byReport && selection.chosen.count({module.name, testCase.name}) == 0))
         return false;
     if (selection.patterns.empty())
         return true;
@@ -63,34 +73,78 @@ bool caseSelected(const Selection& selection, const TcModule& module, const TcCa
     return false;
 }
 
-const char* cellText(xlsWorkSheet* sheet, unsigned row, unsigned column) {
-    xlsCell* cell = xls_cell(sheet, static_cast<uint16_t>(row), static_cast<uint16_t>(column));
-    return cell != nullptr && cell->str != nullptr ? cell->str : "";
+bool isAutomatic(const std::string& moduleName, const std::string& caseName) {
+    for (const TcModule* module : testModules) {
+        for (uint32_t i = 0; module->name == moduleName && i < module->caseCount; i++) {
+            if (module->cases[i].name == caseName)
+                return module->cases[i].autoFlag == AUTO;
+        }
+    }
+    return false;
 }
 
-/** Collects the rows of a report that say "Fail" or "Block". */
-bool readFailures(const char* path, Selection* selection) {
-    xls_error_t error = LIBXLS_OK;
-    xlsWorkBook* book = xls_open_file(path, "UTF-8", &error);
-    if (book == nullptr) {
-        fprintf(stderr, "mkchecklist: cannot read the report %s: %s\n", path, xls_getError(error));
+/** Whether a row's case was to come to a verdict and did not pass: it failed, or has "N/A" although
+ *  the console does not say that the board lacks it. */
+bool didNotComeThrough(const std::string& module, const report::Row& row) {
+    if (row.verdict == report::Verdict::NotApplicable)
+        return row.marked && row.told != report::Told::Unsupported && isAutomatic(module, row.name);
+    return row.verdict == report::Verdict::Fail || row.verdict == report::Verdict::Block ||
+           (row.verdict == report::Verdict::Missing && row.marked);
+}
+
+/** The files of an earlier run: of a bench folder's present one, its checklist and console too; of
+ *  "last-report.xls", "last-console.log". */
+report::Inputs inputsOf(const Earlier& earlier) {
+    std::filesystem::path path = earlier.report;
+    report::Inputs inputs;
+    inputs.report = path;
+    if (path.filename() == "report.xls")
+        inputs = report::inputsOf(path.has_parent_path() ? path.parent_path() : ".");
+    inputs.durations.clear();
+    std::string name = path.stem().string();
+    size_t at = name.find("report");
+    if (at != std::string::npos) {
+        std::filesystem::path console = path;
+        console.replace_filename(name.replace(at, strlen("report"), "console") + ".log");
+        if (std::filesystem::exists(console))
+            inputs.log = console;
+    }
+    if (!earlier.console.empty())
+        inputs.log = earlier.console;
+    return inputs;
+}
+
+/** Chooses rows of an earlier report. */
+bool chooseRows(const Earlier& earlier, Selection* selection) {
+    try {
+        report::Inputs inputs = inputsOf(earlier);
+        if (inputs.log.empty() && earlier.outcomes.empty())
+            fprintf(stderr,
+                    "mkchecklist: there is no console log: N/A counts as a crash, also of a case "
+                    "that the board lacks\n");
+        report::Run run = readRun(inputs);
+        for (const report::Module& module : run.modules) {
+            for (const report::Row& row : module.rows) {
+                bool named = std::find(earlier.outcomes.begin(), earlier.outcomes.end(),
+                                       verdictWord(row.verdict)) != earlier.outcomes.end();
+                if (earlier.outcomes.empty() ? didNotComeThrough(module.name, row) : named)
+                    selection->chosen.insert({module.name, row.name});
+            }
+        }
+    } catch (const report::Error& error) {
+        fprintf(stderr, "mkchecklist: %s\n", error.what());
         return false;
     }
-    for (uint32_t i = 0; error == LIBXLS_OK && i < book->sheets.count; i++) {
-        xlsWorkSheet* sheet = xls_getWorkSheet(book, static_cast<int>(i));
-        error = sheet != nullptr ? xls_parseWorkSheet(sheet) : LIBXLS_ERROR_MALLOC;
-        for (unsigned r = 1; error == LIBXLS_OK && r <= sheet->rows.lastrow; r++) {
-            std::string result = cellText(sheet, r, 3);
-            if (result == "Fail" || result == "Block")
-                selection->failed.insert({book->sheets.sheet[i].name, cellText(sheet, r, 1)});
-        }
-        xls_close_WS(sheet);
-    }
-    xls_close_WB(book);
-    if (error != LIBXLS_OK)
-        fprintf(stderr, "mkchecklist: cannot read the report %s: %s\n", path, xls_getError(error));
     selection->byReport = true;
-    return error == LIBXLS_OK;
+    return true;
+}
+
+/** The words of a report. */
+std::vector<std::string> outcomeWords() {
+    std::vector<std::string> words;
+    for (int w = 0; w < static_cast<int>(report::Verdict::Missing); w++)
+        words.push_back(verdictWord(static_cast<report::Verdict>(w)));
+    return words;
 }
 
 struct Totals {
@@ -166,7 +220,7 @@ int writeChecklist(const char* path, const Selection& selection) {
         printf(
             "note: the program takes a checklist of one sheet with one case for finished and "
             "runs nothing of it; select a second module\n");
-    printf("%s: %u cases marked Y on %u sheets\n", path, totals.selected, totals.sheets);
+    printf("%u cases marked Y on %u sheets\n", totals.selected, totals.sheets);
     return 0;
 }
 
@@ -187,51 +241,94 @@ bool knownModule(const std::string& name) {
                        [&](const TcModule* module) { return name == module->name; });
 }
 
-/** Takes only names of modules. */
-std::string checkModule(const std::string& name) {
-    return knownModule(name) ? std::string() : "there is no module " + name;
+/** The options that choose rows of an earlier report. */
+void addEarlierOptions(CLI::App* app, Earlier* earlier, std::string* failed) {
+    CLI::Option* failures =
+        app->add_option("--failed", *failed,
+                        "Only cases that did not come through in this report: Fail, Block, and "
+                        "N/A of a case that the board does not lack")
+            ->type_name("REPORT")
+            ->check(readable());
+    CLI::Option* report = app->add_option("--report", earlier->report,
+                                          "Only cases that have the outcomes in this report")
+                              ->type_name("REPORT")
+                              ->check(readable())
+                              ->excludes(failures);
+    CLI::Option* outcome =
+        app->add_option("--outcome", earlier->outcomes,
+                        "Such an outcome: Pass, Fail, N/A, Block, NoMatch or Manual; may be "
+                        "repeated")
+            ->type_name("WORD")
+            ->allow_extra_args(false)
+            ->check(CLI::IsMember(outcomeWords()).description(""))
+            ->needs(report);
+    report->needs(outcome);
+    app->add_option("--console", earlier->console,
+                    "The console log of the report's run (console.log beside report.xls); it "
+                    "tells what crashed from what the board lacks")
+        ->type_name("FILE")
+        ->check(readable());
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+struct Options {
     Selection selection;
+    Earlier earlier;
     std::string out;
-    std::string failed;
     bool list = false;
+};
+
+/** Reads the options; -1 to go on, else what main returns. */
+int parse(int argc, char** argv, Options* options) {
+    Selection& selection = options->selection;
+    Earlier& earlier = options->earlier;
+    std::string failed;
     CLI::App app(
         "Writes a checklist workbook for the cases of this build, or lists them, tab-separated:\n"
         "module, number in the module, name, auto flag, description.",
         "mkchecklist");
-    CLI::Option* file = app.add_option("OUT.xls", out, "The workbook to write");
-    CLI::Option* listing = app.add_flag("--list", list, "List the cases instead");
-    file->excludes(listing);
+    CLI::Option* out = app.add_option("OUT.xls", options->out, "The workbook to write");
+    app.add_flag("--list", options->list, "List the cases instead")->excludes(out);
     app.add_option("--module", selection.modules, "Only cases of this module; may be repeated")
         ->allow_extra_args(false)
-        ->check(checkModule)
+        ->check([](const std::string& name) {
+            return knownModule(name) ? std::string() : "there is no module " + name;
+        })
         ->type_name("NAME");
     app.add_option("--name", selection.patterns,
                    "Only cases whose name matches, '*' and '?' as in a shell; may be repeated")
         ->allow_extra_args(false)
         ->type_name("PATTERN");
     app.add_flag("--auto", selection.automaticOnly, "Only automatic cases");
-    app.add_option("--failed", failed, "Only cases that this report has as \"Fail\" or \"Block\"")
-        ->type_name("REPORT")
-        ->check(readable());
     app.add_flag("--long", selection.withLong,
                  "Mark also the cases that outlast the monitor's five minutes");
+    addEarlierOptions(&app, &earlier, &failed);
     int code = readOptions(&app, argc, argv);
     if (code >= 0)
         return code;
-    if (!list && out.empty()) {
-        fputs("mkchecklist: name the workbook to write, or --list\n", stderr);
+    if (!failed.empty())
+        earlier.report = failed;
+    if (!earlier.console.empty() && earlier.report.empty()) {
+        fputs("mkchecklist: --console is of use with --failed only\n", stderr);
         return EXIT_USAGE;
     }
-    if (!failed.empty() && !readFailures(failed.c_str(), &selection))
+    if (options->list || !options->out.empty())
+        return -1;
+    fputs("mkchecklist: name the workbook to write, or --list\n", stderr);
+    return EXIT_USAGE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    int code = parse(argc, argv, &options);
+    if (code >= 0)
+        return code;
+    if (!options.earlier.report.empty() && !chooseRows(options.earlier, &options.selection))
         return 1;
-    if (list) {
-        listCases(selection);
+    if (options.list) {
+        listCases(options.selection);
         return 0;
     }
-    return writeChecklist(out.c_str(), selection);
+    return writeChecklist(options.out.c_str(), options.selection);
 }

@@ -343,6 +343,23 @@ class LogTaker {
         running_ = Place();
     }
 
+    static Told toldBy(LogEvent::Kind word) {
+        switch (word) {
+            case LogEvent::CaseStart:
+                return Told::Started;
+            case LogEvent::CaseSuccess:
+                return Told::Success;
+            case LogEvent::CaseFailed:
+                return Told::Failed;
+            case LogEvent::CaseUnsupported:
+                return Told::Unsupported;
+            case LogEvent::CaseSkipped:
+                return Told::Skipped;
+            default:
+                return Told::Nothing;
+        }
+    }
+
     LogEvent::Kind& word(Place place) {
         return words_[static_cast<size_t>(place.module)][static_cast<size_t>(place.row)];
     }
@@ -368,6 +385,7 @@ class LogTaker {
 
     /** Answers whether the log contradicts the report. */
     bool explainRow(int module, Row* row, LogEvent::Kind word) {
+        row->told = toldBy(word);
         bool ended = word == LogEvent::CaseSuccess || word == LogEvent::CaseFailed;
         bool open = row->verdict == Verdict::NotApplicable || row->verdict == Verdict::Block ||
                     row->verdict == Verdict::Missing;
@@ -376,6 +394,11 @@ class LogTaker {
         if (row->verdict == Verdict::Missing &&
             std::find(tooManyRows_.begin(), tooManyRows_.end(), module) != tooManyRows_.end())
             row->reason = "the module has fewer cases than the checklist has rows";
+        bool told = row->told != Told::Nothing && !row->tookDeviceDown;
+        if (row->verdict == Verdict::Missing && told)
+            row->reason = "the report could not be saved when it ran";
+        if (row->verdict == Verdict::Block && row->told > Told::Started)
+            row->reason = "the report could not be saved when it ended";
         if (row->verdict == Verdict::NotApplicable && word == LogEvent::CaseUnsupported)
             row->reason = "the board does not have what the case needs";
         if (row->verdict == Verdict::NotApplicable && ended) {

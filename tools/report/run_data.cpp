@@ -116,16 +116,20 @@ Module readReportSheet(const fs::path& path, const Sheet& sheet) {
 Module readChecklistSheet(const Sheet& sheet) {
     Module module;
     module.name = sheet.name();
-    // The program never reads the last row.
-    for (unsigned r = 1; r < sheet.lastRow(); r++) {
+    bool ended = false;
+    for (unsigned r = 1; r <= sheet.lastRow(); r++) {
         Row row;
         row.id = r;
         row.name = sheet.text(r, 1);
-        if (row.name.empty())
-            break;
         row.marked = sheet.text(r, 4)[0] == 'Y';
         row.description = sheet.text(r, 2);
-        module.rows.push_back(row);
+        ended = ended || row.name.empty();
+        if (ended)
+            row.reason = "below a row without a name the program reads nothing";
+        else if (r == sheet.lastRow())
+            row.reason = "the program never reads a sheet's last row";
+        if (row.reason.empty() || (row.marked && !row.name.empty()))
+            module.rows.push_back(row);
     }
     return module;
 }

@@ -36,6 +36,17 @@ constexpr int verdictCount = 7;
 /** The report's own word: "Pass", "Fail", "N/A", "Block", "NoMatch", "Manual"; "Missing". */
 const char* verdictWord(Verdict verdict);
 
+/** The last that the log says of a row. */
+enum class Told {
+    Nothing,
+    Skipped,
+    /** It has started; of its end there is no word. */
+    Started,
+    Success,
+    Failed,
+    Unsupported,
+};
+
 /** What the expectations say of a row. */
 enum class Expected {
     Nothing,
@@ -60,6 +71,7 @@ struct Row {
     std::string reason;
     /** The device went down, or its start was missed, while this row ran. */
     bool tookDeviceDown = false;
+    Told told = Told::Nothing;
     /** The log has "FAILED" for a row whose verdict the report lost at a restart. */
     bool lostFailure = false;
     /** Milliseconds, -1 when nothing tells them. */
@@ -145,7 +157,9 @@ struct Checklist {
     /** The texts of the cover's first column. */
     std::vector<std::string> cover;
 };
-/** The rows of a checklist workbook that the program reads. Throws Error. */
+/** The rows of a checklist workbook. What the program never reads, a sheet's last row and all below
+ * a row without a name, is left out but for rows that are marked; those have their reason. Throws
+ *  Error. */
 Checklist readChecklist(const std::filesystem::path& path);
 
 /** The whole content of a file. Throws Error. */

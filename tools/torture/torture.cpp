@@ -40,7 +40,9 @@
 #include "program/startup.h"
 #include "simulator/sim_control.h"
 #include "testcase/modules.h"
+#include "tools/common/files.h"
 #include "tools/common/options.h"
+#include "tools/common/process.h"
 
 namespace fs = std::filesystem;
 
@@ -495,10 +497,15 @@ void prepareWorker(const Options& options, const Job& job) {
         std::ofstream(job.file.string() + ".answers") << job.answer << "\n";
 }
 
+/** In a child: becomes this program again, as a worker in virtual time. */
+[[noreturn]] void becomeWorker(const Words& arguments) {
+    Words program = {programFile()};
+    program.insert(program.end(), arguments.begin(), arguments.end());
+    become(inVirtualTime(programFile().parent_path(), {}, program));
+}
+
 void startWorker(const Options& options, Job* job) {
     prepareWorker(options, *job);
-    fs::path self = fs::canonical("/proc/self/exe");
-    std::string launcher = self.parent_path() / "vclock/run";
     std::string first = std::to_string(job->firstStep);
     fflush(stdout);
     job->pid = fork();
@@ -510,27 +517,17 @@ void startWorker(const Options& options, Job* job) {
     setenv("QLX_SIM_ROOT", root.c_str(), 1);
     // One heap without caches of threads: what it holds is then the same after equal runs.
     setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0:glibc.malloc.arena_max=1", 1);
-    execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--worker", job->module->name,
-          job->testCase->name, job->file.c_str(), first.c_str(), nullptr);
-    _exit(EXIT_CANNOT_RUN);
-}
-
-std::vector<std::string> linesOf(const fs::path& path) {
-    std::vector<std::string> lines;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(line);
-    return lines;
+    becomeWorker({"--worker", job->module->name, job->testCase->name, job->file, first});
 }
 
 bool isDone(const fs::path& path) {
-    std::vector<std::string> lines = linesOf(path);
+    std::vector<std::string> lines = readLines(path);
     return !lines.empty() && lines.back() == "done";
 }
 
 /** When the youngest file was written that a case's results depend on. */
 fs::file_time_type youngestInput(const Options& options) {
-    fs::path program = fs::read_symlink("/proc/self/exe");
+    fs::path program = programFile();
     std::vector<fs::path> inputs = {program, program.parent_path() / "libQlx.so", options.answers};
     std::error_code missing;
     for (const auto& entry : fs::recursive_directory_iterator(options.dir / "config", missing))
@@ -549,7 +546,7 @@ fs::file_time_type youngestInput(const Options& options) {
 bool settle(Job* job, int status) {
     if (isDone(job->file))
         return true;
-    std::vector<std::string> lines = linesOf(job->file);
+    std::vector<std::string> lines = readLines(job->file);
     std::ofstream file(job->file, std::ios::app);
     if (lines.empty() || lines.back().compare(0, 5, "step\t") != 0) {
         // "endless" stands behind its step; without any step the base run itself came to an end.
@@ -702,7 +699,7 @@ void judgeCase(const Job& job, std::vector<Exception>* exceptions, Count* count,
                std::ostream& report) {
     std::string name = job.testCase->name;
     count->cases++;
-    std::vector<std::string> lines = linesOf(job.file);
+    std::vector<std::string> lines = readLines(job.file);
     for (size_t i = 0; i < lines.size(); i++) {
         const std::string& line = lines[i];
         if (line.compare(0, 5, "base\t") == 0) {
@@ -796,20 +793,16 @@ bool loadLimits(const Options& options, std::vector<LimitJob>* jobs) {
 }
 
 void startLimit(const Options& options, LimitJob* job) {
-    fs::path self = fs::canonical("/proc/self/exe");
     fs::remove(job->file);
     fflush(stdout);
     job->pid = fork();
     if (job->pid != 0)
         return;
-    std::string launcher = self.parent_path() / "vclock/run";
     setenv("QLX_SIM_ROOT", (job->file.string() + ".device").c_str(), 1);
     if (chdir(options.dir.c_str()) != 0)
         _exit(EXIT_CANNOT_RUN);
-    execl(launcher.c_str(), launcher.c_str(), self.c_str(), "--limit", job->module->name,
-          job->testCase->name, job->file.c_str(), job->step.c_str(), job->lastGoodMs.c_str(),
-          nullptr);
-    _exit(EXIT_CANNOT_RUN);
+    becomeWorker(
+        {"--limit", job->module->name, job->testCase->name, job->file, job->step, job->lastGoodMs});
 }
 
 /** Whether the verdict turned exactly at the limit; prints where it did not. */
