@@ -5,8 +5,8 @@
 
 #include "environment/conf_reader.h"
 #include "environment/test_env.h"
+#include "framework/case/check.h"
 #include "framework/platform_select.h"
-#include "framework/tc_check.h"
 #include "testcase/tuner/tuner_harness.h"
 
 static QLX_TunerBlindScanParams s_TuningParams_dvbs_BlindScan;

@@ -21,60 +21,60 @@ enum TunerSpoiled {
 uint32_t tuner_checkInput(const char* name, uint32_t eTunerId, TunerSpoiled spoiled);
 
 // Tuning. Bodies for tuner_frame; those of the last two for tuner_initFrame.
-uint32_t tuner_tuneOnce(TunerRun* run);
-uint32_t tuner_tuneTwice(TunerRun* run);
-uint32_t tuner_consumeTune(TunerRun* run);
-uint32_t tuner_consumeTuneAndDump(TunerRun* run);
-uint32_t tuner_consumeOpenTune(TunerRun* run);
-uint32_t tuner_consumeOpenTuneAndDump(TunerRun* run);
+void tuner_tuneOnce(CaseContext& tc, TunerRun& run);
+void tuner_tuneTwice(CaseContext& tc, TunerRun& run);
+void tuner_consumeTune(CaseContext& tc, TunerRun& run);
+void tuner_consumeTuneAndDump(CaseContext& tc, TunerRun& run);
+void tuner_consumeOpenTune(CaseContext& tc, TunerRun& run);
+void tuner_consumeOpenTuneAndDump(CaseContext& tc, TunerRun& run);
 
 // Walks over the band of the run's system. Bodies for tuner_frame.
-uint32_t tuner_sweepCount(TunerRun* run);
-uint32_t tuner_sweepConsume(TunerRun* run);
+void tuner_sweepCount(CaseContext& tc, TunerRun& run);
+void tuner_sweepConsume(CaseContext& tc, TunerRun& run);
 
 // Tuning with particular parameters or streams. Bodies for tuner_frame.
-uint32_t tuner_cableOutAndIn(TunerRun* run);
-uint32_t tuner_dvbtThenDvbs(TunerRun* run);
-uint32_t tuner_unknownSymbolRate(TunerRun* run);
-uint32_t tuner_wrongSymbolRate(TunerRun* run);
-uint32_t tuner_unknownSymbolRateS2(TunerRun* run);
-uint32_t tuner_wrongSymbolRateS2(TunerRun* run);
-uint32_t tuner_t2Pipes(TunerRun* run);
+void tuner_cableOutAndIn(CaseContext& tc, TunerRun& run);
+void tuner_dvbtThenDvbs(CaseContext& tc, TunerRun& run);
+void tuner_unknownSymbolRate(CaseContext& tc, TunerRun& run);
+void tuner_wrongSymbolRate(CaseContext& tc, TunerRun& run);
+void tuner_unknownSymbolRateS2(CaseContext& tc, TunerRun& run);
+void tuner_wrongSymbolRateS2(CaseContext& tc, TunerRun& run);
+void tuner_t2Pipes(CaseContext& tc, TunerRun& run);
 
 // Signal information. Bodies for tuner_frame.
-uint32_t tuner_infoLockStatus(TunerRun* run);
-uint32_t tuner_infoTuningType(TunerRun* run);
-uint32_t tuner_infoTransmissionSystem(TunerRun* run);
-uint32_t tuner_infoSignalPresent(TunerRun* run);
-uint32_t tuner_infoModulation(TunerRun* run);
-uint32_t tuner_infoSymbolRate(TunerRun* run);
-uint32_t tuner_infoStrengthAndQuality(TunerRun* run);
-uint32_t tuner_infoSecondGeneration(TunerRun* run);
-uint32_t tuner_infoCellIdentifier(TunerRun* run);
-uint32_t tuner_infoOffsetAbove(TunerRun* run);
-uint32_t tuner_infoOffsetBelow(TunerRun* run);
-uint32_t tuner_infoFrequencyUnlocked(TunerRun* run);
+void tuner_infoLockStatus(CaseContext& tc, TunerRun& run);
+void tuner_infoTuningType(CaseContext& tc, TunerRun& run);
+void tuner_infoTransmissionSystem(CaseContext& tc, TunerRun& run);
+void tuner_infoSignalPresent(CaseContext& tc, TunerRun& run);
+void tuner_infoModulation(CaseContext& tc, TunerRun& run);
+void tuner_infoSymbolRate(CaseContext& tc, TunerRun& run);
+void tuner_infoStrengthAndQuality(CaseContext& tc, TunerRun& run);
+void tuner_infoSecondGeneration(CaseContext& tc, TunerRun& run);
+void tuner_infoCellIdentifier(CaseContext& tc, TunerRun& run);
+void tuner_infoOffsetAbove(CaseContext& tc, TunerRun& run);
+void tuner_infoOffsetBelow(CaseContext& tc, TunerRun& run);
+void tuner_infoFrequencyUnlocked(CaseContext& tc, TunerRun& run);
 
 /** Several tuners at once: the system of each tuner from 0, 0 where a tuner takes no part. */
 uint32_t tuner_simultaneous(const char* name, uint32_t system0, uint32_t system1, uint32_t system2,
                             uint32_t system3);
 
 // ATSC 3.0. Bodies for tuner_frame.
-uint32_t tuner_t3NoPipe(TunerRun* run);
-uint32_t tuner_t3Pipe0(TunerRun* run);
-uint32_t tuner_t3Pipe1(TunerRun* run);
-uint32_t tuner_t3Pipes0And1(TunerRun* run);
-uint32_t tuner_t3Sweep(TunerRun* run);
-uint32_t tuner_t3Pipes0To3(TunerRun* run);
-uint32_t tuner_t3PipeThenPipes(TunerRun* run);
-uint32_t tuner_t3Details(TunerRun* run);
-uint32_t tuner_t3Time(TunerRun* run);
-uint32_t tuner_t3EasWakeup(TunerRun* run);
-uint32_t tuner_t3EasMode(TunerRun* run);
+void tuner_t3NoPipe(CaseContext& tc, TunerRun& run);
+void tuner_t3Pipe0(CaseContext& tc, TunerRun& run);
+void tuner_t3Pipe1(CaseContext& tc, TunerRun& run);
+void tuner_t3Pipes0And1(CaseContext& tc, TunerRun& run);
+void tuner_t3Sweep(CaseContext& tc, TunerRun& run);
+void tuner_t3Pipes0To3(CaseContext& tc, TunerRun& run);
+void tuner_t3PipeThenPipes(CaseContext& tc, TunerRun& run);
+void tuner_t3Details(CaseContext& tc, TunerRun& run);
+void tuner_t3Time(CaseContext& tc, TunerRun& run);
+void tuner_t3EasWakeup(CaseContext& tc, TunerRun& run);
+void tuner_t3EasMode(CaseContext& tc, TunerRun& run);
 /** From the system of the frame to another one on the same open tuner. */
-uint32_t tuner_switchToAtscT(TunerRun* run);
-uint32_t tuner_switchToAtscC(TunerRun* run);
-uint32_t tuner_switchToAtscT3(TunerRun* run);
+void tuner_switchToAtscT(CaseContext& tc, TunerRun& run);
+void tuner_switchToAtscC(CaseContext& tc, TunerRun& run);
+void tuner_switchToAtscT3(CaseContext& tc, TunerRun& run);
 
 // Manual tables of levels and carrier to noise ratios. Whole cases on tuner 0.
 struct TunerLevelTable;
@@ -98,19 +98,19 @@ uint32_t tuner_freeViewQuality(const char* name);
 uint32_t tuner_freeViewCompare(const char* name);
 
 // Satellite equipment. Bodies for tuner_openFrame.
-uint32_t tuner_lnb13V(TunerRun* run);
-uint32_t tuner_lnb18V(TunerRun* run);
-uint32_t tuner_toneOff(TunerRun* run);
-uint32_t tuner_tone22kHz(TunerRun* run);
-uint32_t tuner_toneburstA(TunerRun* run);
-uint32_t tuner_toneburstB(TunerRun* run);
-uint32_t tuner_diseqcCommand(TunerRun* run);
+void tuner_lnb13V(CaseContext& tc, TunerRun& run);
+void tuner_lnb18V(CaseContext& tc, TunerRun& run);
+void tuner_toneOff(CaseContext& tc, TunerRun& run);
+void tuner_tone22kHz(CaseContext& tc, TunerRun& run);
+void tuner_toneburstA(CaseContext& tc, TunerRun& run);
+void tuner_toneburstB(CaseContext& tc, TunerRun& run);
+void tuner_diseqcCommand(CaseContext& tc, TunerRun& run);
 // Unicable and blind scan. Bodies for tuner_frame.
-uint32_t tuner_unicable(TunerRun* run);
-uint32_t tuner_blindScan(TunerRun* run);
-uint32_t tuner_blindScanPoweredUp(TunerRun* run);
-uint32_t tuner_blindScanCancel(TunerRun* run);
-uint32_t tuner_blindScanSignalInfo(TunerRun* run);
-uint32_t tuner_tuningSignalInfo(TunerRun* run);
+void tuner_unicable(CaseContext& tc, TunerRun& run);
+void tuner_blindScan(CaseContext& tc, TunerRun& run);
+void tuner_blindScanPoweredUp(CaseContext& tc, TunerRun& run);
+void tuner_blindScanCancel(CaseContext& tc, TunerRun& run);
+void tuner_blindScanSignalInfo(CaseContext& tc, TunerRun& run);
+void tuner_tuningSignalInfo(CaseContext& tc, TunerRun& run);
 
 #endif

@@ -3,7 +3,7 @@
 #include <stddef.h>
 #include <string.h>
 
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "testcase/tuner/tuner_harness.h"
 
 /** A member of the information record, and the words that it is printed under. */
@@ -211,13 +211,10 @@ static void printSystem(const QLX_TunerSignalInfo& info) {
 }
 
 uint32_t tuner_check_tuning_params(uint32_t eTunerId) {
+    CaseContext tc = {__func__};
     QLX_TunerSignalInfo stSignalInfo = {};
     TC_ASSERT_RET(QLX_TunerGetSignalInfo(eTunerId, &stSignalInfo));
-    if (stSignalInfo.eTuningType != QLX_TUNER_TUNING_TYPE_DIGITAL) {
-        tc_fail(__func__, __LINE__, "expect %d, but actually %d  \n", QLX_TUNER_TUNING_TYPE_DIGITAL,
-                static_cast<int>(stSignalInfo.eTuningType));
-        return TC_FAILURE;
-    }
+    TC_ASSERT_EQUAL(QLX_TUNER_TUNING_TYPE_DIGITAL, stSignalInfo.eTuningType);
     zk_log("The parameters of Tuner %d as follows: \r\n", static_cast<int>(eTunerId));
     printFields(stSignalInfo, commonFields);
     printSystem(stSignalInfo);

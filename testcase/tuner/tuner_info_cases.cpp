@@ -1,5 +1,6 @@
 // What the signal information says of a locked signal, one claim a case, and what it says beside
 // the carrier.
+#include "framework/case/prompt.h"
 #include "testcase/tuner/tuner_families.h"
 
 enum {
@@ -12,98 +13,92 @@ enum {
 };
 
 /** Locks and reads the information that the case judges. */
-static bool lockAndRead(TunerRun* run) {
-    return tuner_tuneAndRead(run, QLX_TUNER_STATUS_LOCKED);
+static bool lockAndRead(CaseContext& tc, TunerRun& run) {
+    return tuner_tuneAndRead(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
-uint32_t tuner_infoLockStatus(TunerRun* run) {
-    if (!lockAndRead(run))
-        return TC_FAILURE;
-    uint32_t status = run->stTunerSignalInfo.eLockStatus;
-    return tuner_verdict(tuner_checkTrue(
-        run->name, __LINE__, status == QLX_TUNER_STATUS_LOCKED || status == STATUS_LOCKED_OTHER));
+/** Locks, and demands a value of a member of the information. */
+static void infoEquals(CaseContext& tc, TunerRun& run, const uint32_t& actual, uint32_t expected) {
+    if (lockAndRead(tc, run))
+        TC_EXPECT_EQUAL(expected, actual);
 }
 
-/** Locks, and compares a member of the information. */
-static uint32_t infoEquals(TunerRun* run, const uint32_t& actual, uint32_t expected) {
-    return tuner_verdict(lockAndRead(run) &&
-                         tuner_checkEqual(run->name, __LINE__, expected, actual));
+void tuner_infoLockStatus(CaseContext& tc, TunerRun& run) {
+    const uint32_t& status = run.stTunerSignalInfo.eLockStatus;
+    if (lockAndRead(tc, run))
+        TC_EXPECT_TRUE(status == QLX_TUNER_STATUS_LOCKED || status == STATUS_LOCKED_OTHER);
 }
 
-uint32_t tuner_infoTuningType(TunerRun* run) {
-    return infoEquals(run, run->stTunerSignalInfo.eTuningType, QLX_TUNER_TUNING_TYPE_DIGITAL);
+void tuner_infoTuningType(CaseContext& tc, TunerRun& run) {
+    infoEquals(tc, run, run.stTunerSignalInfo.eTuningType, QLX_TUNER_TUNING_TYPE_DIGITAL);
 }
 
-uint32_t tuner_infoTransmissionSystem(TunerRun* run) {
-    return infoEquals(run, run->stTunerSignalInfo.stDigital.eTransmissionSystem, run->eTransSys);
+void tuner_infoTransmissionSystem(CaseContext& tc, TunerRun& run) {
+    infoEquals(tc, run, run.stTunerSignalInfo.stDigital.eTransmissionSystem, run.eTransSys);
 }
 
-uint32_t tuner_infoSignalPresent(TunerRun* run) {
-    return infoEquals(run, run->stTunerSignalInfo.uSignalPresent, 1);
+void tuner_infoSignalPresent(CaseContext& tc, TunerRun& run) {
+    infoEquals(tc, run, run.stTunerSignalInfo.uSignalPresent, 1);
 }
 
-uint32_t tuner_infoModulation(TunerRun* run) {
-    return infoEquals(run, run->stTunerSignalInfo.stDigital.eModulation,
-                      run->stTuningParams.eModulation);
+void tuner_infoModulation(CaseContext& tc, TunerRun& run) {
+    infoEquals(tc, run, run.stTunerSignalInfo.stDigital.eModulation,
+               run.stTuningParams.eModulation);
 }
 
-uint32_t tuner_infoSymbolRate(TunerRun* run) {
-    return infoEquals(run, run->stTunerSignalInfo.stDigital.uSymbolRate,
-                      run->stTuningParams.uSymbolRate);
+void tuner_infoSymbolRate(CaseContext& tc, TunerRun& run) {
+    infoEquals(tc, run, run.stTunerSignalInfo.stDigital.uSymbolRate,
+               run.stTuningParams.uSymbolRate);
 }
 
-uint32_t tuner_infoStrengthAndQuality(TunerRun* run) {
-    if (!lockAndRead(run))
-        return TC_FAILURE;
-    const QLX_TunerSignalInfo& info = run->stTunerSignalInfo;
-    bool strength = tuner_checkRange(run->name, __LINE__, 0, PERCENT_MAX,
-                                     static_cast<int>(info.uSignalStrength));
-    bool quality = tuner_checkRange(run->name, __LINE__, 0, PERCENT_MAX, info.sSignalQuality);
-    return tuner_verdict(strength && quality);
+void tuner_infoStrengthAndQuality(CaseContext& tc, TunerRun& run) {
+    const QLX_TunerSignalInfo& info = run.stTunerSignalInfo;
+    if (!lockAndRead(tc, run))
+        return;
+    TC_EXPECT_RANGE(0, PERCENT_MAX, static_cast<int>(info.uSignalStrength));
+    TC_EXPECT_RANGE(0, PERCENT_MAX, info.sSignalQuality);
 }
 
-uint32_t tuner_infoSecondGeneration(TunerRun* run) {
+void tuner_infoSecondGeneration(CaseContext& tc, TunerRun& run) {
     zk_log(
         "Please switch the  stream player as DVB-T2 with the same frequency before, press any "
         "key to continue. \r\n");
-    tuner_waitKey();
-    return infoEquals(run, run->stTunerSignalInfo.stDigital.eTransmissionSystem,
-                      QLX_TRANSMISSION_SYSTEM_DVB_T2);
+    tc_waitKey();
+    infoEquals(tc, run, run.stTunerSignalInfo.stDigital.eTransmissionSystem,
+               QLX_TRANSMISSION_SYSTEM_DVB_T2);
 }
 
-uint32_t tuner_infoCellIdentifier(TunerRun* run) {
+void tuner_infoCellIdentifier(CaseContext& tc, TunerRun& run) {
     zk_log(
         "Please set the stream player as DVB-T with the sane frequency before and cell "
         "identity set to one(1). \r\n");
-    tuner_waitKey();
-    return infoEquals(run, run->stTunerSignalInfo.stDigital.stDvbTerrestrial.stDvbT.uCellIdentifier,
-                      1);
+    tc_waitKey();
+    infoEquals(tc, run, run.stTunerSignalInfo.stDigital.stDvbTerrestrial.stDvbT.uCellIdentifier, 1);
 }
 
-/** Tunes beside the carrier, and demands low < offset <= high of the information's offset. */
-static uint32_t offsetWithin(TunerRun* run, int offset, int low, int high) {
-    run->stTuningParams.uFrequency += static_cast<uint32_t>(offset);
-    run->stTuningParams.uTuneOption = QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
-    if (!lockAndRead(run))
-        return TC_FAILURE;
-    return tuner_verdict(
-        tuner_checkRange(run->name, __LINE__, low, high,
-                         run->stTunerSignalInfo.stDigital.stDvbSatellite.iFrequencyOffset));
+/** Moves the parameters beside the carrier, by kHz. */
+static void detune(TunerRun& run, int offset) {
+    run.stTuningParams.uFrequency += static_cast<uint32_t>(offset);
+    run.stTuningParams.uTuneOption = QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
 }
 
-uint32_t tuner_infoOffsetAbove(TunerRun* run) {
-    return offsetWithin(run, OFFSET_CAPTURED, 1500, 2500);
+void tuner_infoOffsetAbove(CaseContext& tc, TunerRun& run) {
+    detune(run, OFFSET_CAPTURED);
+    if (lockAndRead(tc, run))
+        TC_EXPECT_RANGE(1500, 2500,
+                        run.stTunerSignalInfo.stDigital.stDvbSatellite.iFrequencyOffset);
 }
 
-uint32_t tuner_infoOffsetBelow(TunerRun* run) {
-    return offsetWithin(run, -OFFSET_CAPTURED, -2500, -1500);
+void tuner_infoOffsetBelow(CaseContext& tc, TunerRun& run) {
+    detune(run, -OFFSET_CAPTURED);
+    if (lockAndRead(tc, run))
+        TC_EXPECT_RANGE(-2500, -1500,
+                        run.stTunerSignalInfo.stDigital.stDvbSatellite.iFrequencyOffset);
 }
 
-uint32_t tuner_infoFrequencyUnlocked(TunerRun* run) {
-    run->stTuningParams.uFrequency += OFFSET_OUTSIDE;
-    run->stTuningParams.uTuneOption = QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
+void tuner_infoFrequencyUnlocked(CaseContext& tc, TunerRun& run) {
+    detune(run, OFFSET_OUTSIDE);
     // What an information bar shows after a failed tuning is the frequency that was asked for.
-    return tuner_verdict(tuner_tuneAndRead(run, QLX_TUNER_STATUS_UNLOCKED) &&
-                         tuner_checkEqual(run->name, __LINE__, run->stTuningParams.uFrequency,
-                                          run->stTunerSignalInfo.uTunedFrequency));
+    if (tuner_tuneAndRead(tc, run, QLX_TUNER_STATUS_UNLOCKED))
+        TC_EXPECT_EQUAL(run.stTuningParams.uFrequency, run.stTunerSignalInfo.uTunedFrequency);
 }

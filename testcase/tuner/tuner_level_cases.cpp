@@ -4,6 +4,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "framework/case/prompt.h"
 #include "testcase/tuner/tuner_families.h"
 
 /** What a table's input is, and which member of the information it is compared with. */
@@ -255,52 +256,45 @@ static void skipLine(void) {
  */
 static int askForRow(int count) {
     for (;;) {
-        int caseNum = -1;
+        int32_t caseNum = -1;
         zk_log("press 999  to stop case, press caseNum key 0-%d to continue. \r\n", count - 1);
-        zk_logFlush();
-        int read = scanf("%9d", &caseNum);
-        if (read == EOF)
+        PromptAnswer answer = tc_askNumber(&caseNum);
+        if (answer == PROMPT_END_OF_INPUT)
             return -1;
         skipLine();
-        if (read == 1 && (caseNum == END_OF_CASE || (caseNum >= 0 && caseNum < count)))
+        if (answer == PROMPT_NUMBER &&
+            (caseNum == END_OF_CASE || (caseNum >= 0 && caseNum < count)))
             return caseNum;
         zk_log("Error caseNum, Please press caseNum again.\r\n");
     }
 }
 
-/** Measures a row that the operator has chosen; true when it passed. */
-typedef bool (*MeasureRow)(TunerRun* run, int caseNum);
-
-/** Lets the operator choose rows until one fails or the case is ended. */
-static uint32_t runRows(TunerRun* run, int count, MeasureRow measure) {
+/** Lets the operator choose rows until one fails or the case is ended. `measure` tells whether the
+ *  row of a number passed. */
+template <typename Measure>
+static void runRows(CaseContext& tc, int count, Measure measure) {
     for (;;) {
         int caseNum = askForRow(count);
-        if (caseNum == END_OF_CASE)
-            return TC_SUCCESS;
-        if (!tuner_checkTrue(run->name, __LINE__, caseNum >= 0))
-            return TC_FAILURE;
-        if (!measure(run, caseNum)) {
+        if (caseNum == END_OF_CASE || !TC_EXPECT_TRUE(caseNum >= 0))
+            return;
+        if (!measure(caseNum)) {
             zk_log("Case %d failed.\r\n", caseNum);
-            return TC_FAILURE;
+            tc.result = TC_FAILURE;
+            return;
         }
         zk_log("Case %d success.\r\n", caseNum);
     }
-}
-
-static const TunerLevelTable& tableOf(const TunerRun& run) {
-    return *static_cast<const TunerLevelTable*>(run.context);
 }
 
 static void promptRow(const TunerLevelTable& table, int caseNum) {
     char text[40];
     zk_log("Please  play the  stream as %s, press any key to continue.\r\n",
            inputText(table.kind, table.rows[caseNum].input, text));
-    tuner_waitKey();
+    tc_waitKey();
 }
 
 /** Compares what the information says with the closed range of the row. */
-static bool judgeRow(const TunerRun& run, int caseNum) {
-    const TunerLevelTable& table = tableOf(run);
+static bool judgeRow(const TunerRun& run, const TunerLevelTable& table, int caseNum) {
     const LevelRow& row = table.rows[caseNum];
     bool quality = isQuality(table.kind);
     int value = quality ? run.stTunerSignalInfo.sSignalQuality
@@ -310,74 +304,65 @@ static bool judgeRow(const TunerRun& run, int caseNum) {
     return value >= row.min && value <= row.max;
 }
 
-static bool measureRow(TunerRun* run, int caseNum) {
-    promptRow(tableOf(*run), caseNum);
-    return tuner_tuneAndRead(run, QLX_TUNER_STATUS_LOCKED) && judgeRow(*run, caseNum);
-}
-
-static uint32_t measureRows(TunerRun* run) {
-    return runRows(run, tableOf(*run).rowCount, measureRow);
-}
-
 static void printRows(const TunerLevelTable& table) {
     for (int i = 0; i < table.rowCount; i++)
         printRow(table.kind, i, table.rows[i]);
     printBanner();
 }
 
-/** A run on tuner 0 whose context is a table. */
-static TunerRun newTableRun(const char* name, TunerLevelTable* table) {
-    TunerRun run = tuner_newRun(name, QLX_TUNER_0);
-    run.context = table;
-    return run;
-}
-
 uint32_t tuner_levelTable(const char* name, const TunerLevelTable& table) {
-    TunerLevelTable copy = table;
-    TunerRun run = newTableRun(name, &copy);
+    CaseContext tc = {name};
+    TunerRun run = {};
     printRows(table);
     zk_log(
         "Use SFU device, Transmission: %s, Frequency: 1242M,  Stream: "
         "DVB_Common_Av_Demux_1.ts.\r\n",
         table.transmission);
-    if (!tuner_fetchParams(&run, QLX_TRANSMISSION_SYSTEM_DVB_S))
-        return TC_FAILURE;
+    TC_ASSERT(tuner_fetchParams(tc, run, QLX_TRANSMISSION_SYSTEM_DVB_S));
     run.stTuningParams.uSymbolRate = table.uSymbolRate;
     run.stTuningParams.eModulation = table.eModulation;
     run.stTuningParams.stDvbS.eFecType = table.eFecType;
     run.stTuningParams.stDvbS.eFecRate = table.eFecRate;
-    return tc_result(name, tuner_runFrame(&run, measureRows));
+    Ladder<uint32_t> ladder(tc, run.eTunerId, tunerSteps);
+    if (ladder.up())
+        runRows(tc, table.rowCount, [&](int caseNum) {
+            promptRow(table, caseNum);
+            return tuner_tuneAndRead(tc, run, QLX_TUNER_STATUS_LOCKED) &&
+                   judgeRow(run, table, caseNum);
+        });
+    ladder.down();
+    return TC_RESULT(tc);
 }
 
-static uint32_t lockAndRead(TunerRun* run) {
-    return tuner_verdict(tuner_tuneAndRead(run, QLX_TUNER_STATUS_LOCKED));
+static void lockAndRead(CaseContext& tc, TunerRun& run) {
+    tuner_tuneAndRead(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
 /** Runs a whole frame on a DVB-T frequency and leaves the information in the run. */
-static bool receiveFreeView(TunerRun* run, uint32_t uFrequency) {
-    if (!tuner_fetchParams(run, QLX_TRANSMISSION_SYSTEM_DVB_T))
+static bool receiveFreeView(CaseContext& tc, TunerRun& run, uint32_t uFrequency) {
+    if (!tuner_fetchParams(tc, run, QLX_TRANSMISSION_SYSTEM_DVB_T))
         return false;
-    run->stTuningParams.uFrequency = uFrequency;
-    return tuner_runFrame(run, lockAndRead) == TC_SUCCESS;
-}
-
-static bool measureFreeViewQuality(TunerRun* run, int caseNum) {
-    promptRow(tableOf(*run), caseNum);
-    return receiveFreeView(run, FREEVIEW_FREQUENCY) && judgeRow(*run, caseNum);
+    run.stTuningParams.uFrequency = uFrequency;
+    return tuner_between(tc, run, TUNER_LISTENING, lockAndRead);
 }
 
 uint32_t tuner_freeViewQuality(const char* name) {
+    CaseContext tc = {name};
+    TunerRun run = {};
     TunerLevelTable table = {};
     table.kind = QUALITY_CNR;
     table.rows = rowsFreeView001;
     table.rowCount = rowCount(rowsFreeView001);
-    TunerRun run = newTableRun(name, &table);
     zk_log("ONLY USE FOR UK FREEVIEW.\r\n");
     printRows(table);
     zk_log(
         "Use SFU device, Transmission: DVBT, Frequency: 666M, LEVEL: 45dbm,  Stream: "
         "UK-itv514M.ts.\r\n");
-    return tc_result(name, runRows(&run, table.rowCount, measureFreeViewQuality));
+    runRows(tc, table.rowCount, [&](int caseNum) {
+        promptRow(table, caseNum);
+        return receiveFreeView(tc, run, FREEVIEW_FREQUENCY) && judgeRow(run, table, caseNum);
+    });
+    return TC_RESULT(tc);
 }
 
 /** One of the two multiplexes of a comparison: what the generator plays, and what was received. */
@@ -410,23 +395,23 @@ static const FreeViewDemand freeViewDemands[] = {
 };
 
 /** Has a multiplex played, receives it, and stores what came in the row. */
-static bool measureSide(TunerRun* run, int stream, uint32_t uFrequency, FreeViewSide* side) {
+static bool measureSide(CaseContext& tc, int stream, uint32_t uFrequency, FreeViewSide* side) {
+    TunerRun run = {};
     zk_log(
         "Please set stream%d as UK-itv514M.ts, Frequency: %u, rflevel: %d, CNR: %f, press any "
         "key to continue. \r\n",
         stream, uFrequency, side->rflevel, side->cnr);
-    tuner_waitKey();
-    if (!receiveFreeView(run, uFrequency))
+    tc_waitKey();
+    if (!receiveFreeView(tc, run, uFrequency))
         return false;
-    side->strength = static_cast<int>(run->stTunerSignalInfo.uSignalStrength);
-    side->quality = run->stTunerSignalInfo.sSignalQuality;
+    side->strength = static_cast<int>(run.stTunerSignalInfo.uSignalStrength);
+    side->quality = run.stTunerSignalInfo.sSignalQuality;
     return true;
 }
 
-static bool compareFreeView(TunerRun* run, int caseNum) {
-    FreeViewRow* row = static_cast<FreeViewRow*>(run->context) + caseNum;
-    if (!measureSide(run, 1, FREEVIEW_FREQUENCY_A, &row->a) ||
-        !measureSide(run, 2, FREEVIEW_FREQUENCY_B, &row->b))
+static bool compareFreeView(CaseContext& tc, FreeViewRow* row, int caseNum) {
+    if (!measureSide(tc, 1, FREEVIEW_FREQUENCY_A, &row->a) ||
+        !measureSide(tc, 2, FREEVIEW_FREQUENCY_B, &row->b))
         return false;
     int deltaSSI = abs(row->a.strength - row->b.strength);
     int deltaSQI = abs(row->a.quality - row->b.quality);
@@ -434,25 +419,24 @@ static bool compareFreeView(TunerRun* run, int caseNum) {
     const FreeViewDemand* demand = freeViewDemands;
     while (caseNum > demand->lastRow)
         demand++;
-    if (deltaSSI >= demand->minSSI && deltaSSI <= demand->maxSSI && deltaSQI >= demand->minSQI &&
-        deltaSQI <= demand->maxSQI)
-        return true;
-    tc_fail(run->name, __LINE__, "ASSERT %s \n", demand->text);
-    return false;
+    return (deltaSSI >= demand->minSSI && deltaSSI <= demand->maxSSI &&
+            deltaSQI >= demand->minSQI && deltaSQI <= demand->maxSQI) ||
+           tc_fail(tc, __LINE__, "ASSERT %s \n", demand->text);
 }
 
 uint32_t tuner_freeViewCompare(const char* name) {
+    CaseContext tc = {name};
     FreeViewRow rows[] = {
         {{-50, 0, 0, 0}, {-50, 0, 0, 0}}, {{-65, 0, 0, 0}, {-50, 0, 0, 0}},
         {{-50, 0, 0, 0}, {-65, 0, 0, 0}}, {{-61, 0, 0, 0}, {-58, 1, 0, 0}},
         {{-58, 1, 0, 0}, {-61, 0, 0, 0}}, {{-50, 5, 0, 0}, {-65, 0, 0, 0}},
         {{-65, 0, 0, 0}, {-50, 5, 0, 0}},
     };
-    TunerRun run = tuner_newRun(name, QLX_TUNER_0);
-    run.context = rows;
     for (int i = 0; i < rowCount(rows); i++)
         zk_log("Case caseNum: %d,  RFLevel: %d CNR: %f, RFLevel: %d CNR: %f.\r\n", i,
                rows[i].a.rflevel, rows[i].a.cnr, rows[i].b.rflevel, rows[i].b.cnr);
     printBanner();
-    return tc_result(name, runRows(&run, rowCount(rows), compareFreeView));
+    runRows(tc, rowCount(rows),
+            [&](int caseNum) { return compareFreeView(tc, &rows[caseNum], caseNum); });
+    return TC_RESULT(tc);
 }

@@ -2,57 +2,53 @@
 #include "testcase/tuner/tuner_families.h"
 
 uint32_t tuner_openWithoutInit(const char* name, uint32_t eTunerId) {
-    if (!TUNER_RET(QLX_TunerInit()) || !TUNER_RET(QLX_TunerDeInit()))
-        return TC_FAILURE;
-    bool refused =
-        tc_checkRefused(name, __LINE__, "QLX_TunerOpen(eTunerId)", QLX_TunerOpen(eTunerId));
-    if (!refused)
+    CaseContext tc = {name};
+    TC_ASSERT_RET(QLX_TunerInit());
+    TC_ASSERT_RET(QLX_TunerDeInit());
+    if (!TC_EXPECT_REFUSED(QLX_TunerOpen(eTunerId)))
         QLX_TunerClose(eTunerId);
-    return tc_result(name, tuner_verdict(refused));
-}
-
-static uint32_t nothing(TunerRun* run) {
-    static_cast<void>(run);
-    return TC_SUCCESS;
+    return TC_RESULT(tc);
 }
 
 uint32_t tuner_openAfterInit(const char* name, uint32_t eTunerId) {
-    return tuner_openFrame(name, eTunerId, nothing);
+    return tuner_openFrame(name, eTunerId, [](CaseContext&, TunerRun&) {});
 }
 
 uint32_t tuner_openInvalidId(const char* name) {
-    if (!TUNER_RET(QLX_TunerInit()))
-        return TC_FAILURE;
-    bool passed = tc_checkRefused(name, __LINE__, "QLX_TunerOpen(4)", QLX_TunerOpen(4));
-    passed = TUNER_RET(QLX_TunerDeInit()) && passed;
-    return tc_result(name, tuner_verdict(passed));
+    CaseContext tc = {name};
+    TC_ASSERT_RET(QLX_TunerInit());
+    TC_EXPECT_REFUSED(QLX_TunerOpen(4));
+    TC_EXPECT_RET(QLX_TunerDeInit());
+    return TC_RESULT(tc);
 }
 
 uint32_t tuner_openRepeatedly(const char* name, uint32_t eTunerId, uint32_t times) {
-    if (!TUNER_RET(QLX_TunerInit()))
-        return TC_FAILURE;
-    bool passed = true;
-    for (uint32_t i = 0; passed && i < times; i++)
-        passed = TUNER_RET(QLX_TunerOpen(eTunerId)) && TUNER_RET(QLX_TunerClose(eTunerId));
-    passed = TUNER_RET(QLX_TunerDeInit()) && passed;
-    return tc_result(name, tuner_verdict(passed));
+    CaseContext tc = {name};
+    TC_ASSERT_RET(QLX_TunerInit());
+    for (uint32_t i = 0; tc.result == TC_SUCCESS && i < times; i++) {
+        if (TC_EXPECT_RET(QLX_TunerOpen(eTunerId)))
+            TC_EXPECT_RET(QLX_TunerClose(eTunerId));
+    }
+    TC_EXPECT_RET(QLX_TunerDeInit());
+    return TC_RESULT(tc);
 }
 
-static uint32_t setIsRefused(TunerRun* run) {
-    uint32_t eTunerId = run->eTunerId;
-    int32_t code = QLX_TunerSetTuningParam(eTunerId, &run->stTuningParams);
-    return tuner_verdict(tc_checkRet(run->name, __LINE__,
-                                     "QLX_TunerSetTuningParam(eTunerId, &stTuningParams)", code,
-                                     QLX_TUNER_ERR_INVALID_PARA));
+static void setIsRefused(CaseContext& tc, TunerRun& run) {
+    uint32_t eTunerId = run.eTunerId;
+    const QLX_TunerTuningParams& stTuningParams = run.stTuningParams;
+    TC_EXPECT_RET_CODE(QLX_TunerSetTuningParam(eTunerId, &stTuningParams),
+                       QLX_TUNER_ERR_INVALID_PARA);
 }
 
 uint32_t tuner_checkInput(const char* name, uint32_t eTunerId, TunerSpoiled spoiled) {
-    TunerRun run = tuner_newRun(name, eTunerId);
-    if (!tuner_fetchParams(&run, 0))
-        return TC_FAILURE;
+    CaseContext tc = {name};
+    TunerRun run = {};
+    run.eTunerId = eTunerId;
+    TC_ASSERT(tuner_fetchParams(tc, run, 0));
     if (spoiled == SPOILED_TYPE_3)
         run.stTuningParams.eTuningType = 3;
     else
         run.stTuningParams.eTransmissionSystem = spoiled == SPOILED_SYSTEM_3 ? 3 : 0;
-    return tc_result(name, tuner_runOpenFrame(&run, setIsRefused));
+    tuner_between(tc, run, TUNER_OPENED, setIsRefused);
+    return TC_RESULT(tc);
 }

@@ -3,12 +3,9 @@
 #include "testcase/tuner/tuner_satellite.h"
 
 #include <string.h>
-#include <sys/time.h>
 #include <unistd.h>
 
-#include "environment/test_env.h"
 #include "framework/case/wait.h"
-#include "testcase/tuner/tuner_case.h"
 #include "testcase/tuner/tuner_harness.h"
 
 enum {
@@ -135,10 +132,11 @@ static QLX_TunerBlindScanParams firstScan(void) {
     return stBlindScanParams;
 }
 
-bool tuner_prepareScan(const char* name, uint32_t eTunerId) {
+bool tuner_prepareScan(CaseContext& tc, uint32_t eTunerId) {
     QLX_TunerTuningParams stTuningParams = {};
     QLX_TunerBlindScanParams stBlindScanParams = firstScan();
-    if (!TUNER_RET(tuner_get_params(eTunerId, QLX_TRANSMISSION_SYSTEM_DVB_S, 0, &stTuningParams)))
+    if (!TC_EXPECT_RET(
+            tuner_get_params(eTunerId, QLX_TRANSMISSION_SYSTEM_DVB_S, 0, &stTuningParams)))
         return false;
     uTunerNibbleBand = 0;
     uTunerNibblePolarization = 0;
@@ -153,7 +151,7 @@ bool tuner_prepareScan(const char* name, uint32_t eTunerId) {
 }
 
 /** Selects a band and starts to scan it. */
-static bool startBand(const char* name, uint32_t eTunerId, const ScanBand& band,
+static bool startBand(CaseContext& tc, uint32_t eTunerId, const ScanBand& band,
                       QLX_TunerBlindScanParams* pstBlindScanParams) {
     QLX_TunerBlindScanParams& stBlindScanParams = *pstBlindScanParams;
     uTunerNibbleBand = band.uNibbleBand;
@@ -164,18 +162,17 @@ static bool startBand(const char* name, uint32_t eTunerId, const ScanBand& band,
         stBlindScanParams.uStartIfFrequency = band.uStartIfFrequency;
         stBlindScanParams.uEndIfFrequency = band.uEndIfFrequency;
     }
+    uint32_t ePower = band.ePower;
+    uint32_t eTone = band.eTone;
     // A Unicable LNB takes the band from the commands of the tune callback.
-    if (bTunerUnicableFlag == 0 &&
-        (!tc_checkRet(name, __LINE__, "QLX_TunerSetLnbPower(eTunerId, ePower)",
-                      QLX_TunerSetLnbPower(eTunerId, band.ePower)) ||
-         !tc_checkRet(name, __LINE__, "QLX_TunerSetTonburstState(eTunerId, eTone)",
-                      QLX_TunerSetTonburstState(eTunerId, band.eTone))))
+    if (bTunerUnicableFlag == 0 && (!TC_EXPECT_RET(QLX_TunerSetLnbPower(eTunerId, ePower)) ||
+                                    !TC_EXPECT_RET(QLX_TunerSetTonburstState(eTunerId, eTone))))
         return false;
-    return TUNER_RET(QLX_TunerBlindScanStart(eTunerId, &stBlindScanParams));
+    return TC_EXPECT_RET(QLX_TunerBlindScanStart(eTunerId, &stBlindScanParams));
 }
 
 /** Goes on with the scan of a band until it ends, and stops it. */
-static TunerScanEnd finishBand(const char* name, uint32_t eTunerId) {
+static TunerScanEnd finishBand(CaseContext& tc, uint32_t eTunerId) {
     QLX_TunerBlindScanInfo stResult = {};
     int32_t code;
     do {
@@ -189,12 +186,12 @@ static TunerScanEnd finishBand(const char* name, uint32_t eTunerId) {
         zk_log("End of band.\n");
         end = SCAN_FINISHED;
     } else {
-        tc_checkRet(name, __LINE__, "QLX_TunerBlindScanNext(eTunerId, &stResult)", code);
+        TC_EXPECT_RET_TEXT("QLX_TunerBlindScanNext(eTunerId, &stResult)", code);
     }
-    return TUNER_RET(QLX_TunerBlindScanStop(eTunerId)) ? end : SCAN_FAILED;
+    return TC_EXPECT_RET(QLX_TunerBlindScanStop(eTunerId)) ? end : SCAN_FAILED;
 }
 
-TunerScanEnd tuner_scanBands(const char* name, uint32_t eTunerId,
+TunerScanEnd tuner_scanBands(CaseContext& tc, uint32_t eTunerId,
                              const volatile uint32_t* puCancelFlag, const char* endText) {
     QLX_TunerBlindScanParams stBlindScanParams = firstScan();
     s_finishedBands = 0;
@@ -203,53 +200,51 @@ TunerScanEnd tuner_scanBands(const char* name, uint32_t eTunerId,
     stBlindScanParams.tuneCallback = TUNER_DVBS_BlindScanTuneCallback;
     stBlindScanParams.puFinishedBands = &s_finishedBands;
     for (const ScanBand& band : scanBands) {
-        if (!startBand(name, eTunerId, band, &stBlindScanParams))
+        if (!startBand(tc, eTunerId, band, &stBlindScanParams))
             return SCAN_FAILED;
-        TunerScanEnd end = finishBand(name, eTunerId);
+        TunerScanEnd end = finishBand(tc, eTunerId);
         if (end != SCAN_FINISHED)
             return end;
     }
     zk_log("Scan Complete.\n");
     // Each band must have told its end to the callback as well.
-    if (!tuner_checkEqual(name, __LINE__, SCAN_BANDS, s_finishedBands))
+    if (!TC_EXPECT_EQUAL(SCAN_BANDS, s_finishedBands))
         return SCAN_FAILED;
     zk_log("%s", endText);
     return SCAN_FINISHED;
 }
 
 void* TUNER_DVBS_BlindScanTuneThread(void* argument) {
-    TunerScanThread* thread = static_cast<TunerScanThread*>(argument);
-    TunerScanEnd end =
-        tuner_scanBands(thread->name, QLX_TUNER_0, &thread->uCancelFlag, "All finished..\n");
-    bool canceled = end == SCAN_CANCELED && thread->uCancelFlag != 0;
+    const TunerScanThread& thread = *static_cast<TunerScanThread*>(argument);
+    CaseContext tc = {thread.name};
+    TunerScanEnd end = tuner_scanBands(tc, QLX_TUNER_0, &thread.uCancelFlag, "All finished..\n");
+    bool canceled = end == SCAN_CANCELED && thread.uCancelFlag != 0;
     if (canceled)
         zk_log("Success, end blindscan tune by cancel.\n");
     else
         zk_log("Failed, error for cancel search.\n");
-    tuner_endThread(tuner_verdict(canceled));
+    tc_endThread(canceled ? TC_SUCCESS : TC_FAILURE);
 }
 
 void* TUNER_DVBS_BlindScanTuneCircleThread(void* argument) {
-    TunerScanThread* thread = static_cast<TunerScanThread*>(argument);
+    const TunerScanThread& thread = *static_cast<TunerScanThread*>(argument);
+    CaseContext tc = {thread.name};
     TunerScanEnd end = SCAN_FINISHED;
-    while (end == SCAN_FINISHED && thread->uCancelFlag == 0)
-        end = tuner_scanBands(thread->name, QLX_TUNER_0, &thread->uCancelFlag,
-                              "All finished, circle again.\n");
-    if (thread->uCancelFlag != 0)
+    while (end == SCAN_FINISHED && thread.uCancelFlag == 0)
+        end =
+            tuner_scanBands(tc, QLX_TUNER_0, &thread.uCancelFlag, "All finished, circle again.\n");
+    if (thread.uCancelFlag != 0)
         zk_log("Cancel Falg true, Exit.\r\n");
-    tuner_endThread(tuner_verdict(end != SCAN_FAILED));
+    tc_endThread(tc.result);
 }
 
 /** Reads the signal information once; false when that fails or takes too long. */
 static bool readInfoInTime(void) {
     QLX_TunerSignalInfo stSignalInfo = {};
-    timeval start;
-    timeval end;
-    gettimeofday(&start, nullptr);
+    Stopwatch watch;
     int32_t code = QLX_TunerGetSignalInfo(QLX_TUNER_0, &stSignalInfo);
-    gettimeofday(&end, nullptr);
-    int64_t consumed = zk_test_diff_timeMs(&start, &end);
-    zk_log("getSignalInfoConsumeTime = %lld ms.\n", static_cast<long long>(consumed));
+    long long consumed = watch.ms();
+    zk_log("getSignalInfoConsumeTime = %lld ms.\n", consumed);
     if (code != QLX_SUCCESS) {
         zk_log("Failed getSgianlInfo error  \r\n");
         return false;
@@ -264,30 +259,29 @@ void* TUNER_DVBS_GetSignalInfoThread(void* argument) {
     int64_t times = 0;
     while (times <= INFO_READS) {
         if (!readInfoInTime())
-            tuner_endThread(TC_FAILURE);
+            tc_endThread(TC_FAILURE);
         times++;
         usleep(INFO_PERIOD_US);
     }
     zk_log("getSignalInfoTime = %lld times, SUCESS!!! \n", static_cast<long long>(times));
-    tuner_endThread(TC_SUCCESS);
+    tc_endThread(TC_SUCCESS);
 }
 
 void* TUNER_TuningCircleThread(void* argument) {
-    TunerScanThread* thread = static_cast<TunerScanThread*>(argument);
-    const char* name = thread->name;
+    const TunerScanThread& thread = *static_cast<TunerScanThread*>(argument);
+    CaseContext tc = {thread.name};
     uint32_t eTunerId = QLX_TUNER_0;
     QLX_TunerTuningParams stTuningParams = {};
-    bool passed =
-        TUNER_RET(tuner_get_params(eTunerId, QLX_TRANSMISSION_SYSTEM_DVB_S, 0, &stTuningParams));
+    TC_EXPECT_RET(tuner_get_params(eTunerId, QLX_TRANSMISSION_SYSTEM_DVB_S, 0, &stTuningParams));
     uint32_t uFrequency = stTuningParams.uFrequency;
-    while (passed && thread->uCancelFlag == 0) {
+    while (tc.result == TC_SUCCESS && thread.uCancelFlag == 0) {
         stTuningParams.uFrequency = uFrequency + CIRCLE_OFFSET;
-        passed = TUNER_RET(QLX_TunerSetTuningParam(eTunerId, &stTuningParams));
+        TC_EXPECT_RET(QLX_TunerSetTuningParam(eTunerId, &stTuningParams));
         sleep(5);
         stTuningParams.uFrequency = uFrequency;
-        passed = TUNER_RET(QLX_TunerSetTuningParam(eTunerId, &stTuningParams)) && passed;
+        TC_EXPECT_RET(QLX_TunerSetTuningParam(eTunerId, &stTuningParams));
         sleep(5);
-        zk_log("cancelFlag = %d.\r\n", static_cast<int>(thread->uCancelFlag));
+        zk_log("cancelFlag = %d.\r\n", static_cast<int>(thread.uCancelFlag));
     }
-    tuner_endThread(tuner_verdict(passed));
+    tc_endThread(tc.result);
 }

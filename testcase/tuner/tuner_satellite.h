@@ -10,6 +10,7 @@
 
 #include <stdint.h>
 
+#include "framework/case/check.h"
 #include "platform/qlx_tuner.h"
 
 /** Bits of the bank that a Unicable command asks for, each in its place or 0. */
@@ -78,14 +79,14 @@ enum TunerScanEnd {
 };
 
 /**
- * Scans the four bands on an open tuner, from the first.
+ * Scans the four bands on an open tuner, from the first. What fails is noted.
  * @param puCancelFlag  ends the scan when it becomes non-zero; may be null
  * @param endText       what to print when all bands are finished
  */
-TunerScanEnd tuner_scanBands(const char* name, uint32_t eTunerId,
+TunerScanEnd tuner_scanBands(CaseContext& tc, uint32_t eTunerId,
                              const volatile uint32_t* puCancelFlag, const char* endText);
 
 /** Takes band state, LNB type, user band and oscillators from the configuration. */
-bool tuner_prepareScan(const char* name, uint32_t eTunerId);
+bool tuner_prepareScan(CaseContext& tc, uint32_t eTunerId);
 
 #endif

@@ -1,10 +1,8 @@
 // Tuning: once, again, ten times against the clock, over a whole band, beside the carrier, several
 // tuners at once, and under the operator's hands.
 #include <stdio.h>
-#include <stdlib.h>
-#include <sys/time.h>
 
-#include "environment/test_env.h"
+#include "framework/case/prompt.h"
 #include "framework/case/wait.h"
 #include "testcase/tuner/tuner_families.h"
 #include "testcase/tuner/tuner_harness.h"
@@ -15,7 +13,6 @@ enum {
     CONSUMPTION_LIMIT_MS = 8000,
     /** A walk over a band must stay below this a step, in milliseconds. */
     SWEEP_STEP_LIMIT_MS = 1000,
-    SWEEP_TIMEOUT_S = 3,
     /** Channel raster of the ATSC bands in kHz. */
     SWEEP_STEP = 6000,
     /** How far beside the configured symbol rate no demodulator locks. */
@@ -33,16 +30,13 @@ static const Band terrestrialBand = {473000, 803000};
 static_assert((855000 - 93000) / SWEEP_STEP + 1 == 128, "channels of the cable band");
 static_assert((803000 - 473000) / SWEEP_STEP + 1 == 56, "channels of the terrestrial band");
 
-uint32_t tuner_tuneOnce(TunerRun* run) {
-    return tuner_verdict(tuner_tuneAndDump(*run, QLX_TUNER_STATUS_LOCKED));
+void tuner_tuneOnce(CaseContext& tc, TunerRun& run) {
+    tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
-uint32_t tuner_tuneTwice(TunerRun* run) {
-    for (int i = 0; i < 2; i++) {
-        if (!tuner_tuneAndDump(*run, QLX_TUNER_STATUS_LOCKED))
-            return TC_FAILURE;
-    }
-    return TC_SUCCESS;
+void tuner_tuneTwice(CaseContext& tc, TunerRun& run) {
+    if (tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED))
+        tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
 static void printConsumption(const int64_t (&times)[ITERATIONS], int64_t sum) {
@@ -54,61 +48,57 @@ static void printConsumption(const int64_t (&times)[ITERATIONS], int64_t sum) {
     zk_log("----------------End----------------- \r\n");
 }
 
+/** What is timed. */
+typedef bool (*TimedSteps)(CaseContext& tc, const TunerRun& run);
+
 /** Does the timed steps ten times, and demands that they take less than the limit in all. */
-static uint32_t consume(TunerRun* run, bool (*timedSteps)(const TunerRun&)) {
+static void consume(CaseContext& tc, const TunerRun& run, TimedSteps timedSteps) {
     int64_t times[ITERATIONS] = {};
     int64_t sum = 0;
     for (int i = 0; i < ITERATIONS; i++) {
-        timeval start;
-        timeval end;
         zk_log("Test turning  for %d time. \r\n", i);
-        gettimeofday(&start, nullptr);
-        if (!timedSteps(*run))
-            return TC_FAILURE;
-        gettimeofday(&end, nullptr);
-        times[i] = zk_test_diff_timeMs(&start, &end);
+        Stopwatch watch;
+        if (!timedSteps(tc, run))
+            return;
+        times[i] = watch.ms();
         sum += times[i];
     }
     printConsumption(times, sum);
-    return tuner_verdict(tuner_checkTrue(run->name, __LINE__, sum < CONSUMPTION_LIMIT_MS));
+    TC_EXPECT_TRUE(sum < CONSUMPTION_LIMIT_MS);
 }
 
-static bool tuneStep(const TunerRun& run) {
-    return tuner_tune(run, QLX_TUNER_STATUS_LOCKED);
+static bool tuneStep(CaseContext& tc, const TunerRun& run) {
+    return tuner_tune(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
-static bool tuneAndDumpStep(const TunerRun& run) {
-    return tuner_tuneAndDump(run, QLX_TUNER_STATUS_LOCKED);
+static bool tuneAndDumpStep(CaseContext& tc, const TunerRun& run) {
+    return tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
-static bool openTuneStep(const TunerRun& run) {
-    if (!tuner_open(run))
-        return false;
-    bool passed = tuneStep(run);
-    return tuner_close(run) && passed;
+/** Opens the tuner of an initialised library for the steps. */
+template <TimedSteps steps>
+static bool openAround(CaseContext& tc, const TunerRun& run) {
+    uint32_t eTunerId = run.eTunerId;
+    Ladder<uint32_t> ladder(tc, eTunerId, tunerSteps + TUNER_INITED,
+                            TUNER_LISTENING - TUNER_INITED);
+    bool passed = ladder.up() && steps(tc, run);
+    return ladder.down() && passed;
 }
 
-static bool openTuneAndDumpStep(const TunerRun& run) {
-    if (!tuner_open(run))
-        return false;
-    bool passed = tuneAndDumpStep(run);
-    return tuner_close(run) && passed;
+void tuner_consumeTune(CaseContext& tc, TunerRun& run) {
+    consume(tc, run, tuneStep);
 }
 
-uint32_t tuner_consumeTune(TunerRun* run) {
-    return consume(run, tuneStep);
+void tuner_consumeTuneAndDump(CaseContext& tc, TunerRun& run) {
+    consume(tc, run, tuneAndDumpStep);
 }
 
-uint32_t tuner_consumeTuneAndDump(TunerRun* run) {
-    return consume(run, tuneAndDumpStep);
+void tuner_consumeOpenTune(CaseContext& tc, TunerRun& run) {
+    consume(tc, run, openAround<tuneStep>);
 }
 
-uint32_t tuner_consumeOpenTune(TunerRun* run) {
-    return consume(run, openTuneStep);
-}
-
-uint32_t tuner_consumeOpenTuneAndDump(TunerRun* run) {
-    return consume(run, openTuneAndDumpStep);
+void tuner_consumeOpenTuneAndDump(CaseContext& tc, TunerRun& run) {
+    consume(tc, run, openAround<tuneAndDumpStep>);
 }
 
 static const Band& bandOf(const TunerRun& run) {
@@ -116,108 +106,84 @@ static const Band& bandOf(const TunerRun& run) {
 }
 
 /** One step of a walk that counts locks. False when the tuner does not answer. */
-static bool sweepStep(TunerRun* run, int* locked) {
-    const char* name = run->name;
-    uint32_t eTunerId = run->eTunerId;
-    QLX_TunerTuningParams& stTuningParams = run->stTuningParams;
-    timeval start;
-    timeval end;
-    zk_log("\n\n==>[%s() %d]Will lock:%u\n\n", name, __LINE__, stTuningParams.uFrequency);
-    gettimeofday(&start, nullptr);
-    if (!TUNER_RET(QLX_TunerSetTuningParam(eTunerId, &stTuningParams)) ||
-        !tc_checkRet(name, __LINE__, "tuner_sem_timedwait(eTunerId, 3)",
-                     tuner_sem_timedwait(eTunerId, SWEEP_TIMEOUT_S)) ||
-        !tuner_readInfo(run))
+static bool sweepStep(CaseContext& tc, TunerRun& run, int* locked) {
+    uint32_t eTunerId = run.eTunerId;
+    const QLX_TunerTuningParams& stTuningParams = run.stTuningParams;
+    zk_log("\n\n==>[%s() %d]Will lock:%u\n\n", tc.name, __LINE__, stTuningParams.uFrequency);
+    Stopwatch watch;
+    if (!TC_EXPECT_RET(QLX_TunerSetTuningParam(eTunerId, &stTuningParams)) ||
+        !TC_EXPECT_RET(tuner_sem_timedwait(eTunerId, 3)) || !tuner_readInfo(tc, run))
         return false;
-    if (run->stTunerSignalInfo.eLockStatus == QLX_TUNER_STATUS_LOCKED) {
-        gettimeofday(&end, nullptr);
-        zk_log("Tuner locked consume %lld ms\n",
-               static_cast<long long>(zk_test_diff_timeMs(&start, &end)));
+    if (run.stTunerSignalInfo.eLockStatus == QLX_TUNER_STATUS_LOCKED) {
+        zk_log("Tuner locked consume %lld ms\n", static_cast<long long>(watch.ms()));
         ++*locked;
     }
     return true;
 }
 
-uint32_t tuner_sweepCount(TunerRun* run) {
-    const Band& band = bandOf(*run);
+void tuner_sweepCount(CaseContext& tc, TunerRun& run) {
+    const Band& band = bandOf(run);
+    uint32_t& frequency = run.stTuningParams.uFrequency;
     int locked = 0;
-    bool passed = true;
-    uint32_t scanned = band.first;
-    for (uint32_t frequency = band.first; passed && frequency <= band.last;
-         frequency += SWEEP_STEP) {
-        scanned = frequency;
-        run->stTuningParams.uFrequency = frequency;
-        passed = sweepStep(run, &locked);
-    }
-    zk_log("The frequence(%u ~ %u) has been scanned.\n", band.first, scanned);
+    frequency = band.first;
+    while (sweepStep(tc, run, &locked) && frequency < band.last)
+        frequency += SWEEP_STEP;
+    zk_log("The frequence(%u ~ %u) has been scanned.\n", band.first, frequency);
     zk_log("Tuner locked %d channel(s).\n", locked);
-    bool found = tuner_checkTrue(run->name, __LINE__, locked > 1);
-    return tuner_verdict(passed && found);
+    TC_EXPECT_TRUE(locked > 1);
 }
 
-uint32_t tuner_sweepConsume(TunerRun* run) {
-    const Band& band = bandOf(*run);
+void tuner_sweepConsume(CaseContext& tc, TunerRun& run) {
+    const Band& band = bandOf(run);
+    uint32_t& frequency = run.stTuningParams.uFrequency;
     int steps = 0;
-    timeval start;
-    timeval end;
-    gettimeofday(&start, nullptr);
-    for (uint32_t frequency = band.first; frequency <= band.last; frequency += SWEEP_STEP) {
-        run->stTuningParams.uFrequency = frequency;
+    Stopwatch watch;
+    for (frequency = band.first; frequency <= band.last; frequency += SWEEP_STEP) {
         // Most channels are empty: what counts is the time until the tuner has said so.
-        tuner_test_tuning(run->eTunerId, &run->stTuningParams, QLX_TUNER_STATUS_LOCKED);
+        tuner_test_tuning(run.eTunerId, &run.stTuningParams, QLX_TUNER_STATUS_LOCKED);
         steps++;
     }
-    gettimeofday(&end, nullptr);
-    int64_t total = zk_test_diff_timeMs(&start, &end);
+    int64_t total = watch.ms();
     zk_log("Tune the whole %d channel(s) will consume %lld ms", steps,
            static_cast<long long>(total));
-    return tuner_verdict(
-        tuner_checkTrue(run->name, __LINE__, total < SWEEP_STEP_LIMIT_MS * int64_t{steps}));
+    TC_EXPECT_TRUE(total < SWEEP_STEP_LIMIT_MS * int64_t{steps});
 }
 
-/** The status that must hold now, for both of information and last event. */
-static bool checkStatus(const TunerRun& run, uint32_t eExpectedStatus) {
-    const char* text = eExpectedStatus == QLX_TUNER_STATUS_LOCKED
-                           ? "tuner_check_tuning_status(eTunerId, QLX_TUNER_STATUS_LOCKED)"
-                           : "tuner_check_tuning_status(eTunerId, QLX_TUNER_STATUS_UNLOCKED)";
-    return tc_checkRet(run.name, __LINE__, text,
-                       tuner_check_tuning_status(run.eTunerId, eExpectedStatus));
-}
-
-uint32_t tuner_cableOutAndIn(TunerRun* run) {
-    int tuner = static_cast<int>(run->eTunerId);
-    if (!tuner_tune(*run, QLX_TUNER_STATUS_LOCKED))
-        return TC_FAILURE;
+void tuner_cableOutAndIn(CaseContext& tc, TunerRun& run) {
+    uint32_t eTunerId = run.eTunerId;
+    int tuner = static_cast<int>(eTunerId);
+    if (!tuner_tune(tc, run, QLX_TUNER_STATUS_LOCKED))
+        return;
     zk_log("Please pull out the cable from the port of Tuner-%d, press any key to continue. \r\n",
            tuner);
-    tuner_waitKey();
-    if (!checkStatus(*run, QLX_TUNER_STATUS_UNLOCKED))
-        return TC_FAILURE;
+    tc_waitKey();
+    if (!TC_EXPECT_RET(tuner_check_tuning_status(eTunerId, QLX_TUNER_STATUS_UNLOCKED)))
+        return;
     zk_log(
         "Please insert the cable to the port of Tuner-%d to signal again, press any key to "
         "continue. \r\n",
         tuner);
-    tuner_waitKey();
-    return tuner_verdict(checkStatus(*run, QLX_TUNER_STATUS_LOCKED));
+    tc_waitKey();
+    TC_EXPECT_RET(tuner_check_tuning_status(eTunerId, QLX_TUNER_STATUS_LOCKED));
 }
 
-uint32_t tuner_dvbtThenDvbs(TunerRun* run) {
-    return tuner_verdict(tuner_tuneAndDump(*run, QLX_TUNER_STATUS_LOCKED) &&
-                         tuner_fetchParams(run, QLX_TRANSMISSION_SYSTEM_DVB_S) &&
-                         tuner_tuneAndDump(*run, QLX_TUNER_STATUS_LOCKED));
+void tuner_dvbtThenDvbs(CaseContext& tc, TunerRun& run) {
+    if (tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED) &&
+        tuner_fetchParams(tc, run, QLX_TRANSMISSION_SYSTEM_DVB_S))
+        tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
-uint32_t tuner_unknownSymbolRate(TunerRun* run) {
-    run->stTuningParams.uSymbolRate = 0;
-    run->stTuningParams.stDvbS.bKnownSymbolRate = 0;
-    return tuner_verdict(tuner_tuneAndDump(*run, QLX_TUNER_STATUS_LOCKED));
+void tuner_unknownSymbolRate(CaseContext& tc, TunerRun& run) {
+    run.stTuningParams.uSymbolRate = 0;
+    run.stTuningParams.stDvbS.bKnownSymbolRate = 0;
+    tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED);
 }
 
-uint32_t tuner_wrongSymbolRate(TunerRun* run) {
-    run->stTuningParams.uSymbolRate += WRONG_SYMBOL_RATE;
-    run->stTuningParams.stDvbS.bKnownSymbolRate = 1;
-    run->stTuningParams.uTuneOption = QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
-    return tuner_verdict(tuner_tuneAndDump(*run, QLX_TUNER_STATUS_UNLOCKED));
+void tuner_wrongSymbolRate(CaseContext& tc, TunerRun& run) {
+    run.stTuningParams.uSymbolRate += WRONG_SYMBOL_RATE;
+    run.stTuningParams.stDvbS.bKnownSymbolRate = 1;
+    run.stTuningParams.uTuneOption = QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
+    tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_UNLOCKED);
 }
 
 /** Has the operator play a stream of the second generation. */
@@ -225,24 +191,24 @@ static void askForDvbS2(void) {
     zk_log(
         "Please switch the  stream player as DVB-S2 with the same frequency before, press any "
         "key to continue. \r\n");
-    tuner_waitKey();
+    tc_waitKey();
 }
 
-uint32_t tuner_unknownSymbolRateS2(TunerRun* run) {
+void tuner_unknownSymbolRateS2(CaseContext& tc, TunerRun& run) {
     askForDvbS2();
-    return tuner_unknownSymbolRate(run);
+    tuner_unknownSymbolRate(tc, run);
 }
 
-uint32_t tuner_wrongSymbolRateS2(TunerRun* run) {
+void tuner_wrongSymbolRateS2(CaseContext& tc, TunerRun& run) {
     askForDvbS2();
-    return tuner_wrongSymbolRate(run);
+    tuner_wrongSymbolRate(tc, run);
 }
 
 /** Tunes to the pipe in the record and prints what came. */
-static bool tunePipe(TunerRun* run) {
-    if (!tuner_tuneAndRead(run, QLX_TUNER_STATUS_LOCKED))
+static bool tunePipe(CaseContext& tc, TunerRun& run) {
+    if (!tuner_tuneAndRead(tc, run, QLX_TUNER_STATUS_LOCKED))
         return false;
-    const QLX_TunerSignalInfo& info = run->stTunerSignalInfo;
+    const QLX_TunerSignalInfo& info = run.stTunerSignalInfo;
     zk_log("Test turning  for  frequency: %d, modulation: %d, symbolrate: %d. \r\n",
            static_cast<int>(info.uTunedFrequency), static_cast<int>(info.stDigital.eModulation),
            static_cast<int>(info.stDigital.uSymbolRate));
@@ -256,42 +222,39 @@ static uint32_t pipeModulation(uint32_t index) {
     return index == 2 ? QLX_MODULATION_16QAM : QLX_MODULATION_256QAM;
 }
 
-uint32_t tuner_t2Pipes(TunerRun* run) {
+void tuner_t2Pipes(CaseContext& tc, TunerRun& run) {
     enum { PIPES = 3 };
-    run->stTuningParams.eTransmissionSystem = QLX_TRANSMISSION_SYSTEM_DVB_T2;
-    run->stTuningParams.stDvbT.uPlpNum = PIPES;
-    run->stTuningParams.stDvbT.uPlpId = 0;
-    if (!tunePipe(run))
-        return TC_FAILURE;
-    const QLX_TunerDvbT2Info& t2 = run->stTunerSignalInfo.stDigital.stDvbTerrestrial.stDvbT2;
+    run.stTuningParams.eTransmissionSystem = QLX_TRANSMISSION_SYSTEM_DVB_T2;
+    run.stTuningParams.stDvbT.uPlpNum = PIPES;
+    run.stTuningParams.stDvbT.uPlpId = 0;
+    if (!tunePipe(tc, run))
+        return;
+    const QLX_TunerDvbT2Info& t2 = run.stTunerSignalInfo.stDigital.stDvbTerrestrial.stDvbT2;
     uint32_t room = sizeof t2.uPlpIds;
     uint32_t count = t2.uPlpNum < room ? t2.uPlpNum : room;
     int score = 0;
     for (uint32_t i = 0; i < count; i++) {
-        run->stTuningParams.stDvbT.uPlpId = static_cast<uint8_t>(i);
-        if (!tunePipe(run))
-            return TC_FAILURE;
+        run.stTuningParams.stDvbT.uPlpId = static_cast<uint8_t>(i);
+        if (!tunePipe(tc, run))
+            return;
         zk_log("The tuning physical layer pipe info. PlpId[%d]:%d. \r\n", static_cast<int>(i),
                t2.uPlpIds[i]);
-        if (run->stTunerSignalInfo.stDigital.eModulation == pipeModulation(i))
+        if (run.stTunerSignalInfo.stDigital.eModulation == pipeModulation(i))
             score++;
     }
-    return tuner_verdict(tuner_checkTrue(run->name, __LINE__, score >= PIPES));
+    TC_EXPECT_TRUE(score >= PIPES);
 }
 
 /** Starts a thread for each request, and joins those that run. */
-static bool tuneAtOnce(const char* name, tuner_request_info* requestsInfo, uint32_t count) {
+static void tuneAtOnce(CaseContext& tc, tuner_request_info* requestsInfo, uint32_t count) {
     pthread_t threads[QLX_TUNER_MAX];
     uint32_t started = 0;
-    while (started < count && tuner_startThread(name, &threads[started], TUNER_RequestTuneThread,
-                                                &requestsInfo[started]))
+    while (started < count &&
+           TC_EXPECT_RET(pthread_create(&threads[started], NULL, TUNER_RequestTuneThread,
+                                        &requestsInfo[started])))
         started++;
-    bool passed = started == count;
-    for (uint32_t i = 0; i < started; i++) {
-        uint32_t word = tuner_joinWord(threads[i]);
-        passed = tuner_checkEqual(name, __LINE__, TC_SUCCESS, word) && passed;
-    }
-    return passed;
+    for (uint32_t i = 0; i < started; i++)
+        TC_EXPECT_EQUAL(TC_SUCCESS, tc_joinThread(threads[i]));
 }
 
 uint32_t tuner_simultaneous(const char* name, uint32_t system0, uint32_t system1, uint32_t system2,
@@ -299,10 +262,9 @@ uint32_t tuner_simultaneous(const char* name, uint32_t system0, uint32_t system1
     const uint32_t systems[QLX_TUNER_MAX] = {system0, system1, system2, system3};
     tuner_request_info requestsInfo[QLX_TUNER_MAX] = {};
     uint32_t count = 0;
-    if (!TUNER_RET(QLX_TunerInit()))
-        return TC_FAILURE;
-    bool passed = true;
-    for (uint32_t tuner = 0; passed && tuner < QLX_TUNER_MAX; tuner++) {
+    CaseContext tc = {name};
+    TC_ASSERT_RET(QLX_TunerInit());
+    for (uint32_t tuner = 0; tc.result == TC_SUCCESS && tuner < QLX_TUNER_MAX; tuner++) {
         if (systems[tuner] == 0)
             continue;
         tuner_request_info* request = &requestsInfo[count++];
@@ -312,11 +274,11 @@ uint32_t tuner_simultaneous(const char* name, uint32_t system0, uint32_t system1
                  "&requestsInfo[i].stTuningParams)",
                  tuner_systemName(systems[tuner]));
         request->tuner_id = tuner;
-        passed = tc_checkRet(
-            name, __LINE__, text,
-            tuner_get_params(request->tuner_id, systems[tuner], 0, &request->stTuningParams));
+        TC_EXPECT_RET_TEXT(text,
+                           tuner_get_params(tuner, systems[tuner], 0, &request->stTuningParams));
     }
-    passed = passed && tuneAtOnce(name, requestsInfo, count);
-    passed = TUNER_RET(QLX_TunerDeInit()) && passed;
-    return tc_result(name, tuner_verdict(passed));
+    if (tc.result == TC_SUCCESS)
+        tuneAtOnce(tc, requestsInfo, count);
+    TC_EXPECT_RET(QLX_TunerDeInit());
+    return TC_RESULT(tc);
 }
