@@ -16,13 +16,24 @@ static PromptAnswer answered(int got) {
 }
 
 PromptAnswer tc_askNumber(int32_t* number) {
+    long long wide = 0;
     zk_logFlush();
-    return answered(scanf("%d", number));
+    PromptAnswer answer = answered(scanf("%lld", &wide));
+    // A number too long would come out as its lower bits, which nobody has entered.
+    if (answer != PROMPT_NUMBER || wide < INT32_MIN || wide > INT32_MAX)
+        return answer == PROMPT_NUMBER ? PROMPT_NO_NUMBER : answer;
+    *number = static_cast<int32_t>(wide);
+    return PROMPT_NUMBER;
 }
 
 PromptAnswer tc_askHex(uint32_t* number) {
+    unsigned long long wide = 0;
     zk_logFlush();
-    return answered(scanf("%x", number));
+    PromptAnswer answer = answered(scanf("%llx", &wide));
+    if (answer != PROMPT_NUMBER || wide > UINT32_MAX)
+        return answer == PROMPT_NUMBER ? PROMPT_NO_NUMBER : answer;
+    *number = static_cast<uint32_t>(wide);
+    return PROMPT_NUMBER;
 }
 
 bool tc_askWord(char* word, size_t size) {

@@ -11,7 +11,7 @@
 enum PromptAnswer {
     /** A number was read. */
     PROMPT_NUMBER,
-    /** A word that is no number; it has been dropped. */
+    /** A word that is no number, or none of 32 bits; it has been dropped. */
     PROMPT_NO_NUMBER,
     PROMPT_END_OF_INPUT,
 };

@@ -160,22 +160,16 @@ uint32_t tuner_check_tuning_status(uint32_t eTunerId, uint32_t eExpectedStatus) 
     return compareStatuses(tc, eTunerId, stSignalInfo.eLockStatus, eExpectedStatus);
 }
 
-// clang-format off
-static constexpr TunerStep initStep = {
-    "QLX_TunerInit()", [](uint32_t&) -> int64_t { return QLX_TunerInit(); },
-    "QLX_TunerDeInit()", [](uint32_t&) -> int64_t { return QLX_TunerDeInit(); },
-};
+static constexpr TunerStep initStep = {LADDER_CALL("QLX_TunerInit()", QLX_TunerInit()),
+                                       LADDER_CALL("QLX_TunerDeInit()", QLX_TunerDeInit())};
 static constexpr TunerStep openStep = {
-    "QLX_TunerOpen(eTunerId)", [](uint32_t& id) -> int64_t { return QLX_TunerOpen(id); },
-    "QLX_TunerClose(eTunerId)", [](uint32_t& id) -> int64_t { return QLX_TunerClose(id); },
-};
+    LADDER_CALL("QLX_TunerOpen(eTunerId)", QLX_TunerOpen(bench)),
+    LADDER_CALL("QLX_TunerClose(eTunerId)", QLX_TunerClose(bench))};
 static constexpr TunerStep registerStep = {
-    "QLX_TunerRegisterCallback(eTunerId, NULL, tuner_callback)",
-    [](uint32_t& id) -> int64_t { return QLX_TunerRegisterCallback(id, nullptr, tuner_callback); },
-    "QLX_TunerUnRegisterCallback(eTunerId, tuner_callback)",
-    [](uint32_t& id) -> int64_t { return QLX_TunerUnRegisterCallback(id, tuner_callback); },
-};
-// clang-format on
+    LADDER_CALL("QLX_TunerRegisterCallback(eTunerId, NULL, tuner_callback)",
+                QLX_TunerRegisterCallback(bench, nullptr, tuner_callback)),
+    LADDER_CALL("QLX_TunerUnRegisterCallback(eTunerId, tuner_callback)",
+                QLX_TunerUnRegisterCallback(bench, tuner_callback))};
 
 const TunerStep tunerSteps[] = {initStep, openStep, registerStep};
 /** The library is initialised by whoever uses the wrappers. */

@@ -217,6 +217,21 @@ TEST(CasePrompt, WordsThatAreNoNumbersAreDroppedAndTheEndIsTold) {
     EXPECT_EQ(number, -3);
 }
 
+TEST(CasePrompt, NumbersOfMoreThan32BitsAreNone) {
+    Typed typed("4294967301 2147483648 -2147483649 99999999999999999999 -2147483648 1ffffffff fff");
+    int32_t number = 99;
+    uint32_t hex = 99;
+    for (int i = 0; i < 4; i++)
+        EXPECT_EQ(tc_askNumber(&number), PROMPT_NO_NUMBER) << i;
+    EXPECT_EQ(number, 99);
+    EXPECT_EQ(tc_askNumber(&number), PROMPT_NUMBER);
+    EXPECT_EQ(number, INT32_MIN);
+    EXPECT_EQ(tc_askHex(&hex), PROMPT_NO_NUMBER);
+    EXPECT_EQ(hex, 99u);
+    EXPECT_EQ(tc_askHex(&hex), PROMPT_NUMBER);
+    EXPECT_EQ(hex, 0xfffu);
+}
+
 TEST(CasePrompt, AWordThatIsTooLongLeavesItsRest) {
     Typed typed(" \n abcdefg hi\nlast line");
     char word[6] = "-----";
