@@ -1,7 +1,7 @@
 // The case table of the module Tuner. A row is the case's name, its flag, its description, and what
 // it runs: mostly a frame with tuner, transmission system, and the body between set-up and undoing.
 #include "framework/case/registry.h"
-#include "framework/modules.h"
+#include "testcase/modules.h"
 #include "testcase/tuner/tuner_families.h"
 #include "testcase/tuner/tuner_harness.h"
 
@@ -563,9 +563,10 @@ enum {
 
 ALL_CASES(TC_VARIANT_FUNCTION)
 
-static const TcCase TunerModuleCases[] = {ALL_CASES(TC_VARIANT_ROW)};
+static constexpr TcCase TunerModuleCases[] = {ALL_CASES(TC_VARIANT_ROW)};
 
 static_assert(tcCaseCount(TunerModuleCases) == 407, "cases of the module");
+static_assert(tcAutoCount(TunerModuleCases) == 379, "automatic ones");
 
 const TcModule TunerModule = {
     TUNER_TestSetup,

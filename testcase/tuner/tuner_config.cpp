@@ -4,9 +4,9 @@
 #include <string.h>
 
 #include "environment/conf_reader.h"
+#include "environment/config_files.h"
 #include "environment/test_env.h"
 #include "framework/case/check.h"
-#include "framework/platform_select.h"
 #include "testcase/tuner/tuner_harness.h"
 
 static QLX_TunerBlindScanParams s_TuningParams_dvbs_BlindScan;
