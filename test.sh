@@ -46,9 +46,9 @@ if [ -z "$quick" ]; then
     build asan
     echo "test: preset asan"
     ctest --preset asan -j "$jobs" -LE slow
-    build tsan --target unit_tests
+    build tsan --target device_tests module_tests
     echo "test: preset tsan, the simulated device's core"
-    ctest --preset tsan -j "$jobs" -R '^(SimCore|Storage)'
+    ctest --preset tsan -j "$jobs" -R '^(device.SimCore|modules.Storage)'
 fi
 echo "test: preset debug"
 ctest --preset debug -j "$jobs"

@@ -15,7 +15,7 @@
 #include "simulator/core/sim.h"
 #include "simulator/stream/ts_stream.h"
 #include "simulator/world/air.h"
-#include "tests/unit/sim_demux_streams.h"
+#include "tests/shared/demux_streams.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
  *
  * BUILT rows have a record beside their case table; OPEN rows have none yet, and stand in the
  * console's list without a case. A module that is begun becomes BUILT, with the counts that it has;
- * tests/unit/registry_test.cpp holds them.
+ * tests/framework/registry_test.cpp holds them.
  */
 #ifndef TESTCASE_MODULE_LIST_H
 #define TESTCASE_MODULE_LIST_H

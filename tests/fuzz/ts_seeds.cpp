@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "tests/unit/sim_demux_streams.h"
+#include "tests/shared/demux_streams.h"
 
 using demux_test::Bytes;
 

@@ -1,0 +1,80 @@
+/* A bench for tests of the tuners: the shipped configuration, a device at rest, captured output. */
+#ifndef TESTS_SHARED_TUNER_BENCH_H
+#define TESTS_SHARED_TUNER_BENCH_H
+
+#include <gtest/gtest.h>
+#include <sys/time.h>
+
+#include <string>
+
+#include "environment/config_files.h"
+#include "environment/test_env.h"
+#include "framework/tc_check.h"
+#include "program/startup.h"
+#include "testcase/tuner/tuner_harness.h"
+#include "tests/shared/device.h"
+
+class TunerBench : public testing::Test {
+ protected:
+    void SetUp() override {
+        int32_t platform = 5;
+        snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
+        get_common_config(&g_configFile);
+        set_platform(&g_configFile, &platform);
+        testing::internal::CaptureStdout();
+        zk_testConfig = {};
+        zk_loadEnvironment();
+        qlx_sim_reset();
+        takeOutput();
+    }
+    void TearDown() override {
+        qlx_sim_record(0);
+        qlx_sim_reset();
+        takeOutput();
+        testing::internal::GetCapturedStdout();
+        // Messages of failed expectations are in what was captured.
+        if (HasFailure())
+            fputs(log_.c_str(), stderr);
+    }
+
+    /** What was printed since the last time. */
+    std::string takeOutput() {
+        std::string text = testing::internal::GetCapturedStdout();
+        testing::internal::CaptureStdout();
+        log_ += text;
+        return text;
+    }
+    static void addFault(const char* line) {
+        EXPECT_EQ(qlx_sim_add_fault(line), 0) << line;
+    }
+    static void event(const char* line) {
+        EXPECT_EQ(qlx_sim_event(line), 0) << line;
+    }
+    /** Runs an automatic case on a device at rest, under a fault. */
+    static uint32_t runCase(const std::string& name, const char* fault = nullptr) {
+        if (fault != nullptr)
+            addFault(fault);
+        uint32_t result = runCaseByName(TunerModule, name);
+        if (fault != nullptr) {
+            EXPECT_GT(qlx_sim_faults_acted(), 0u) << name << " with " << fault;
+        }
+        qlx_sim_clear_faults();
+        return result;
+    }
+    static int64_t nowMs() {
+        timeval now;
+        gettimeofday(&now, nullptr);
+        return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_usec / 1000;
+    }
+    static size_t count(const std::string& text, const std::string& part) {
+        size_t found = 0;
+        for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+            found++;
+        return found;
+    }
+
+ private:
+    std::string log_;
+};
+
+#endif
