@@ -120,6 +120,7 @@ static const InfoField atscT3DetailFields[] = {
     INFO_FIELD("L1Details Nsec", ATSC_T3(Nsec)),
     INFO_FIELD("L1Details bonded RF number", ATSC_T3(uNumBondedRf)),
     INFO_FIELD("L1Details bonend BSID", ATSC_T3(uBondedBsid)),
+    INFO_FIELD("locked PLP number", ATSC_T3(uLockedPlpNum)),
 };
 // clang-format on
 
