@@ -60,8 +60,8 @@ static bool checkDetailPipes(CaseContext& tc, const TunerRun& run) {
     return TC_EXPECT_TRUE(run.stTunerSignalInfo.stDigital.stAtscT3.uL1DetailPlpNum != 0);
 }
 
-/** Locks to the frame alone, and leaves the L1 signalling a second to come in. */
-static bool lockFrame(CaseContext& tc, TunerRun& run) {
+/** Locks to the frame alone, and reads the L1 signalling, which has a second to come in. */
+static bool readFrame(CaseContext& tc, TunerRun& run) {
     setPipes(run, 0, 0);
     if (!tuner_tuneAndDump(tc, run, QLX_TUNER_STATUS_LOCKED))
         return false;
@@ -70,7 +70,7 @@ static bool lockFrame(CaseContext& tc, TunerRun& run) {
 }
 
 void tuner_t3Details(CaseContext& tc, TunerRun& run) {
-    if (lockFrame(tc, run))
+    if (readFrame(tc, run))
         checkDetailPipes(tc, run);
 }
 
@@ -86,11 +86,20 @@ static bool readTime(CaseContext& tc, TunerRun& run) {
 }
 
 void tuner_t3Time(CaseContext& tc, TunerRun& run) {
-    bool passed = lockFrame(tc, run) && checkDetailPipes(tc, run);
+    bool passed = readFrame(tc, run) && checkDetailPipes(tc, run);
     for (int i = 0; passed && i < TIME_READS; i++)
         passed = readTime(tc, run);
     if (passed)
         checkDetailPipes(tc, run);
+}
+
+/** Locks to the frame alone, and leaves it a second. */
+static bool lockFrame(CaseContext& tc, TunerRun& run) {
+    setPipes(run, 0, 0);
+    if (!tuner_tune(tc, run, QLX_TUNER_STATUS_LOCKED))
+        return false;
+    sleep(1);
+    return true;
 }
 
 /** Waits up to a minute for the wake-up bits to take a value. */
