@@ -136,18 +136,16 @@ static bool tuneSide(CaseContext& tc, TunerRun& run) {
                              pipes ? QLX_TUNER_STATUS_PLP_LOCKED : QLX_TUNER_STATUS_LOCKED);
 }
 
-/** Reads the information, which on the ATSC 3.0 side must know pipes. */
-static bool readSide(CaseContext& tc, TunerRun& run) {
-    return tuner_readInfo(tc, run) &&
-           (run.eTransSys != QLX_TRANSMISSION_SYSTEM_ATSC_T3 || checkDetailPipes(tc, run));
-}
-
+/** Changes to another system. The side of ATSC 3.0 must know pipes. */
 static void switchSystem(CaseContext& tc, TunerRun& run, uint32_t eTransSys) {
+    bool fromPipes = run.eTransSys == QLX_TRANSMISSION_SYSTEM_ATSC_T3;
     if (!tuneSide(tc, run))
         return;
     sleep(1);
-    if (readSide(tc, run) && tuner_fetchParams(tc, run, eTransSys) && tuneSide(tc, run))
-        readSide(tc, run);
+    bool switched = tuner_readInfo(tc, run) && (!fromPipes || checkDetailPipes(tc, run)) &&
+                    tuner_fetchParams(tc, run, eTransSys) && tuneSide(tc, run);
+    if (switched && !fromPipes && tuner_readInfo(tc, run))
+        checkDetailPipes(tc, run);
 }
 
 void tuner_switchToAtscT(CaseContext& tc, TunerRun& run) {
