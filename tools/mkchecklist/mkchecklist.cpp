@@ -17,7 +17,9 @@
 #include "framework/workbook/xlslib.h"
 #include "testcase/modules.h"
 #include "tools/common/options.h"
+#include "tools/report/durations.h"
 #include "tools/report/run_data.h"
+#include "tools/report/shards.h"
 
 namespace {
 
@@ -29,6 +31,9 @@ struct Selection {
     bool byReport = false;
     /** Module and case of the rows that are chosen from an earlier report. */
     std::set<std::pair<std::string, std::string>> chosen;
+    /** The part of a split checklist; of one part alone, the whole. */
+    report::ShardMark shard{1, 1, ""};
+    std::set<const TcCase*> inShard;
 };
 
 /** Which rows of an earlier report are chosen. */
@@ -62,6 +67,7 @@ bool moduleSelected(const Selection& selection, const TcModule& module) {
 bool caseSelected(const Selection& selection, const TcModule& module, const TcCase& testCase) {
     if (!moduleSelected(selection, module) ||
         (selection.automaticOnly && testCase.autoFlag != AUTO) ||
+        (!selection.inShard.empty() && selection.inShard.count(&testCase) == 0) ||
         (selection.byReport && selection.chosen.count({module.name, testCase.name}) == 0))
         return false;
     if (selection.patterns.empty())
@@ -185,7 +191,7 @@ void writeModule(workbook* book, const Selection& selection, const TcModule& mod
     totals->lastSheetRows = module.caseCount;
 }
 
-void writeCover(workbook* book) {
+void writeCover(workbook* book, const Selection& selection) {
     static const char* const lines[] = {
         "zktest checklist",
         "One sheet a module. Column \"Test\": Y runs a case in an unattended run, N does not.",
@@ -195,12 +201,14 @@ void writeCover(workbook* book) {
     worksheet* cover = xlsWorkbookSheet(book, "Cover");
     for (unsigned i = 0; i < 4; i++)
         xlsWorksheetLabel(cover, i, 0, lines[i], nullptr);
+    if (selection.shard.count > 1)
+        xlsWorksheetLabel(cover, 4, 0, textOf(selection.shard).c_str(), nullptr);
 }
 
 int writeChecklist(const char* path, const Selection& selection) {
     Totals totals;
     workbook* book = xlsNewWorkbook();
-    writeCover(book);
+    writeCover(book, selection);
     for (const TcModule* module : testModules)
         writeModule(book, selection, *module, &totals);
     bool saved = totals.selected > 0 && xlsWorkbookDump(book, path) == 0;
@@ -270,8 +278,58 @@ void addEarlierOptions(CLI::App* app, Earlier* earlier, std::string* failed) {
         ->check(readable());
 }
 
+/** Reads "I/N" into the selection's part; a reason when it is none. */
+std::string readShard(const std::string& text, Selection* selection) {
+    report::ShardMark& shard = selection->shard;
+    int end = 0;
+    if (sscanf(text.c_str(), "%6u/%6u%n", &shard.index, &shard.count, &end) != 2 ||
+        static_cast<size_t>(end) != text.size() || shard.index < 1 || shard.index > shard.count)
+        return text + " is no part I/N, such as 2/4";
+    return "";
+}
+
+/** Leaves of the selected cases those of the part. What does not run takes no time. */
+bool takeShard(const report::Durations& durations, Selection* selection) {
+    std::vector<const TcCase*> cases;
+    std::vector<int64_t> times;
+    uint64_t hash = 1469598103934665603u;
+    auto stir = [&](const std::string& text) {
+        for (char byte : text + "/")
+            hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211u;
+    };
+    for (const TcModule* module : testModules) {
+        for (uint32_t i = 0; i < module->caseCount; i++) {
+            const TcCase& testCase = module->cases[i];
+            if (!caseSelected(*selection, *module, testCase))
+                continue;
+            auto found = durations.find(std::string(module->name) + "/" + testCase.name);
+            bool runs =
+                testCase.autoFlag == AUTO && (selection->withLong || !isLong(testCase.name));
+            cases.push_back(&testCase);
+            times.push_back(!runs ? 0 : found != durations.end() ? found->second : -1);
+            stir(module->name);
+            stir(testCase.name);
+        }
+    }
+    if (cases.size() < selection->shard.count) {
+        fprintf(stderr, "mkchecklist: there are fewer cases than parts\n");
+        return false;
+    }
+    std::vector<unsigned> parts = report::cutEvenly(times, selection->shard.count);
+    for (size_t i = 0; i < cases.size(); i++) {
+        stir(std::to_string(parts[i]));
+        if (parts[i] + 1 == selection->shard.index)
+            selection->inShard.insert(cases[i]);
+    }
+    char cut[20];
+    snprintf(cut, sizeof cut, "%016llx", static_cast<unsigned long long>(hash));
+    selection->shard.cut = cut;
+    return true;
+}
+
 struct Options {
     Selection selection;
+    std::string durations;
     Earlier earlier;
     std::string out;
     bool list = false;
@@ -302,6 +360,17 @@ int parse(int argc, char** argv, Options* options) {
     app.add_flag("--long", selection.withLong,
                  "Mark also the cases that outlast the monitor's five minutes");
     addEarlierOptions(&app, &earlier, &failed);
+    CLI::Option* part =
+        app.add_option_function<std::string>(
+               "--shard", [](const std::string&) {},
+               "Only the I-th of N parts that take the same time, for N boards")
+            ->type_name("I/N")
+            ->check([&](const std::string& text) { return readShard(text, &selection); });
+    app.add_option("--durations", options->durations,
+                   "What cases took, as zkreport write --learn tells it")
+        ->type_name("FILE")
+        ->check(readable())
+        ->needs(part);
     int code = readOptions(&app, argc, argv);
     if (code >= 0)
         return code;
@@ -326,6 +395,16 @@ int main(int argc, char** argv) {
         return code;
     if (!options.earlier.report.empty() && !chooseRows(options.earlier, &options.selection))
         return 1;
+    try {
+        report::Durations learnt;
+        if (!options.durations.empty())
+            learnt = report::readDurations(options.durations);
+        if (options.selection.shard.count > 1 && !takeShard(learnt, &options.selection))
+            return EXIT_FAILED;
+    } catch (const std::exception& error) {
+        fprintf(stderr, "mkchecklist: %s\n", error.what());
+        return EXIT_FAILED;
+    }
     if (options.list) {
         listCases(options.selection);
         return 0;
