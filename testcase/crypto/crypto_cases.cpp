@@ -1,37 +1,16 @@
 // Crypto: null arguments are refused, and each of thirteen modes takes a large random buffer there
 // and back in time. Keys, vectors and data are made at run time.
-#include <stdio.h>
 #include <string.h>
 
-#include "framework/modules.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
+#include "framework/case/hooks.h"
 #include "testcase/crypto/crypto_harness.h"
+#include "testcase/modules.h"
 
-static uint32_t printSetup() {
-    zk_log("setup all resources ! \r\n");
-    return 0;
-}
-
-static uint32_t printRelease() {
-    zk_log("release all resources ! \r\n");
-    return 0;
-}
-
-static uint32_t testSetup(void) {
-    return printSetup();
-}
-
-static uint32_t testTeardown(void) {
-    return printRelease();
-}
-
-static uint32_t testCaseSetupImp(const char*, const char*) {
-    return printSetup();
-}
-
-static uint32_t testCaseTeardownImp(void) {
-    return printRelease();
-}
+TC_HOOK(testSetup, "setup all resources")
+TC_HOOK(testTeardown, "release all resources")
+TC_CASE_SETUP_HOOK(testCaseSetupImp, "setup all resources")
+TC_HOOK(testCaseTeardownImp, "release all resources")
 
 /** Good arguments of an operation, of which a test takes one away. */
 struct NullTest {
@@ -51,12 +30,12 @@ static void prepareNullTest(NullTest* test) {
 }
 
 /** Judges the answer to a null argument. */
-static uint32_t judgeNull(const char* function, int line, int32_t ret) {
-    if (ret == QLX_CRYPTO_ERR_INVALID_PARA)
-        return TC_SUCCESS;
-    printf("==>[%s() %d] E:Check result failed, ret:%d, should be:%d.\n", function, line, ret,
-           static_cast<int>(QLX_CRYPTO_ERR_INVALID_PARA));
-    return TC_FAILURE;
+static uint32_t judgeNull(const char* name, int32_t ret) {
+    CaseContext tc = {name};
+    if (ret != QLX_CRYPTO_ERR_INVALID_PARA)
+        CRP_FAIL("E:Check result failed, ret:%d, should be:%d.\n", ret,
+                 static_cast<int>(QLX_CRYPTO_ERR_INVALID_PARA));
+    return tc.result;
 }
 
 // clang-format off
@@ -71,12 +50,11 @@ static uint32_t judgeNull(const char* function, int line, int32_t ret) {
     X(CRP_TestDecryOnNullOutputLen, QLX_CryptoDecrypt, t.input, t.output, nullptr,         &t.ctrl) \
     X(CRP_TestDecryOnNullCtrlInfo,  QLX_CryptoDecrypt, t.input, t.output, &t.outputLength, nullptr)
 // clang-format on
-#define NULL_TEST_FUNCTION(function, operation, input_, output_, length_, ctrl_)      \
-    static uint32_t function() {                                                      \
-        NullTest t;                                                                   \
-        prepareNullTest(&t);                                                          \
-        return judgeNull(__func__, __LINE__,                                          \
-                         operation(input_, output_, sizeof t.input, length_, ctrl_)); \
+#define NULL_TEST_FUNCTION(function, operation, input_, output_, length_, ctrl_)                \
+    static uint32_t function() {                                                                \
+        NullTest t;                                                                             \
+        prepareNullTest(&t);                                                                    \
+        return judgeNull(__func__, operation(input_, output_, sizeof t.input, length_, ctrl_)); \
     }
 NULL_TESTS(NULL_TEST_FUNCTION)
 
@@ -104,8 +82,9 @@ NULL_TESTS(NULL_TEST_FUNCTION)
 ROUND_TRIPS(ROUND_TRIP_FUNCTION)
 
 /** A case ends with the verdict of its test. */
-static uint32_t wrapped(const char* function, uint32_t (*test)()) {
-    return tc_result(function, test());
+static uint32_t wrapped(const char* name, uint32_t (*test)()) {
+    CaseContext tc = {name, test()};
+    return TC_RESULT(tc);
 }
 
 // clang-format off
@@ -134,11 +113,12 @@ static uint32_t wrapped(const char* function, uint32_t (*test)()) {
     X(TC_EnDecryAES256_CTR,      AUTO, "encrypt and decrypt in mode AES256 CTR",     wrapped(__func__, CRP_TestEnDecryptWithAES256_CTR))
 CRYPTO_VARIANTS(TC_VARIANT_FUNCTION)
 
-static const TcCase CryptoModuleCases[] = {
+static constexpr TcCase CryptoModuleCases[] = {
     CRYPTO_VARIANTS(TC_VARIANT_ROW)
 };
 // clang-format on
-static_assert(tcCaseCount(CryptoModuleCases) == 21, "cases of the module");
+static_assert(tcCaseCount(CryptoModuleCases) == 21 && tcAutoCount(CryptoModuleCases) == 21,
+              "cases of the module, and those that run by themselves");
 
 const TcModule CryptoModule = {
     testSetup,         testTeardown,

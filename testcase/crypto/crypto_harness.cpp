@@ -1,5 +1,6 @@
 #include "testcase/crypto/crypto_harness.h"
 
+#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -47,6 +48,30 @@ const char* GetCryptoModeStr(uint32_t mode) {
     return info != nullptr ? info->name : "UnknownCryptoMode";
 }
 
+static void ZK_PRINTF(3, 0)
+    printLine(const CaseContext& tc, int line, const char* format, va_list arguments) {
+    flockfile(stdout);
+    printf("==>[%s() %d] ", tc.name, line);
+    vprintf(format, arguments);
+    funlockfile(stdout);
+}
+
+void crp_say(const CaseContext& tc, int line, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    printLine(tc, line, format, arguments);
+    va_end(arguments);
+}
+
+bool crp_fail(CaseContext& tc, int line, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    printLine(tc, line, format, arguments);
+    va_end(arguments);
+    tc.result = TC_FAILURE;
+    return false;
+}
+
 static void dump(const char* name, const uint8_t* data, uint32_t size) {
     fprintf(stderr,
             "\n================Buffer:%s(size = %d(0x%X)) begin===========================", name,
@@ -71,25 +96,21 @@ void GenerateInput(uint8_t* buffer, uint32_t length) {
     dump("InputBuffer", buffer, length < dumpLength ? length : dumpLength);
 }
 
+/** Allocates `length` bytes; false with a message when there are none. */
+static bool allocate(CaseContext& tc, uint8_t** bytes, uint32_t length, const char* what) {
+    *bytes = static_cast<uint8_t*>(malloc(length));
+    return *bytes != nullptr || CRP_FAIL("E:Fail to allocate memory for %s.\n", what);
+}
+
 uint32_t GenerateKey(CryptoKey* key) {
+    CaseContext tc = {__func__};
     const ModeInfo* info = infoOf(key->ctrl.mode);
-    if (info == nullptr) {
-        printf("==>[%s() %d] E:Invalid crypto mode:%d.\n", __func__, __LINE__,
-               static_cast<int>(key->ctrl.mode));
-        return 1;
-    }
-    key->key = static_cast<uint8_t*>(malloc(info->keyLength));
-    if (key->key == nullptr) {
-        printf("==>[%s() %d] E:Fail to allocate memory for key.\n", __func__, __LINE__);
-        return 1;
-    }
-    if (info->ivLength != 0) {
-        key->iv = static_cast<uint8_t*>(malloc(info->ivLength));
-        if (key->iv == nullptr) {
-            printf("==>[%s() %d] E:Fail to allocate memory for iv.\n", __func__, __LINE__);
-            return 1;
-        }
-    }
+    if (info == nullptr)
+        CRP_FAIL("E:Invalid crypto mode:%d.\n", static_cast<int>(key->ctrl.mode));
+    else if (allocate(tc, &key->key, info->keyLength, "key") && info->ivLength != 0)
+        allocate(tc, &key->iv, info->ivLength, "iv");
+    if (tc.result != TC_SUCCESS)
+        return tc.result;
     fillRandom(key->key, info->keyLength);
     dump("Key", key->key, info->keyLength);
     if (key->iv != nullptr) {
@@ -100,7 +121,7 @@ uint32_t GenerateKey(CryptoKey* key) {
     key->ctrl.keyLength = info->keyLength;
     key->ctrl.iv = key->iv;
     key->ctrl.ivLength = info->ivLength;
-    return 0;
+    return TC_SUCCESS;
 }
 
 void FreeKey(CryptoKey* key) {
@@ -110,21 +131,20 @@ void FreeKey(CryptoKey* key) {
     key->ctrl.key = key->ctrl.iv = nullptr;
 }
 
-static bool lengthsEqual(const char* function, int line, uint32_t inLength, uint32_t outLength) {
-    if (inLength == outLength)
-        return true;
-    printf("==>[%s() %d] E:Length is not equal(in:%d != out:%d).\n", function, line,
-           static_cast<int>(inLength), static_cast<int>(outLength));
-    return false;
+static bool lengthsEqual(CaseContext& tc, uint32_t inLength, uint32_t outLength) {
+    return inLength == outLength ||
+           CRP_FAIL("E:Length is not equal(in:%d != out:%d).\n", static_cast<int>(inLength),
+                    static_cast<int>(outLength));
 }
 
 uint32_t CheckEncryptResult(const uint8_t* in, uint32_t inLength, const uint8_t* out,
                             uint32_t outLength) {
+    CaseContext tc = {__func__};
     const int64_t none = -1;
     int64_t lastEqual = none;
     int count = 0;
-    if (!lengthsEqual(__func__, __LINE__, inLength, outLength))
-        return 1;
+    if (!lengthsEqual(tc, inLength, outLength))
+        return tc.result;
     for (uint32_t i = 0; i < inLength; i++) {
         if (in[i] != out[i])
             continue;
@@ -134,31 +154,29 @@ uint32_t CheckEncryptResult(const uint8_t* in, uint32_t inLength, const uint8_t*
         } else if (i == lastEqual + 1) {
             lastEqual = i;
             count++;
-            printf("==>[%s() %d] I:input[%d]:%d == output[%d]:%d.\n", __func__, __LINE__,
-                   static_cast<int>(i), in[i], static_cast<int>(i), out[i]);
+            CRP_SAY("I:input[%d]:%d == output[%d]:%d.\n", static_cast<int>(i), in[i],
+                    static_cast<int>(i), out[i]);
         } else {
             count = 0;
         }
         if (count > 9) {
-            printf("==>[%s() %d] E:input == output.\n", __func__, __LINE__);
-            return 1;
+            CRP_FAIL("E:input == output.\n");
+            break;
         }
     }
-    return 0;
+    return tc.result;
 }
 
 uint32_t CheckDecryptResult(const uint8_t* in, uint32_t inLength, const uint8_t* out,
                             uint32_t outLength) {
-    if (!lengthsEqual(__func__, __LINE__, inLength, outLength))
-        return 1;
-    for (uint32_t i = 0; i < inLength; i++) {
-        if (in[i] != out[i]) {
-            printf("==>[%s() %d] E:input[%d]:%d != output[%d]:%d.\n", __func__, __LINE__,
-                   static_cast<int>(i), in[i], static_cast<int>(i), out[i]);
-            return 1;
-        }
+    CaseContext tc = {__func__};
+    bool equal = lengthsEqual(tc, inLength, outLength);
+    for (uint32_t i = 0; equal && i < inLength; i++) {
+        if (in[i] != out[i])
+            equal = CRP_FAIL("E:input[%d]:%d != output[%d]:%d.\n", static_cast<int>(i), in[i],
+                             static_cast<int>(i), out[i]);
     }
-    return 0;
+    return tc.result;
 }
 
 void CalculateTimeDiff(const timeval* start, timeval* end, timeval* result) {
@@ -179,86 +197,68 @@ static timeval since(const timeval& start) {
     return taken;
 }
 
-// The two halves of EnDecrypt, whose name their messages bear.
+/** One half of the round trip. */
+struct Direction {
+    /** What its messages call it, and what they complain about. */
+    const char* small;
+    const char* capital;
+    const char* dumped;
+    const char* complaint;
+    int32_t (*call)(const uint8_t* input, uint8_t* output, uint32_t inputLength,
+                    uint32_t* outputLength, const QLX_CryptoCtrl* ctrl);
+    const uint8_t* from;
+    uint8_t* to;
+    uint32_t (*check)(const uint8_t* in, uint32_t inLength, const uint8_t* out, uint32_t outLength);
+};
+
+// clang-format off
+static const Direction encryption = {
+    "encrypt", "Encrypt", "EncryptedBuffer", "E:The result of encrypt equal to the original buffer.\n",
+    QLX_CryptoEncrypt, g_input, g_middleput, CheckEncryptResult};
+static const Direction decryption = {
+    "decrypt", "Decrypt", "DecryptedBuffer", "E:The result of decrypt not equal to the original buffer.\n",
+    QLX_CryptoDecrypt, g_middleput, g_output, CheckDecryptResult};
+// clang-format on
 
 /** Seconds that neither direction may take. */
 static const long slowestSeconds = 2;
 
-static uint32_t encryptAndJudge(const char* function, const QLX_CryptoCtrl& control,
-                                uint32_t* outLength) {
+/** Passes `length` bytes through one direction and judges time and result. */
+static bool pass(CaseContext& tc, const Direction& way, const QLX_CryptoCtrl& control,
+                 uint32_t length, uint32_t* outLength) {
     timeval start{};
-    printf("==>[%s() %d] I:Will encrypt.\n", function, __LINE__);
+    CRP_SAY("I:Will %s.\n", way.small);
     *outLength = CRYPTO_BUFFER_SIZE;
     gettimeofday(&start, nullptr);
-    if (QLX_CryptoEncrypt(g_input, g_middleput, CRYPTO_BUFFER_SIZE, outLength, &control) != 0) {
-        printf("==>[%s() %d] E:Encrypt failed.\n", function, __LINE__);
-        return 1;
-    }
+    if (way.call(way.from, way.to, length, outLength, &control) != 0)
+        return CRP_FAIL("E:%s failed.\n", way.capital);
     timeval taken = since(start);
-    printf("==>[%s() %d] I:Encrypt takes time:%lds, %ldms, %ldus.\n", function, __LINE__,
-           static_cast<long>(taken.tv_sec), static_cast<long>(taken.tv_usec) / 1000,
-           static_cast<long>(taken.tv_usec) % 1000);
-    if (taken.tv_sec >= slowestSeconds) {
-        printf("==>[%s() %d] E:Encrypt takes too long time, failed.\n", function, __LINE__);
-        return 1;
-    }
-    dump("EncryptedBuffer", g_middleput, dumpLength);
-    if (CheckEncryptResult(g_input, CRYPTO_BUFFER_SIZE, g_middleput, *outLength) != 0) {
-        printf("==>[%s() %d] E:The result of encrypt equal to the original buffer.\n", function,
-               __LINE__);
-        return 1;
-    }
-    return 0;
-}
-
-static uint32_t decryptAndJudge(const char* function, const QLX_CryptoCtrl& control,
-                                uint32_t outLength) {
-    timeval start{};
-    uint32_t plainLength = CRYPTO_BUFFER_SIZE;
-    printf("==>[%s() %d] I:Will decrypt.\n", function, __LINE__);
-    gettimeofday(&start, nullptr);
-    if (QLX_CryptoDecrypt(g_middleput, g_output, outLength, &plainLength, &control) != 0) {
-        printf("==>[%s() %d] E:Decrypt failed.\n", function, __LINE__);
-        return 1;
-    }
-    timeval taken = since(start);
-    printf("==>[%s() %d] I:Decrypt takes time:%lds, %ldms, %ldus.\n", function, __LINE__,
-           static_cast<long>(taken.tv_sec), static_cast<long>(taken.tv_usec) / 1000,
-           static_cast<long>(taken.tv_usec) % 1000);
-    if (taken.tv_sec >= slowestSeconds) {
-        printf("==>[%s() %d] E:Decrypt takes too long time, failed.\n", function, __LINE__);
-        return 1;
-    }
-    dump("DecryptedBuffer", g_output, dumpLength);
-    if (CheckDecryptResult(g_input, CRYPTO_BUFFER_SIZE, g_output, plainLength) != 0) {
-        printf("==>[%s() %d] E:The result of decrypt not equal to the original buffer.\n", function,
-               __LINE__);
-        return 1;
-    }
-    return 0;
+    CRP_SAY("I:%s takes time:%lds, %ldms, %ldus.\n", way.capital, static_cast<long>(taken.tv_sec),
+            static_cast<long>(taken.tv_usec) / 1000, static_cast<long>(taken.tv_usec) % 1000);
+    if (taken.tv_sec >= slowestSeconds)
+        return CRP_FAIL("E:%s takes too long time, failed.\n", way.capital);
+    dump(way.dumped, way.to, dumpLength);
+    return way.check(g_input, CRYPTO_BUFFER_SIZE, way.to, *outLength) == 0 ||
+           CRP_FAIL("%s", way.complaint);
 }
 
 uint32_t EnDecrypt(uint32_t mode) {
+    CaseContext tc = {__func__};
     CryptoKey key{};
-    uint32_t outLength = 0;
-    printf("==>[%s() %d] I:Hello, I will test crypto mode:%s.\n", __func__, __LINE__,
-           GetCryptoModeStr(mode));
+    uint32_t cipherLength = 0, plainLength = 0;
+    CRP_SAY("I:Hello, I will test crypto mode:%s.\n", GetCryptoModeStr(mode));
     if (QLX_CryptoModeSupported(mode) == 0) {
-        printf("==>[%s() %d] I:Not support crypto mode:%s.\n", __func__, __LINE__,
-               GetCryptoModeStr(mode));
-        return 1;
+        CRP_FAIL("I:Not support crypto mode:%s.\n", GetCryptoModeStr(mode));
+        return tc.result;
     }
     GenerateInput(g_input, CRYPTO_BUFFER_SIZE);
     memcpy(g_middleput, g_input, CRYPTO_BUFFER_SIZE);
     memset(g_output, 0, CRYPTO_BUFFER_SIZE);
     key.ctrl.mode = mode;
-    uint32_t result = GenerateKey(&key);
-    if (result != 0)
-        printf("==>[%s() %d] E:Fail to generate key.\n", __func__, __LINE__);
-    else
-        result = encryptAndJudge(__func__, key.ctrl, &outLength);
-    if (result == 0)
-        result = decryptAndJudge(__func__, key.ctrl, outLength);
+    if (GenerateKey(&key) != 0)
+        CRP_FAIL("E:Fail to generate key.\n");
+    else if (pass(tc, encryption, key.ctrl, CRYPTO_BUFFER_SIZE, &cipherLength))
+        pass(tc, decryption, key.ctrl, cipherLength, &plainLength);
     FreeKey(&key);
-    return result;
+    return tc.result;
 }

@@ -5,6 +5,7 @@
 #include <stdint.h>
 #include <sys/time.h>
 
+#include "framework/case/check.h"
 #include "platform/qlx_crypto.h"
 
 enum {
@@ -18,6 +19,14 @@ struct CryptoKey {
     uint8_t* key;
     uint8_t* iv;
 };
+
+/** Prints a line of the ciphers' log: "==>[name() line] ", then the text. */
+void crp_say(const CaseContext& tc, int line, const char* format, ...) ZK_PRINTF(3, 4);
+#define CRP_SAY(...) crp_say(tc, __LINE__, __VA_ARGS__)
+
+/** The same for what fails the test. Returns false. */
+bool crp_fail(CaseContext& tc, int line, const char* format, ...) ZK_PRINTF(3, 4);
+#define CRP_FAIL(...) crp_fail(tc, __LINE__, __VA_ARGS__)
 
 /** The mode's name, "UnknownCryptoMode" for a number that is none. */
 const char* GetCryptoModeStr(uint32_t mode);
