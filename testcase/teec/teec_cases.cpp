@@ -3,16 +3,21 @@
 // callback compares them with what was sent and releases a semaphore. A wrong answer releases
 // nothing, so that the case ends by its time-out.
 #include <ctype.h>
-#include <errno.h>
 #include <semaphore.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <time.h>
 
-#include "framework/modules.h"
-#include "framework/tc_check.h"
+#include <memory>
+#include <new>
+
+#include "framework/case/check.h"
+#include "framework/case/ladder.h"
+#include "framework/case/prompt.h"
+#include "framework/case/wait.h"
 #include "platform/qlx_teec.h"
+#include "testcase/modules.h"
 
 enum {
     /** Bytes of a payload, and of a slot in the buffer of what was sent. */
@@ -58,9 +63,9 @@ static void printBytes(const uint8_t* data, uint32_t length) {
     funlockfile(stdout);
 }
 
-static void printRecord(const char* function, int line, const QLX_TEECCommand* record,
+static void printRecord(const CaseContext& tc, int line, const QLX_TEECCommand* record,
                         const char* what) {
-    zk_log("\n[%s,%d][CMDID = %d,data_len=0x%x][%s]:\n", function, line,
+    zk_log("\n[%s,%d][CMDID = %d,data_len=0x%x][%s]:\n", tc.name, line,
            static_cast<int>(record->cmdId), record->dataLength, what);
     printBytes(record->data, record->dataLength);
 }
@@ -85,11 +90,11 @@ static void recoverData(QLX_TEECCommand* record) {
 }
 
 /** What an answer is good for: whether it completes what the case waits for. */
-static bool completes(const char* function, QLX_TEECCommand* record) {
+static bool completes(const CaseContext& tc, QLX_TEECCommand* record) {
     if (record->cmdId == CMD_HEADER_ONLY) {
         if (record->dataLength == 0 || record->data == nullptr)
             return true;
-        printRecord(function, __LINE__, record, "Receive data");
+        printRecord(tc, __LINE__, record, "Receive data");
         return false;
     }
     if (record->dataLength == 0 || record->data == nullptr)
@@ -98,10 +103,10 @@ static bool completes(const char* function, QLX_TEECCommand* record) {
     bool flipped = record->cmdId == CMD_FLIPPED_FIRST || record->cmdId == CMD_FLIPPED_SECOND;
     if (record->cmdId == CMD_FLIPPED_SECOND)
         record->data = reinterpret_cast<uint8_t*>(record + 1);
-    printRecord(function, __LINE__, record, single ? "Rec Payload data" : "Receive data");
+    printRecord(tc, __LINE__, record, single ? "Rec Payload data" : "Receive data");
     if (flipped) {
         recoverData(record);
-        printRecord(function, __LINE__, record, "Recover Received data");
+        printRecord(tc, __LINE__, record, "Recover Received data");
     }
     if (!_checkReceivedData(record->data, record->dataLength, slotOf(record->cmdId)))
         return false;
@@ -113,6 +118,7 @@ static bool completes(const char* function, QLX_TEECCommand* record) {
 }
 
 static void _teecProcessRxCmds(uint32_t, void* userData, QLX_TEECCommand* record) {
+    const CaseContext tc = {__func__};
     if (record == nullptr) {
         zk_log("[%s][%d]Invalid command!\n", __func__, __LINE__);
         return;
@@ -120,7 +126,7 @@ static void _teecProcessRxCmds(uint32_t, void* userData, QLX_TEECCommand* record
     if (userData != nullptr)
         zk_log("pUsrData = %s\n", static_cast<const char*>(userData));
     if (record->cmdId >= CMD_SINGLE && record->cmdId <= CMD_FLIPPED_SECOND &&
-        completes(__func__, record)) {
+        completes(tc, record)) {
         zk_log("[%s,%d]Release TEEC semaphore!!\n", __func__, __LINE__);
         sem_post(&sg_steeSem);
     }
@@ -132,44 +138,39 @@ static void _getPayload(uint8_t* payload, uint32_t length) {
         payload[i] = static_cast<uint8_t>(random() % 255);
 }
 
-static int _semTimedWait(sem_t* semaphore, long seconds) {
+static bool _semTimedWait(sem_t* semaphore, long seconds) {
     timespec deadline{};
     deadline.tv_sec = time(nullptr) + seconds;
-    int waited;
-    do
-        waited = sem_timedwait(semaphore, &deadline);
-    while (waited != 0 && errno == EINTR);
-    return waited;
+    return tc_waitSemUntil(semaphore, deadline);
 }
 
 /** Waits for what the callback releases. */
-static uint32_t waitForResponse() {
+static bool waitForResponse(CaseContext& tc) {
     zk_log("\nWait for TA's response ...\r\n");
-    if (_semTimedWait(&sg_steeSem, ANSWER_TIMEOUT_S) != 0) {
-        zk_log("Recevied nothing from  TA and timeout(%lds)! \r\n",
-               static_cast<long>(ANSWER_TIMEOUT_S));
-        return TC_FAILURE;
+    if (_semTimedWait(&sg_steeSem, ANSWER_TIMEOUT_S)) {
+        zk_log("Recevied TA's response! \r\n");
+        return true;
     }
-    zk_log("Recevied TA's response! \r\n");
-    return TC_SUCCESS;
+    zk_log("Recevied nothing from  TA and timeout(%lds)! \r\n",
+           static_cast<long>(ANSWER_TIMEOUT_S));
+    tc.result = TC_FAILURE;
+    return false;
 }
 
 /**
  * Sends one message of `count` records, at most two, each with `payloadLength` random bytes that
  * are kept in the commands' slots.
  * @param payloadLength  0 or SLOT_SIZE
- * @return TC_SUCCESS, or TC_FAILURE when the library refuses it
+ * @return false when the library refuses it
  */
-static uint32_t sendCommands(const char* function, const uint32_t* cmdIds, uint32_t count,
-                             uint32_t payloadLength) {
+static bool sendCommands(CaseContext& tc, const uint32_t* cmdIds, uint32_t count,
+                         uint32_t payloadLength) {
     const uint32_t recordSize = static_cast<uint32_t>(sizeof(QLX_TEECCommand)) + payloadLength;
-    uint8_t* message = static_cast<uint8_t*>(malloc(count * recordSize));
-    if (message == nullptr) {
-        tc_fail(function, __LINE__, "expect %d, but actually %d  \n", 1, 0);
-        return TC_FAILURE;
-    }
+    std::unique_ptr<uint8_t[]> message(new (std::nothrow) uint8_t[count * recordSize]);
+    if (!TC_EXPECT_TRUE(message != nullptr))
+        return false;
     for (uint32_t i = 0; i < count; i++) {
-        uint8_t* record = message + i * recordSize;
+        uint8_t* record = message.get() + i * recordSize;
         uint8_t* payload = record + sizeof(QLX_TEECCommand);
         QLX_TEECCommand header{};
         header.cmdId = cmdIds[i];
@@ -181,172 +182,138 @@ static uint32_t sendCommands(const char* function, const uint32_t* cmdIds, uint3
         memcpy(payload, slotOf(cmdIds[i]), payloadLength);
     }
     zk_log("\n[Header + Payload]:\r\n");
-    printBytes(message, count * recordSize);
+    printBytes(message.get(), count * recordSize);
     // The heap aligns the first header, and sizes and slots are multiples of its alignment.
-    const void* first = message;
-    int32_t sent = QLX_TEECTransData(static_cast<uint32_t>(sg_eCtaId),
-                                     static_cast<const QLX_TEECCommand*>(first));
-    if (sent != QLX_SUCCESS)
-        zk_log("\n[%s][%d]Ecp transport data failed.\n", function, __LINE__);
-    free(message);
-    return sent == QLX_SUCCESS ? TC_SUCCESS : TC_FAILURE;
+    const void* first = message.get();
+    if (QLX_TEECTransData(static_cast<uint32_t>(sg_eCtaId),
+                          static_cast<const QLX_TEECCommand*>(first)) == QLX_SUCCESS)
+        return true;
+    zk_log("\n[%s][%d]Ecp transport data failed.\n", tc.name, __LINE__);
+    tc.result = TC_FAILURE;
+    return false;
 }
 
 /** Sends a message, and waits for its answer. */
-static uint32_t exchange(const char* function, const uint32_t* cmdIds, uint32_t count,
-                         uint32_t payloadLength) {
-    if (sendCommands(function, cmdIds, count, payloadLength) != TC_SUCCESS)
-        return TC_FAILURE;
-    return waitForResponse();
+static bool exchange(CaseContext& tc, const uint32_t* cmdIds, uint32_t count,
+                     uint32_t payloadLength) {
+    return sendCommands(tc, cmdIds, count, payloadLength) && waitForResponse(tc);
 }
 
-static uint32_t exchangeSingle(const char* function) {
+// What the cases do with an open session.
+
+static void nothing(CaseContext&) {}
+
+static void exchangeSingle(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_SINGLE};
-    return exchange(function, cmdIds, 1, SLOT_SIZE);
+    exchange(tc, cmdIds, 1, SLOT_SIZE);
 }
 
-static uint32_t exchangePair(const char* function) {
+static void exchangePair(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_PAIR_FIRST, CMD_PAIR_SECOND};
-    return exchange(function, cmdIds, 2, SLOT_SIZE);
-}
-
-/** Registers the callback. */
-static bool registerCallback(const char* function, bool withUserData) {
-    // clang-format off
-    if (withUserData)
-        return tc_checkRet(function, __LINE__,
-            "QLX_TEECRegisterCallback(sg_eCtaId,_teecProcessRxCmds,sg_pUserData)",
-            QLX_TEECRegisterCallback(static_cast<uint32_t>(sg_eCtaId), _teecProcessRxCmds,
-                                     const_cast<char*>(sg_pUserData)));
-    return tc_checkRet(function, __LINE__,
-        "QLX_TEECRegisterCallback(sg_eCtaId,_teecProcessRxCmds,NULL)",
-        QLX_TEECRegisterCallback(static_cast<uint32_t>(sg_eCtaId), _teecProcessRxCmds, nullptr));
-    // clang-format on
-}
-
-/**
- * The frame of each case: opens the session, does the case's work, and closes. A step of the frame
- * that fails ends the case without a verdict line, after what had been opened is closed again.
- * @param function      the case's name
- * @param withUserData  whether the callback is registered with user data
- * @param work          the case's own part; null when the frame is all
- */
-static uint32_t framed(const char* function, bool withUserData,
-                       uint32_t (*work)(const char* function)) {
-    uint32_t id = static_cast<uint32_t>(sg_eCtaId);
-    if (!tc_checkRet(function, __LINE__, "QLX_TEECInit()", QLX_TEECInit()))
-        return TC_FAILURE;
-    uint32_t result = TC_SUCCESS;
-    bool good = tc_checkRet(function, __LINE__, "QLX_TEECOpen(sg_eCtaId)", QLX_TEECOpen(id));
-    if (good) {
-        good = registerCallback(function, withUserData);
-        if (good) {
-            if (work != nullptr)
-                result = work(function);
-            good = tc_checkRet(function, __LINE__,
-                               "QLX_TEECUnRegisterCallback(sg_eCtaId, _teecProcessRxCmds)",
-                               QLX_TEECUnRegisterCallback(id, _teecProcessRxCmds));
-        }
-        good =
-            tc_checkRet(function, __LINE__, "QLX_TEECClose(sg_eCtaId)", QLX_TEECClose(id)) && good;
-    }
-    good = tc_checkRet(function, __LINE__, "QLX_TEECDeInit()", QLX_TEECDeInit()) && good;
-    return good ? tc_result(function, result) : static_cast<uint32_t>(TC_FAILURE);
-}
-
-static uint32_t TC_TEEC_Init_001(void) {
-    zk_log(
-        "Default TA is CIPLUS, if you want to change TA id, please run testcase TC_TEEC_Set_TA_Id "
-        "first.\r\n");
-    return framed(__func__, false, nullptr);
-}
-
-static uint32_t TC_TEEC_Transfer_Single_Cmd_Data(void) {
-    return framed(__func__, false, exchangeSingle);
-}
-
-static uint32_t TC_TEEC_UsrData_test(void) {
-    return framed(__func__, true, exchangeSingle);
-}
-
-static uint32_t TC_TEEC_Transfer_Multiple_Cmds_Data(void) {
-    return framed(__func__, false, exchangePair);
+    exchange(tc, cmdIds, 2, SLOT_SIZE);
 }
 
 /** A failed exchange does not keep the next one from being tried. */
-static uint32_t exchangeSinglePairSingle(const char* function) {
-    uint32_t result = exchangeSingle(function);
-    if (exchangePair(function) != TC_SUCCESS)
-        result = TC_FAILURE;
-    if (exchangeSingle(function) != TC_SUCCESS)
-        result = TC_FAILURE;
-    return result;
+static void exchangeSinglePairSingle(CaseContext& tc) {
+    exchangeSingle(tc);
+    exchangePair(tc);
+    exchangeSingle(tc);
 }
 
-static uint32_t TC_TEEC_Transfer_Single_And_Multiple_Cmds_Data(void) {
-    return framed(__func__, false, exchangeSinglePairSingle);
-}
-
-static uint32_t exchangeHeader(const char* function) {
+static void exchangeHeader(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_HEADER_ONLY};
-    return exchange(function, cmdIds, 1, 0);
+    exchange(tc, cmdIds, 1, 0);
 }
 
-static uint32_t TC_TEEC_Transfer_Header_Cmd_Data_Only(void) {
-    return framed(__func__, true, exchangeHeader);
-}
-
-static uint32_t exchangeFlippedPair(const char* function) {
+static void exchangeFlippedPair(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_FLIPPED_FIRST, CMD_FLIPPED_SECOND};
-    return exchange(function, cmdIds, 2, SLOT_SIZE);
-}
-
-static uint32_t TC_TEEC_Transfer_Multiple_Cmds_Scrects_Data(void) {
-    return framed(__func__, true, exchangeFlippedPair);
+    exchange(tc, cmdIds, 2, SLOT_SIZE);
 }
 
 /** Reads lines until one begins with 'y' or 'n'. 1 for yes; 0 for no, and at the end of input. */
 static int _waitYes() {
     char line[512];
-    zk_logFlush();
-    while (fgets(line, sizeof line, stdin) != nullptr) {
+    while (tc_askLine(line, sizeof line)) {
         int answer = tolower(static_cast<unsigned char>(line[0]));
         if (answer == 'y' || answer == 'n')
             return answer == 'y';
         zk_log("Your select is not correct!\n");
         zk_log("Please selcect Yes-'y' or NO- 'n'!\n");
-        zk_logFlush();
     }
     return 0;
 }
 
-static uint32_t killAndAsk(const char* function) {
+static void killAndAsk(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_DIE};
-    if (sendCommands(function, cmdIds, 1, SLOT_SIZE) != TC_SUCCESS)
-        return TC_FAILURE;
+    if (!sendCommands(tc, cmdIds, 1, SLOT_SIZE))
+        return;
     zk_log("\nPlease check if TA is dead? Yes-y or NO-n\r\n");
     if (_waitYes())
         zk_log("\nReopen TA session and retry to transfer data\r\n");
     else
         zk_log("\nExit this case!\r\n");
-    return TC_SUCCESS;
 }
 
-static uint32_t TC_TEEC_TA_Resurrection(void) {
-    return framed(__func__, false, killAndAsk);
+/** How a case registers the callback. */
+struct Session {
+    uint32_t id;
+    bool withUserData;
+};
+
+static bool isPlain(const Session& session) {
+    return !session.withUserData;
 }
 
-static uint32_t TC_TEEC_Set_TA_Id(void) {
-    uint32_t result = TC_SUCCESS;
+static bool hasUserData(const Session& session) {
+    return session.withUserData;
+}
+
+// clang-format off
+#define UNREGISTER \
+    LADDER_CALL("QLX_TEECUnRegisterCallback(sg_eCtaId, _teecProcessRxCmds)", QLX_TEECUnRegisterCallback(bench.id, _teecProcessRxCmds))
+static const LadderStep<Session> sessionSteps[] = {
+    {LADDER_CALL("QLX_TEECInit()", QLX_TEECInit()),
+     LADDER_CALL("QLX_TEECDeInit()", QLX_TEECDeInit())},
+    {LADDER_CALL("QLX_TEECOpen(sg_eCtaId)", QLX_TEECOpen(bench.id)),
+     LADDER_CALL("QLX_TEECClose(sg_eCtaId)", QLX_TEECClose(bench.id))},
+    {LADDER_CALL("QLX_TEECRegisterCallback(sg_eCtaId,_teecProcessRxCmds,NULL)", QLX_TEECRegisterCallback(bench.id, _teecProcessRxCmds, nullptr)),
+     UNREGISTER, UNDO_CHECKED, isPlain},
+    {LADDER_CALL("QLX_TEECRegisterCallback(sg_eCtaId,_teecProcessRxCmds,sg_pUserData)", QLX_TEECRegisterCallback(bench.id, _teecProcessRxCmds, const_cast<char*>(sg_pUserData))),
+     UNREGISTER, UNDO_CHECKED, hasUserData},
+};
+#undef UNREGISTER
+// clang-format on
+
+/** The frame of each case. A step of it that fails ends the case without a verdict line, after what
+ *  was opened is closed again. */
+static uint32_t framed(const char* name, bool withUserData, void (*work)(CaseContext& tc)) {
+    CaseContext tc = {name};
+    Session session = {static_cast<uint32_t>(sg_eCtaId), withUserData};
+    Ladder<Session> ladder(tc, session, sessionSteps);
+    bool good = ladder.up();
+    if (good)
+        work(tc);
+    good = ladder.down() && good;
+    return good ? TC_RESULT(tc) : static_cast<uint32_t>(TC_FAILURE);
+}
+
+static uint32_t initBase(const char* name) {
+    zk_log(
+        "Default TA is CIPLUS, if you want to change TA id, please run testcase TC_TEEC_Set_TA_Id "
+        "first.\r\n");
+    return framed(name, false, nothing);
+}
+
+static uint32_t setTaIdBase(const char* name) {
+    CaseContext tc = {name};
     int32_t id = sg_eCtaId;
     zk_log("Please input int sg_eCtaId [0-3] default 0 \r\n");
-    zk_logFlush();
-    bool answered = scanf("%d", &id) == 1;
+    bool answered = tc_askNumber(&id) == PROMPT_NUMBER;
     TC_ASSERT_TRUE(answered);
     // What is no TA would make every later case of the visit fail.
     TC_ASSERT_TRUE(id >= 0 && id < QLX_TEEC_TA_COUNT);
     sg_eCtaId = id;
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t testSetup(void) {
@@ -363,20 +330,25 @@ static uint32_t testTeardown(void) {
 }
 
 // clang-format off
-static const TcCase TEECModuleCases[] = {
-    //      case                                            flag    description
-    TC_CASE(TC_TEEC_Init_001,                               AUTO,   "open and close the session of the TA"),
-    TC_CASE(TC_TEEC_Transfer_Single_Cmd_Data,               AUTO,   "transfer the data of a single command"),
-    TC_CASE(TC_TEEC_UsrData_test,                           MANUAL, "transfer a single command with user data for the callback"),
-    TC_CASE(TC_TEEC_Transfer_Multiple_Cmds_Data,            AUTO,   "transfer the data of two commands in one message"),
-    TC_CASE(TC_TEEC_Transfer_Single_And_Multiple_Cmds_Data, AUTO,   "transfer a single command, two commands, a single command"),
-    TC_CASE(TC_TEEC_Transfer_Header_Cmd_Data_Only,          AUTO,   "transfer the header of a command without data"),
-    TC_CASE(TC_TEEC_Transfer_Multiple_Cmds_Scrects_Data,    AUTO,   "transfer two commands whose data the TA transforms"),
-    TC_CASE(TC_TEEC_TA_Resurrection,                        MANUAL, "let the TA die and open its session again"),
-    TC_CASE(TC_TEEC_Set_TA_Id,                              MANUAL, "set the id of the TA under test"),
+#define TEEC_VARIANTS(X) \
+    /* case                                           flag    description                                                    body */ \
+    X(TC_TEEC_Init_001,                               AUTO,   "open and close the session of the TA",                        initBase(__func__)) \
+    X(TC_TEEC_Transfer_Single_Cmd_Data,               AUTO,   "transfer the data of a single command",                       framed(__func__, false, exchangeSingle)) \
+    X(TC_TEEC_UsrData_test,                           MANUAL, "transfer a single command with user data for the callback",   framed(__func__, true,  exchangeSingle)) \
+    X(TC_TEEC_Transfer_Multiple_Cmds_Data,            AUTO,   "transfer the data of two commands in one message",            framed(__func__, false, exchangePair)) \
+    X(TC_TEEC_Transfer_Single_And_Multiple_Cmds_Data, AUTO,   "transfer a single command, two commands, a single command",   framed(__func__, false, exchangeSinglePairSingle)) \
+    X(TC_TEEC_Transfer_Header_Cmd_Data_Only,          AUTO,   "transfer the header of a command without data",               framed(__func__, true,  exchangeHeader)) \
+    X(TC_TEEC_Transfer_Multiple_Cmds_Scrects_Data,    AUTO,   "transfer two commands whose data the TA transforms",          framed(__func__, true,  exchangeFlippedPair)) \
+    X(TC_TEEC_TA_Resurrection,                        MANUAL, "let the TA die and open its session again",                   framed(__func__, false, killAndAsk)) \
+    X(TC_TEEC_Set_TA_Id,                              MANUAL, "set the id of the TA under test",                             setTaIdBase(__func__))
+TEEC_VARIANTS(TC_VARIANT_FUNCTION)
+
+static constexpr TcCase TEECModuleCases[] = {
+    TEEC_VARIANTS(TC_VARIANT_ROW)
 };
 // clang-format on
-static_assert(tcCaseCount(TEECModuleCases) == 9, "cases of the module");
+static_assert(tcCaseCount(TEECModuleCases) == 9 && tcAutoCount(TEECModuleCases) == 6,
+              "cases of the module, and those that run by themselves");
 
 const TcModule TEECModule = {
     testSetup,       testTeardown,
