@@ -5,7 +5,7 @@
 #include "environment/conf_reader.h"
 #include "environment/config_files.h"
 #include "environment/test_env.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 
 enum {
     AV_SOURCE_FIRST = 1,
@@ -31,6 +31,7 @@ uint32_t TC_AV_LOAD_CONFIG(void) {
         "DVB-C", "DVB-T", "DVB-S", "ATSC-T", "ATSC-C", "ISDB-T", "ISDB-S",
     };
     static const char* const* const atsc = &standards[AV_ATSC_T];
+    CaseContext tc = {__func__};
     TcAvConfig& av = zk_testConfig.av;
     AvSource& source = av.stSource;
     memset(&av, 0, sizeof av);

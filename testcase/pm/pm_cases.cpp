@@ -4,9 +4,9 @@
 #include <stdio.h>
 #include <time.h>
 
-#include "framework/modules.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "platform/qlx_pm.h"
+#include "testcase/modules.h"
 #include "testcase/pm/pm_harness.h"
 
 static uint32_t testSetup(void) {
@@ -33,35 +33,30 @@ static uint32_t testCaseTeardownImp(void) {
 static const uint32_t plainCondition = QLX_SYS_WAKEUP_COND_IR | QLX_SYS_WAKEUP_COND_KEYPAD;
 
 static uint32_t TC_PM_EnterStr_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     TC_ASSERT_RET(QLX_SysSetWakeupCondition(plainCondition));
     TC_ASSERT_RET(PM_EnterSTR());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_EnterStandby_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     TC_ASSERT_RET(QLX_SysSetWakeupCondition(plainCondition));
     TC_ASSERT_RET(PM_EnterStandby());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 /** Sets a boot mode, and demands to read the same. */
-static uint32_t powerOnModeBase(const char* function, uint32_t mode, const char* announcement) {
+static uint32_t powerOnModeBase(const char* name, uint32_t mode, const char* announcement) {
+    CaseContext tc = {name};
     uint32_t readMode = 0;
     zk_log("%s: %d\n", announcement, static_cast<int>(mode));
-    if (!tc_checkRet(function, __LINE__, "QLX_SysSetColdPowerOnBootMode(mode)",
-                     QLX_SysSetColdPowerOnBootMode(mode)) ||
-        !tc_checkRet(function, __LINE__, "QLX_SysGetColdPowerOnBootMode(&mode)",
-                     QLX_SysGetColdPowerOnBootMode(&readMode)))
-        return TC_FAILURE;
+    TC_ASSERT_RET(QLX_SysSetColdPowerOnBootMode(mode));
+    TC_ASSERT_RET_TEXT("QLX_SysGetColdPowerOnBootMode(&mode)",
+                       QLX_SysGetColdPowerOnBootMode(&readMode));
     zk_log("get power on mode: %d\n", static_cast<int>(readMode));
-    if (readMode != mode) {
-        tc_fail(function, __LINE__, "expect %d, but actually %d  \n", static_cast<int>(mode),
-                static_cast<int>(readMode));
-        return TC_FAILURE;
-    }
-    return tc_result(function, TC_SUCCESS);
+    TC_ASSERT_EQUAL(mode, readMode);
+    return TC_RESULT(tc);
 }
 
 // clang-format off
@@ -73,7 +68,7 @@ static uint32_t powerOnModeBase(const char* function, uint32_t mode, const char*
 POWER_ON_MODE_VARIANTS(TC_VARIANT_FUNCTION)
 
 static uint32_t TC_PM_WakeupConditions_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t condition = 0;
     const uint32_t wanted = plainCondition | QLX_SYS_WAKEUP_COND_RTC;
     TC_ASSERT_RET(QLX_SysGetWakeupCondition(&condition));
@@ -83,11 +78,11 @@ static uint32_t TC_PM_WakeupConditions_001(void) {
     TC_ASSERT_RET(QLX_SysGetWakeupCondition(&condition));
     zk_log("after set wake up condition: 0x%x\n", condition);
     TC_ASSERT_TRUE(condition == wanted);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_WakeupReason_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t reason = 0, key = 0;
     TC_ASSERT_RET(QLX_SysGetWakeupReason(&reason));
     zk_log("get wakeup reason: %d\n", static_cast<int>(reason));
@@ -98,11 +93,11 @@ static uint32_t TC_PM_WakeupReason_001(void) {
     zk_log(
         "Please compare with the actual wakeup reason of the TV\n"
         "to make sure the function is OK.\n");
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_RtcWakeup_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t ltime = static_cast<uint32_t>(time(nullptr));
     uint32_t wakeupTime = 0;
     TC_ASSERT_RET(QLX_SysPMRTCSetTime(ltime));
@@ -110,31 +105,31 @@ static uint32_t TC_PM_RtcWakeup_001(void) {
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupTime(ltime));
     TC_ASSERT_RET(QLX_SysPMRTCGetWakeupTime(&wakeupTime));
     TC_ASSERT_TRUE(wakeupTime == ltime);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_RtcWakeup_002(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t wakeupTime = 1;
     TC_ASSERT_RET(QLX_SysPMRTCClearWakeupTime());
     TC_ASSERT_RET(QLX_SysPMRTCGetWakeupTime(&wakeupTime));
     TC_ASSERT_TRUE(wakeupTime == 0);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_RtcWakeup_003(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_NO_REASON));
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_EPG_UPDATE));
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_EPG_NOTE));
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_ALARM));
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_RECORDING));
     TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_OTHER));
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_setRtcTime_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     struct tm parts {};
     uint32_t readTime = 0;
     strptime("2020-12-12 12:12:12", "%Y-%m-%d %H:%M:%S", &parts);
@@ -144,11 +139,11 @@ static uint32_t TC_PM_setRtcTime_001(void) {
     // The clock may have gone on in between.
     if (readTime < ltime || readTime - ltime > 1)
         TC_ASSERT_RET(QLX_FAILED);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_getRtcTime_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t ltime = 0;
     char text[32] = "";
     struct tm parts {};
@@ -157,11 +152,11 @@ static uint32_t TC_PM_getRtcTime_001(void) {
     if (gmtime_r(&when, &parts) != nullptr)
         asctime_r(&parts, text);
     zk_log("Current pm time is %s\n", text);
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_RtcTime_STR_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t rtcTime = 0;
     timespec realBefore{}, realAfter{};
     uint32_t timeBefore = static_cast<uint32_t>(time(nullptr));
@@ -170,27 +165,23 @@ static uint32_t TC_PM_RtcTime_STR_001(void) {
     testStrWakeupRtc(QLX_SYS_WAKEUP_REASON_RTC_ALARM);
     TC_ASSERT_RET(QLX_SysPMRTCGetTime(&rtcTime));
     clock_gettime(CLOCK_REALTIME, &realAfter);
-    if (rtcTime < timeBefore) {
-        tc_fail(__func__, __LINE__, "RTC time goes back!");
-        result = TC_FAILURE;
-    }
-    if (realAfter.tv_sec < realBefore.tv_sec) {
-        tc_fail(__func__, __LINE__, "Real time goes back!");
-        result = TC_FAILURE;
-    }
-    return TC_RESULT(result);
+    if (rtcTime < timeBefore)
+        tc_fail(tc, __LINE__, "RTC time goes back!");
+    if (realAfter.tv_sec < realBefore.tv_sec)
+        tc_fail(tc, __LINE__, "Real time goes back!");
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_restartTV_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     zk_log("Will restart TV, please check if the TV restarts normally...\n");
     zk_logFlush();
     TC_ASSERT_RET(QLX_SysRestartTV());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_WakeupIRKey_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t reason = 0, key = 0;
     TC_ASSERT_RET(QLX_SysGetWakeupReason(&reason));
     if (reason != QLX_SYS_WAKEUP_REASON_IR) {
@@ -199,11 +190,11 @@ static uint32_t TC_PM_WakeupIRKey_001(void) {
         TC_ASSERT_RET(QLX_SysGetWakeupIRKey(&key));
         zk_log("Got wake up key: 0x%4x\n", key);
     }
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_getCECWakeupAddress_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     uint32_t reason = 0, address = 0;
     TC_ASSERT_RET(QLX_SysGetWakeupReason(&reason));
     if (reason != QLX_SYS_WAKEUP_REASON_CEC) {
@@ -212,7 +203,7 @@ static uint32_t TC_PM_getCECWakeupAddress_001(void) {
         TC_ASSERT_RET(QLX_SysGetWakupCECPhysicalAdress(&address));
         zk_log("Got wake up CEC physical address: 0x%4x\n", address);
     }
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 /** After these reasons the device works in the dark. */
@@ -224,22 +215,21 @@ static void noticeBacklight(uint32_t reason) {
 }
 
 /** Suspends, and wakes by the RTC for a reason. */
-static uint32_t strRtcWakeUpBase(const char* function, uint32_t reason, const char* name) {
-    zk_log("test wakeup by %s \nTV will enter STR and wake up after 10s\n", name);
+static uint32_t strRtcWakeUpBase(const char* name, uint32_t reason, const char* reasonName) {
+    CaseContext tc = {name};
+    zk_log("test wakeup by %s \nTV will enter STR and wake up after 10s\n", reasonName);
     noticeBacklight(reason);
-    if (!tc_checkRet(function, __LINE__, "testStrWakeupRtc(reason)", testStrWakeupRtc(reason)))
-        return TC_FAILURE;
-    return tc_result(function, TC_SUCCESS);
+    TC_ASSERT_RET(testStrWakeupRtc(reason));
+    return TC_RESULT(tc);
 }
 
 /** Shuts down, to be woken by the RTC for a reason. */
-static uint32_t standbyRtcWakeUpBase(const char* function, uint32_t reason, const char* name) {
-    zk_log("test wakeup by %s \nTV will shutdown and wake up after 10s\n", name);
+static uint32_t standbyRtcWakeUpBase(const char* name, uint32_t reason, const char* reasonName) {
+    CaseContext tc = {name};
+    zk_log("test wakeup by %s \nTV will shutdown and wake up after 10s\n", reasonName);
     noticeBacklight(reason);
-    if (!tc_checkRet(function, __LINE__, "testStandbyWakeupRtc(reason)",
-                     testStandbyWakeupRtc(reason)))
-        return TC_FAILURE;
-    return tc_result(function, TC_SUCCESS);
+    TC_ASSERT_RET(testStandbyWakeupRtc(reason));
+    return TC_RESULT(tc);
 }
 
 // clang-format off
@@ -262,41 +252,36 @@ STR_RTC_WAKE_UP_VARIANTS(TC_VARIANT_FUNCTION)
 STANDBY_RTC_WAKE_UP_VARIANTS(TC_VARIANT_FUNCTION)
 
 static uint32_t TC_PM_STR_RTCWakeUp_007(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     zk_log("RTC wakeup from STR when RTC time is different from linux time\n");
     if (prepareRtcWakeup(QLX_SYS_WAKEUP_REASON_RTC_ALARM, 1) != TC_SUCCESS)
         return TC_FAILURE;
     TC_ASSERT_RET(PM_EnterSTR());
     if (checkWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_ALARM) != TC_SUCCESS)
         return TC_FAILURE;
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_Standby_RTCWakeUp_007(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     zk_log("RTC wakeup from standby when RTC time is different from linux time\n");
     if (prepareRtcWakeup(QLX_SYS_WAKEUP_REASON_RTC_ALARM, 1) != TC_SUCCESS)
         return TC_FAILURE;
     TC_ASSERT_RET(PM_EnterStandby());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 /** Suspends, and demands to be woken by the network. */
-static uint32_t networkWakeUp(const char* function, uint32_t condition, uint32_t wanted,
+static uint32_t networkWakeUp(const char* name, uint32_t condition, uint32_t wanted,
                               const char* complaint) {
+    CaseContext tc = {name};
     uint32_t reason = 0;
-    if (!tc_checkRet(function, __LINE__, "QLX_SysSetWakeupCondition(condition)",
-                     QLX_SysSetWakeupCondition(condition)) ||
-        !tc_checkRet(function, __LINE__, "PM_EnterSTR()", PM_EnterSTR()) ||
-        !tc_checkRet(function, __LINE__, "QLX_SysGetWakeupReason(&reason)",
-                     QLX_SysGetWakeupReason(&reason)))
-        return TC_FAILURE;
+    TC_ASSERT_RET(QLX_SysSetWakeupCondition(condition));
+    TC_ASSERT_RET(PM_EnterSTR());
+    TC_ASSERT_RET(QLX_SysGetWakeupReason(&reason));
     zk_log("get wakeup reason: %d\n", static_cast<int>(reason));
-    if (reason != wanted) {
-        tc_fail(function, __LINE__, "%s", complaint);
-        return TC_FAILURE;
-    }
-    return tc_result(function, TC_SUCCESS);
+    TC_ASSERT(reason == wanted || tc_fail(tc, __LINE__, "%s", complaint));
+    return TC_RESULT(tc);
 }
 
 static const uint32_t lanCondition = plainCondition | QLX_SYS_WAKEUP_COND_LAN;
@@ -315,13 +300,13 @@ uint32_t TC_PM_STR_WOWWakeUp_001(void) {
 }
 
 static uint32_t TC_PM_Standby_WOLWakeUp_001(void) {
-    uint32_t result = TC_SUCCESS;
+    CaseContext tc = {__func__};
     zk_log("test wakeup by WOL, Make sure ethernet is plugged \nTV will enter standby... \n");
     ShowMagicPacketHint("eth0");
     zk_log("please recheck wakeup reason == QLX_SYS_WAKEUP_REASON_WOL after DC on\n");
     TC_ASSERT_RET(QLX_SysSetWakeupCondition(lanCondition));
     TC_ASSERT_RET(PM_EnterStandby());
-    return TC_RESULT(result);
+    return TC_RESULT(tc);
 }
 
 /** The operator looks at the lamp while other cases run. */
@@ -330,7 +315,7 @@ static uint32_t TC_PM_LED_DISPLAY_001(void) {
 }
 
 // clang-format off
-static const TcCase PMModuleCases[] = {
+static constexpr TcCase PMModuleCases[] = {
     //      case                            flag    description
     TC_CASE(TC_PM_EnterStr_001,             MANUAL, "enter STR"),
     TC_CASE(TC_PM_EnterStandby_001,         MANUAL, "enter standby"),
@@ -355,7 +340,8 @@ static const TcCase PMModuleCases[] = {
     TC_CASE(TC_PM_LED_DISPLAY_001,          MANUAL, "display of the LED"),
 };
 // clang-format on
-static_assert(tcCaseCount(PMModuleCases) == 33, "cases of the module");
+static_assert(tcCaseCount(PMModuleCases) == 33 && tcAutoCount(PMModuleCases) == 18,
+              "cases of the module, and those that run by themselves");
 
 const TcModule PMModule = {
     testSetup,

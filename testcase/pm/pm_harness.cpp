@@ -8,7 +8,7 @@
 
 #include <atomic>
 
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "platform/qlx_pm.h"
 
 /** How far a suspend has come. */
@@ -60,29 +60,28 @@ void pmDestroyWait(void) {
 }
 
 /** Tells of a state that comes out of turn, and goes on to it. */
-static void passPhase(const char* function, int line, int32_t latest, int32_t next,
-                      const char* name) {
+static void passPhase(CaseContext& tc, int32_t latest, int32_t next, const char* name) {
     int32_t phase = gStrPhase;
     if (phase > latest)
-        tc_fail(function, line, "Wrong standby state during %s\n    previous state = %d.\n", name,
+        tc_fail(tc, __LINE__, "Wrong standby state during %s\n    previous state = %d.\n", name,
                 phase);
     gStrPhase = next;
 }
 
 static void strStandbyCallback(int32_t state, void* userData) {
+    // What is wrong here is told; the case does not hear of it.
+    CaseContext tc = {__func__};
     zk_log("call back from pm state:%d, userdata %p\n", state, userData);
     if (userData != &gUserData)
-        tc_fail(__func__, __LINE__,
+        tc_fail(tc, __LINE__,
                 "User data is inconsistent:\n    original addr:%p\n    current addr:%p\n",
                 static_cast<void*>(&gUserData), userData);
     if (state == QLX_SYS_STANDBY_ENTER_STR)
-        passPhase(__func__, __LINE__, STR_PHASE_CALLED, STR_PHASE_ENTERED,
-                  "QLX_SYS_STANDBY_ENTER_STR");
+        passPhase(tc, STR_PHASE_CALLED, STR_PHASE_ENTERED, "QLX_SYS_STANDBY_ENTER_STR");
     else if (state == QLX_SYS_STANDBY_EXIT_STR)
-        passPhase(__func__, __LINE__, STR_PHASE_ENTERED, STR_PHASE_RESUMED,
-                  "QLX_SYS_STANDBY_EXIT_STR");
+        passPhase(tc, STR_PHASE_ENTERED, STR_PHASE_RESUMED, "QLX_SYS_STANDBY_EXIT_STR");
     else
-        tc_fail(__func__, __LINE__, "Invalid standby state: %d \n", state);
+        tc_fail(tc, __LINE__, "Invalid standby state: %d \n", state);
     pthread_mutex_lock(&_strCallbackLock);
     gStrCabllBackState = state;
     if (state == QLX_SYS_STANDBY_EXIT_STR)
@@ -91,18 +90,18 @@ static void strStandbyCallback(int32_t state, void* userData) {
 }
 
 static void* suspendThread(void*) {
+    CaseContext tc = {__func__};
     int32_t result = QLX_SysEnterStandby(QLX_SYS_STANDBY_MODE_STR, strStandbyCallback, &gUserData);
     int32_t entering = STR_PHASE_ENTERING;
     gStrPhase.compare_exchange_strong(entering, STR_PHASE_CALLED);
-    if (result != 0)
-        tc_fail(__func__, __LINE__, "expect %d, but actually %d  \n", result, 0);
+    TC_EXPECT_EQUAL(result, 0);
     return nullptr;
 }
 
 static void* standbyThread(void*) {
+    CaseContext tc = {__func__};
     int32_t result = QLX_SysEnterStandby(QLX_SYS_STANDBY_MODE_STANDBY, nullptr, nullptr);
-    if (result != 0)
-        tc_fail(__func__, __LINE__, "expect %d, but actually %d  \n", result, 0);
+    TC_EXPECT_EQUAL(result, 0);
     pthread_mutex_lock(&_strCallbackLock);
     pthread_cond_signal(&_strCallbackCond);
     pthread_mutex_unlock(&_strCallbackLock);
@@ -114,13 +113,15 @@ static void* standbyThread(void*) {
  * wait has begun, and waits. Leaves the lock held.
  * @return what pthread_cond_timedwait answers, or the error of a thread that did not start
  */
-static int enterAndWait(const char* function, void* (*body)(void*)) {
+static int enterAndWait(const char* name, void* (*body)(void*)) {
+    // A message alone: how far an earlier suspend came says nothing of this one.
+    CaseContext told = {name};
     pthread_t thread;
     timespec deadline{};
     gStrCabllBackState = STATE_NONE;
     int32_t phase = gStrPhase;
     if (phase != STR_PHASE_NONE && phase != STR_PHASE_RESUMED)
-        tc_fail(function, __LINE__, "Wrong standby state: %d \n", phase);
+        tc_fail(told, __LINE__, "Wrong standby state: %d \n", phase);
     gStrPhase = STR_PHASE_ENTERING;
     clock_gettime(CLOCK_MONOTONIC, &deadline);
     deadline.tv_sec += WAIT_SECONDS;
@@ -133,23 +134,21 @@ static int enterAndWait(const char* function, void* (*body)(void*)) {
 }
 
 uint32_t PM_EnterSTR(void) {
-    uint32_t result = TC_SUCCESS;
-    int waited = enterAndWait(__func__, suspendThread);
-    if (waited == ETIMEDOUT) {
-        tc_fail(__func__, __LINE__, "Time out to wait standby callback");
-        result = TC_FAILURE;
-    } else if (gStrCabllBackState != QLX_SYS_STANDBY_EXIT_STR) {
-        tc_fail(__func__, __LINE__, "Can not get resume from STR.");
-        result = TC_FAILURE;
-    }
+    CaseContext tc = {__func__};
+    int waited = enterAndWait(tc.name, suspendThread);
+    if (waited == ETIMEDOUT)
+        tc_fail(tc, __LINE__, "Time out to wait standby callback");
+    else if (gStrCabllBackState != QLX_SYS_STANDBY_EXIT_STR)
+        tc_fail(tc, __LINE__, "Can not get resume from STR.");
     pthread_mutex_unlock(&_strCallbackLock);
-    return result;
+    return tc.result;
 }
 
 uint32_t PM_EnterStandby(void) {
-    int waited = enterAndWait(__func__, standbyThread);
+    CaseContext tc = {__func__};
+    int waited = enterAndWait(tc.name, standbyThread);
     if (waited == ETIMEDOUT)
-        tc_fail(__func__, __LINE__, "Time out to wait standby");
+        tc_fail(tc, __LINE__, "Time out to wait standby");
     pthread_mutex_unlock(&_strCallbackLock);
     if (waited != ETIMEDOUT)
         sleep(10);
@@ -167,6 +166,7 @@ static const char* rtcText(uint32_t seconds, char (&text)[32]) {
 }
 
 uint32_t prepareRtcWakeup(uint32_t wakeup_reason, uint32_t aheadOfLinux) {
+    CaseContext tc = {__func__};
     char text[32];
     uint32_t ltime = static_cast<uint32_t>(time(nullptr)) + aheadOfLinux;
     TC_ASSERT_RET(QLX_SysPMRTCSetTime(ltime));
@@ -181,18 +181,16 @@ uint32_t prepareRtcWakeup(uint32_t wakeup_reason, uint32_t aheadOfLinux) {
 }
 
 uint32_t checkWakeupReason(uint32_t wakeup_reason) {
+    CaseContext tc = {__func__};
     uint32_t eReason = 0;
     TC_ASSERT_RET(QLX_SysGetWakeupReason(&eReason));
     zk_log("get wakeup reason: %d\n", static_cast<int>(eReason));
-    if (eReason != wakeup_reason) {
-        tc_fail(__func__, __LINE__, "expect %d, but actually %d  \n",
-                static_cast<int>(wakeup_reason), static_cast<int>(eReason));
-        return TC_FAILURE;
-    }
+    TC_ASSERT_EQUAL(wakeup_reason, eReason);
     return TC_SUCCESS;
 }
 
 uint32_t testStrWakeupRtc(uint32_t wakeup_reason) {
+    CaseContext tc = {__func__};
     if (prepareRtcWakeup(wakeup_reason, 0) != TC_SUCCESS)
         return TC_FAILURE;
     TC_ASSERT_RET(PM_EnterSTR());
@@ -200,6 +198,7 @@ uint32_t testStrWakeupRtc(uint32_t wakeup_reason) {
 }
 
 uint32_t testStandbyWakeupRtc(uint32_t wakeup_reason) {
+    CaseContext tc = {__func__};
     if (prepareRtcWakeup(wakeup_reason, 0) != TC_SUCCESS)
         return TC_FAILURE;
     TC_ASSERT_RET(PM_EnterStandby());
