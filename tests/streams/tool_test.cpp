@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 
 #include "tests/streams/made_streams.h"
 #include "tools/mkstreams/cfg_file.h"
@@ -21,9 +22,11 @@ struct Outcome {
     std::string said;
 };
 
-/** Runs the program with arguments; what it writes to either output is returned. */
-Outcome run(const std::string& arguments) {
-    FILE* pipe = popen((std::string(ZK_MKSTREAMS) + " " + arguments + " 2>&1").c_str(), "r");
+/** Runs the program with arguments, behind commands of the shell; what it writes to either output
+ * is returned. */
+Outcome run(const std::string& arguments, const std::string& before = "") {
+    std::string command = "(" + before + ZK_MKSTREAMS + " " + arguments + ") 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
     EXPECT_NE(pipe, nullptr);
     Outcome outcome = {-1, ""};
     char buffer[256];
@@ -58,29 +61,100 @@ class Tool : public testing::Test {
     std::string arguments_;
 };
 
-TEST_F(Tool, MakesTheSameBytesAndOnlyWhenSomethingChanged) {
+TEST_F(Tool, MakesTheSameBytesAndOnlyWhatChanged) {
+    const std::string both = "dvbt_main.ts: 6400 packets\ndvbt_hd.ts: 6400 packets\n";
     Outcome first = run(arguments_ + "--variants");
     ASSERT_EQ(first.status, 0) << first.said;
-    EXPECT_EQ(first.said, "dvbt_main.ts: 6400 packets\ndvbt_hd.ts: 6400 packets\n");
+    EXPECT_EQ(first.said, both);
     fs::path file = folder_ / "out/dvbt_main.ts";
     std::string bytes = contents(file);
     const Bytes& inProcess = streamOf("dvbt_main.ts").packets;
     EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), inProcess.begin(), inProcess.end(),
                            [](char a, uint8_t b) { return static_cast<uint8_t>(a) == b; }));
-    // A second run makes nothing, and the manifest stays as it is.
+    // Comments change nothing. The manifest, with the variants in it, stays as it is.
     std::string manifest = contents(folder_ / "out/streams.cfg");
     auto written = fs::last_write_time(file);
+    fs::path channels = folder_ / "config/common/channel_dvb_t.cfg";
+    std::ofstream(channels, std::ios::app) << "# edited\n";
     Outcome second = run(arguments_);
     EXPECT_EQ(second.said, "");
     EXPECT_EQ(fs::last_write_time(file), written);
     EXPECT_EQ(contents(folder_ / "out/streams.cfg"), manifest);
-    // A damaged file, and a changed channel, are made again.
+    // A file that was cut is made again, and one in which a byte was changed.
     fs::resize_file(file, 1000);
     EXPECT_EQ(run(arguments_).said, "dvbt_main.ts: 6400 packets\n");
     EXPECT_EQ(contents(file), bytes);
-    std::ofstream(folder_ / "config/common/channel_dvb_t.cfg", std::ios::app) << "# edited\n";
-    EXPECT_EQ(run(arguments_).said, first.said);
+    std::fstream(file, std::ios::in | std::ios::out | std::ios::binary) << 'x';
+    EXPECT_EQ(run(arguments_).said, "dvbt_main.ts: 6400 packets\n");
     EXPECT_EQ(contents(file), bytes);
+    // The PID of a table is the matter of one multiplex, a frequency that of the network's tables.
+    std::string text = contents(channels);
+    std::string other = text;
+    other.replace(other.find("PMT_PID=0x0220"), 14, "PMT_PID=0x0230");
+    std::ofstream(channels) << other;
+    EXPECT_EQ(run(arguments_).said, "dvbt_hd.ts: 6400 packets\n");
+    text.replace(text.find("FREQUENCY=482000"), 16, "FREQUENCY=538000");
+    std::ofstream(channels) << text;
+    EXPECT_EQ(run(arguments_).said, both);
+}
+
+TEST_F(Tool, RemovesWhatItMadeAndNobodyNames) {
+    ASSERT_EQ(run(arguments_ + "--variants").status, 0);
+    fs::path out = folder_ / "out";
+    std::ofstream(out / "mine.ts") << "not made here";
+    fs::path channels = folder_ / "config/common/channel_dvb_t.cfg";
+    std::string text = contents(channels);
+    text.replace(text.find("CHANNEL_NUM=9"), 13, "CHANNEL_NUM=1");
+    std::ofstream(channels) << text;
+    // With one multiplex less the network's tables are others, and so is what variants are made of.
+    Outcome outcome = run(arguments_);
+    EXPECT_EQ(outcome.said.rfind("dvbt_main.ts: 6400 packets\n", 0), 0u) << outcome.said;
+    EXPECT_NE(outcome.said.find("dvbt_hd.ts: removed\n"), std::string::npos) << outcome.said;
+    std::set<std::string> left;
+    for (const fs::directory_entry& entry : fs::directory_iterator(out))
+        left.insert(entry.path().filename().string());
+    EXPECT_EQ(left, (std::set<std::string>{"dvbt_main.ts", "dvbt_main.ts.stamp", "mine.ts",
+                                           "streams.cfg"}));
+}
+
+/** A file that cannot be written whole leaves the old one, and nothing of its own. */
+TEST_F(Tool, FullDisksLoseNothing) {
+    ASSERT_EQ(run(arguments_).status, 0);
+    fs::path file = folder_ / "out/dvbt_hd.ts";
+    std::string bytes = contents(file);
+    fs::path channels = folder_ / "config/common/channel_dvb_t.cfg";
+    std::string text = contents(channels);
+    text.replace(text.find("PMT_PID=0x0220"), 14, "PMT_PID=0x0230");
+    std::ofstream(channels) << text;
+    Outcome outcome = run(arguments_, "trap '' XFSZ; ulimit -f 500;");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.said.find("dvbt_hd.ts: cannot be written"), std::string::npos)
+        << outcome.said;
+    EXPECT_EQ(contents(file), bytes);
+    EXPECT_FALSE(fs::exists(file.string() + ".tmp"));
+    EXPECT_EQ(contents(folder_ / "out/streams.cfg").find("dvbt_hd.ts"), std::string::npos);
+    EXPECT_EQ(run(arguments_).said, "dvbt_hd.ts: 6400 packets\n");
+}
+
+/** What the build takes for another version of the code that makes streams. */
+TEST_F(Tool, CommentsAreNoOtherVersion) {
+    auto version = [&](const char* code) {
+        fs::path source = folder_ / "code.cpp";
+        fs::path header = folder_ / "version.h";
+        std::ofstream(source) << code;
+        std::string command = std::string(ZK_CMAKE) + " -DCODER=" + source.string() +
+                              " -DVARIANTS=" + source.string() + " -DOUTPUT=" + header.string() +
+                              " -P " ZK_SOURCE_DIR "/tools/mkstreams/coder_version.cmake";
+        EXPECT_EQ(system(command.c_str()), 0);
+        return contents(header);
+    };
+    const std::string plain = version("int one() {\n    return 1; }\n");
+    EXPECT_EQ(version("/** One; \"two\"; // three */\nint one()\n{ return 1; } // [one]\n"), plain);
+    EXPECT_EQ(version("int /* a */ one() { /* b */ return 1; /* c\n * d */ }"), plain);
+    EXPECT_NE(version("int one() {\n    return 2; }\n"), plain);
+    EXPECT_NE(version("char c = '\"'; const char* s = \"// a \\\" /* \";"),
+              version("char c = '\"'; const char* s = \"// b \\\" /* \";"));
+    EXPECT_NE(version("int one() { /* a */ return 1; } int two; /* b */"), plain);
 }
 
 TEST_F(Tool, ManifestTellsWhatIsOnTheAir) {

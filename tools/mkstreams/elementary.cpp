@@ -7,6 +7,9 @@
 
 #include <bitstream/mpeg/pes.h>
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "tools/mkstreams/content.h"
 #include "tools/mkstreams/private_data.h"
 #include "tools/mkstreams/user_data.h"
@@ -40,25 +43,26 @@ Bytes pesPacket(uint8_t streamId, int64_t pts, int64_t dts, const Bytes& data) {
     return packet;
 }
 
-static std::string keyOf(const VideoSpec& s) {
-    std::string key;
-    for (int value :
-         {static_cast<int>(s.format), s.width, s.height, static_cast<int>(s.interlaced), s.rate,
-          s.scale, s.aspectX, s.aspectY, s.gop, s.segment, static_cast<int>(s.hlg),
-          static_cast<int>(s.afd), static_cast<int>(s.captions), static_cast<int>(s.tint)})
-        key += std::to_string(value) + " ";
-    return key;
+static std::string joined(std::initializer_list<int64_t> values) {
+    std::string text;
+    for (int64_t value : values)
+        text += std::to_string(value) + " ";
+    return text;
 }
 
-static bool addVideo(const VideoSpec& spec, uint16_t pid, int64_t duration, EncodedContent* encoded,
-                     std::vector<PesStream>* streams, std::string* error) {
+static std::string keyOf(const VideoSpec& s) {
+    return joined({s.format, s.width, s.height, s.interlaced, s.rate, s.scale, s.aspectX, s.aspectY,
+                   s.gop, s.segment, s.hlg, s.afd, s.captions, s.tint});
+}
+
+static bool makeVideo(const VideoSpec& spec, int64_t duration, EncodedContent* encoded,
+                      PesStream* stream, std::string* error) {
     std::vector<CodedPicture>& pictures = encoded->pictures[keyOf(spec)];
     CaptionSource captions;
     if (spec.captions)
         captions = captionData;
     if (pictures.empty() && !encodeVideo(spec, captions, &pictures, error))
         return false;
-    PesStream stream = {pid, {}};
     int64_t frame = frameTicks(spec);
     int64_t segmentTicks = frame * spec.segment;
     for (int64_t segment = 0; segment * segmentTicks < duration; segment++) {
@@ -67,87 +71,106 @@ static bool addVideo(const VideoSpec& spec, uint16_t pid, int64_t duration, Enco
             int64_t dts = begin + picture.decodeTime * frame;
             int64_t pts = begin + picture.presentationTime * frame;
             int64_t earliest = dts - pictureDelay - picturePrefetch;
-            stream.packets.push_back({pesPacket(streamIdVideo, pts, dts, picture.data),
-                                      earliest < 0 ? 0 : earliest, dts - margin,
-                                      picture.randomAccess});
+            stream->packets.push_back({pesPacket(streamIdVideo, pts, dts, picture.data),
+                                       earliest < 0 ? 0 : earliest, dts - margin,
+                                       picture.randomAccess});
         }
     }
-    streams->push_back(stream);
     return true;
 }
 
-static bool addSound(const Multiplex& multiplex, const Channel& channel, unsigned component,
-                     int64_t duration, EncodedContent* encoded, std::vector<PesStream>* streams,
-                     std::string* error) {
-    const AudioComponent& audio = channel.audio[component];
-    AudioSpec spec = audioSpec(multiplex, channel, component);
-    int64_t frame = frameTicks(spec);
-    size_t count = static_cast<size_t>(duration / frame);
-    AacFraming framing =
-        multiplex.standard->family == Family::Dvb ? AacFraming::Latm : AacFraming::Adts;
-    std::string key = std::to_string(spec.format) + " " + std::to_string(spec.channels) + " " +
-                      std::to_string(spec.tone) + " " + std::to_string(count) + " " +
-                      std::to_string(static_cast<int>(framing));
-    std::vector<Bytes>& frames = encoded->sound[key];
-    if (frames.empty() && !encodeAudio(spec, framing, count, &frames, error))
+/** A sound component of a channel. */
+struct Sound {
+    AudioSpec spec;
+    AacFraming framing;
+    unsigned component;
+    size_t frames; /**< in the loop */
+};
+
+static std::string keyOf(const Sound& sound) {
+    return joined({sound.spec.format, sound.spec.channels, sound.spec.tone,
+                   static_cast<int>(sound.framing), static_cast<int64_t>(sound.frames)});
+}
+
+static bool makeSound(const Sound& sound, EncodedContent* encoded, PesStream* stream,
+                      std::string* error) {
+    const AudioSpec& spec = sound.spec;
+    std::vector<Bytes>& frames = encoded->sound[keyOf(sound)];
+    if (frames.empty() && !encodeAudio(spec, sound.framing, sound.frames, &frames, error))
         return false;
     bool isPrivate =
         spec.format == AUDIO_AC3 || spec.format == AUDIO_EAC3 || spec.format == AUDIO_AC4;
     uint8_t streamId =
-        isPrivate ? PES_STREAM_ID_PRIVATE_1 : static_cast<uint8_t>(streamIdAudio + component);
-    PesStream stream = {audio.pid, {}};
-    for (size_t k = 0; k < count; k++) {
-        int64_t pts = soundDelay + static_cast<int64_t>(k) * frame;
+        isPrivate ? PES_STREAM_ID_PRIVATE_1 : static_cast<uint8_t>(streamIdAudio + sound.component);
+    for (size_t k = 0; k < frames.size(); k++) {
+        int64_t pts = soundDelay + static_cast<int64_t>(k) * frameTicks(spec);
         // The last ones may come a little sooner: the very last takes up to 16 packets.
-        int64_t prefetch = soundPrefetch + (k + 3 < count ? 0 : lastPrefetch);
-        stream.packets.push_back({pesPacket(streamId, pts, pts, frames[k]), pts - prefetch - margin,
-                                  pts - margin, false});
+        int64_t prefetch = soundPrefetch + (k + 3 < frames.size() ? 0 : lastPrefetch);
+        stream->packets.push_back({pesPacket(streamId, pts, pts, frames[k]),
+                                   pts - prefetch - margin, pts - margin, false});
     }
-    streams->push_back(stream);
     return true;
 }
 
 /** Spreads data over the loop: each piece of every cycle in a PES packet of its own. */
-static void addPrivate(uint16_t pid, int64_t duration, const PrivateSource& source,
-                       std::vector<PesStream>* streams) {
-    PesStream stream = {pid, {}};
+static void makePrivate(const PrivateSource& source, int64_t duration, PesStream* stream) {
     size_t total = source.cycles * source.piecesPerCycle;
     int64_t interval = duration / static_cast<int64_t>(total);
     for (size_t k = 0; k < total; k++) {
         int64_t time = static_cast<int64_t>(k) * interval;
         int64_t pts = time + pictureDelay;
-        stream.packets.push_back(
+        stream->packets.push_back(
             {source.packet(k / source.piecesPerCycle, k % source.piecesPerCycle, pts), time,
              time + interval, false});
     }
-    streams->push_back(stream);
 }
 
-static bool hasStream(const std::vector<PesStream>& streams, uint16_t pid) {
-    for (const PesStream& stream : streams)
-        if (stream.pid == pid)
-            return true;
-    return false;
+static void planPrivate(uint16_t pid, int64_t duration, const PrivateSource& source,
+                        std::vector<StreamPlan>* plans) {
+    plans->push_back({pid, source.name, [=](EncodedContent*, PesStream* stream, std::string*) {
+                          makePrivate(source, duration, stream);
+                          return true;
+                      }});
 }
 
-bool addStreams(const Multiplex& multiplex, const Channel& channel, int64_t duration,
-                EncodedContent* encoded, std::vector<PesStream>* streams, std::string* error) {
-    if (channel.videoPid != 0 && !addVideo(videoSpec(multiplex, channel), channel.videoPid,
-                                           duration, encoded, streams, error))
-        return false;
+static void planSound(const Multiplex& multiplex, const Channel& channel, unsigned component,
+                      int64_t duration, std::vector<StreamPlan>* plans) {
+    AudioSpec spec = audioSpec(multiplex, channel, component);
+    bool dvb = multiplex.standard->family == Family::Dvb;
+    Sound sound = {spec, dvb ? AacFraming::Latm : AacFraming::Adts, component,
+                   static_cast<size_t>(duration / frameTicks(spec))};
+    plans->push_back({channel.audio[component].pid,
+                      "sound " + keyOf(sound) + joined({component, frameTicks(spec)}),
+                      [=](EncodedContent* encoded, PesStream* stream, std::string* error) {
+                          return makeSound(sound, encoded, stream, error);
+                      }});
+}
+
+static bool isPlanned(const std::vector<StreamPlan>& plans, uint16_t pid) {
+    return std::any_of(plans.begin(), plans.end(),
+                       [&](const StreamPlan& plan) { return plan.pid == pid; });
+}
+
+void planStreams(const Multiplex& multiplex, const Channel& channel, int64_t duration,
+                 std::vector<StreamPlan>* plans) {
+    if (channel.videoPid != 0) {
+        VideoSpec spec = videoSpec(multiplex, channel);
+        plans->push_back({channel.videoPid, "video " + keyOf(spec) + joined({frameTicks(spec)}),
+                          [=](EncodedContent* encoded, PesStream* stream, std::string* error) {
+                              return makeVideo(spec, duration, encoded, stream, error);
+                          }});
+    }
     for (unsigned i = 0; i < channel.audio.size(); i++)
-        if (!addSound(multiplex, channel, i, duration, encoded, streams, error))
-            return false;
+        planSound(multiplex, channel, i, duration, plans);
     Family family = multiplex.standard->family;
     for (size_t i = 0; i < channel.subtitlePids.size(); i++)
-        addPrivate(channel.subtitlePids[i], duration,
-                   family == Family::Isdb ? captionSource(i) : subtitleSource(i), streams);
+        planPrivate(channel.subtitlePids[i], duration,
+                    family == Family::Isdb ? captionSource(i) : subtitleSource(i), plans);
     for (size_t i = 0; i < channel.otherPids.size(); i++)
-        addPrivate(channel.otherPids[i], duration,
-                   family == Family::Dvb && i == 0 ? teletextSource() : dataSource(), streams);
-    if (channel.pesPid != 0 && !hasStream(*streams, channel.pesPid))
-        addPrivate(channel.pesPid, duration, dataSource(), streams);
-    return true;
+        planPrivate(channel.otherPids[i], duration,
+                    family == Family::Dvb && i == 0 ? teletextSource() : dataSource(), plans);
+    if (channel.pesPid != 0 && !isPlanned(*plans, channel.pesPid))
+        planPrivate(channel.pesPid, duration, dataSource(), plans);
 }
 
 }  // namespace mkstreams

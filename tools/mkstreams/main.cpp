@@ -2,12 +2,16 @@
  * mkstreams: makes the transport streams of the laboratory's line-up.
  *
  * Each multiplex of the channel files becomes a file in the folder of --out, and streams.cfg there
- * tells which transmitter plays which. A file is made again only when something that it is made of
- * has changed: the configuration, or this program.
+ * tells which transmitter plays which. The stamp beside a file tells what it was made of: a file is
+ * made again only when something of that has changed, and is removed, like its stamp, when the
+ * line-up has it no more. Files without a stamp are somebody else's.
  */
 #include <fnmatch.h>
+#include <inttypes.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -27,9 +31,9 @@ namespace fs = std::filesystem;
 struct Options {
     std::string config;
     std::string out;
-    std::string only;
-    bool variants;
-    bool quiet;
+    std::string only = "*";
+    bool variants = false;
+    bool quiet = false;
 };
 
 /** What the manifest says of a file. */
@@ -39,115 +43,75 @@ struct Made {
     int64_t packetTicks;
 };
 
-/** Reads the options; -1 to go on, else what main returns. */
-static int readOptions(int argc, char** argv, Options* options) {
-    CLI::App app("Makes the transport streams of the configured line-up.", "mkstreams");
-    app.add_option("--config", options->config, "The configuration tree; its folder common is read")
-        ->type_name("DIR")
-        ->required();
-    app.add_option("--out", options->out,
-                   "Folder of the streams and of streams.cfg, made if need be")
-        ->type_name("DIR")
-        ->required();
-    app.add_option("--only", options->only,
-                   "Make only files whose name matches, '*' and '?' as in a shell")
-        ->type_name("PATTERN");
-    app.add_flag("--variants", options->variants,
-                 "Make the streams for tests too: damaged, discontinuous, ...");
-    app.add_flag("--quiet", options->quiet, "Say nothing but what goes wrong");
-    return readOptions(&app, argc, argv);
-}
-
 static std::string readFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
-/** Writes a file whole or not at all. */
+/** Writes a file whole or not at all, so that it lasts. */
 static bool writeFile(const fs::path& path, const void* data, size_t size) {
-    fs::path temporary = path;
-    temporary += ".tmp";
-    {
-        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-        file.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
-        if (!file.flush())
-            return false;
-    }
-    std::error_code failure;
-    fs::rename(temporary, path, failure);
-    return !failure;
-}
-
-/** FNV-1a of 64 bits: enough to tell a change. */
-static uint64_t hashed(uint64_t hash, const std::string& text) {
-    for (char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
-    return hash;
-}
-
-/** Hash of all that streams are made of: the configuration's line-up and this program. */
-static uint64_t inputsHash(const std::string& config) {
-    uint64_t hash = hashed(0xCBF29CE484222325, readFile("/proc/self/exe"));
-    std::map<std::string, std::string> files;
-    std::error_code failure;
-    for (const fs::directory_entry& entry : fs::directory_iterator(config + "/common", failure)) {
-        std::string name = entry.path().filename().string();
-        if (name == "demux_config.cfg" || name.rfind("channel_", 0) == 0)
-            files[name] = readFile(entry.path());
-    }
-    for (const auto& file : files)
-        hash = hashed(hashed(hash, file.first), file.second);
-    return hash;
+    std::string temporary = path.string() + ".tmp";
+    FILE* file = fopen(temporary.c_str(), "wbe");
+    bool written = file != nullptr && fwrite(data, 1, size, file) == size && fflush(file) == 0 &&
+                   fdatasync(fileno(file)) == 0;
+    written = file != nullptr && fclose(file) == 0 && written;
+    if (written && rename(temporary.c_str(), path.c_str()) == 0)
+        return true;
+    remove(temporary.c_str());
+    return false;
 }
 
 static fs::path stampPath(const fs::path& file) {
-    fs::path path = file;
-    path += ".stamp";
-    return path;
+    return file.string() + ".stamp";
 }
 
-/** Whether a file is as the inputs would make it; fills what the manifest needs. */
+/** The time of a file's last change, nanoseconds; a stamp is that of the very file that has it. */
+static int64_t changeTime(const fs::path& file) {
+    struct stat status = {};
+    stat(file.c_str(), &status);
+    return status.st_mtim.tv_sec * INT64_C(1000000000) + status.st_mtim.tv_nsec;
+}
+
+/** Whether a file is as inputs with that hash would make it; fills what the manifest needs. */
 static bool isCurrent(const fs::path& file, uint64_t hash, Made* made) {
-    unsigned long long stamped = 0;
-    long long ticks = 0;
-    std::string stamp = readFile(stampPath(file));
-    if (sscanf(stamp.c_str(), "%llx %zu %zu %lld", &stamped, &made->packetBytes, &made->packets,
-               &ticks) != 4)
+    uint64_t stamped = 0;
+    int64_t changed = 0;
+    if (sscanf(readFile(stampPath(file)).c_str(), "%" SCNx64 " %zu %zu %" SCNd64 " %" SCNd64,
+               &stamped, &made->packetBytes, &made->packets, &made->packetTicks, &changed) != 5)
         return false;
-    made->packetTicks = ticks;
     std::error_code failure;
     return stamped == hash && fs::file_size(file, failure) == made->packetBytes * made->packets &&
-           !failure;
+           !failure && changed == changeTime(file);
 }
 
 static bool writeStream(const fs::path& file, const Bytes& bytes, uint64_t hash, const Made& made) {
-    char stamp[80];
-    int size =
-        snprintf(stamp, sizeof(stamp), "%llx %zu %zu %lld\n", static_cast<unsigned long long>(hash),
-                 made.packetBytes, made.packets, static_cast<long long>(made.packetTicks));
-    return writeFile(file, bytes.data(), bytes.size()) &&
-           writeFile(stampPath(file), stamp, static_cast<size_t>(size));
+    if (!writeFile(file, bytes.data(), bytes.size()))
+        return false;
+    char stamp[120];
+    int size = snprintf(stamp, sizeof(stamp), "%016" PRIx64 " %zu %zu %" PRId64 " %" PRId64 "\n",
+                        hash, made.packetBytes, made.packets, made.packetTicks, changeTime(file));
+    return writeFile(stampPath(file), stamp, static_cast<size_t>(size));
 }
 
 /** One run of the program. */
 struct Run {
     Options options;
     LineUp lineUp;
-    uint64_t hash;
     std::map<std::string, Made> made; /**< by file name */
-    bool good;
+    bool good = true;
 };
 
 /** A file to be made, and what came of it. */
 struct Job {
     const Multiplex* multiplex;
+    uint64_t hash; /**< of its inputs */
     Made made;
     bool finished;     /**< the file is there */
     std::string error; /**< empty when all went well */
 };
 
 static bool wanted(const Run& run, const std::string& name) {
-    return run.options.only.empty() || fnmatch(run.options.only.c_str(), name.c_str(), 0) == 0;
+    return fnmatch(run.options.only.c_str(), name.c_str(), 0) == 0;
 }
 
 static void complain(Run& run, const std::string& file, const std::string& error) {
@@ -161,7 +125,7 @@ static void makeFile(const Run& run, EncodedContent* encoded, Job* job) {
         return;
     job->made = {packetSize, stream.packets.size() / packetSize, stream.packetTicks};
     fs::path file = fs::path(run.options.out) / job->multiplex->file;
-    job->finished = writeStream(file, stream.packets, run.hash, job->made);
+    job->finished = writeStream(file, stream.packets, job->hash, job->made);
     if (!job->finished)
         job->error = "cannot be written";
 }
@@ -173,11 +137,12 @@ static std::vector<Job> jobsOf(Run& run) {
     for (const Multiplex& multiplex : run.lineUp.multiplexes) {
         if (!seen.insert(multiplex.file).second)
             continue;
+        uint64_t hash = inputsHash(inputsOf(run.lineUp, multiplex));
         Made made = {};
-        if (isCurrent(fs::path(run.options.out) / multiplex.file, run.hash, &made))
+        if (isCurrent(fs::path(run.options.out) / multiplex.file, hash, &made))
             run.made[multiplex.file] = made;
         else if (wanted(run, multiplex.file))
-            jobs.push_back({&multiplex, {}, false, ""});
+            jobs.push_back({&multiplex, hash, {}, false, ""});
     }
     return jobs;
 }
@@ -216,20 +181,27 @@ static void makeFiles(Run& run) {
     }
 }
 
+static std::string variantFile(const Variant& variant) {
+    return std::string("test_") + variant.name + ".ts";
+}
+
+/** Makes the variants, or without the option only notes those that are there and current. */
 static void makeVariants(Run& run) {
     const Multiplex& multiplex = run.lineUp.multiplexes.front();
+    uint64_t goodHash = inputsHash(inputsOf(run.lineUp, multiplex));
+    std::vector<Burst> bursts = tablesOf(run.lineUp, multiplex);
     EncodedContent encoded;
     TransportStream good;
-    std::vector<Burst> bursts = tablesOf(run.lineUp, multiplex);
     for (size_t i = 0; i < variantCount; i++) {
-        std::string name = std::string("test_") + variants[i].name + ".ts";
+        std::string name = variantFile(variants[i]);
         fs::path file = fs::path(run.options.out) / name;
+        uint64_t hash = variantHash(goodHash, name);
         Made made = {};
-        if (isCurrent(file, run.hash, &made)) {
+        if (isCurrent(file, hash, &made)) {
             run.made[name] = made;
             continue;
         }
-        if (!wanted(run, name))
+        if (!run.options.variants || !wanted(run, name))
             continue;
         std::string error;
         if (good.packets.empty() && !makeStream(run.lineUp, multiplex, &encoded, &good, &error)) {
@@ -238,10 +210,30 @@ static void makeVariants(Run& run) {
         }
         Bytes bytes = variants[i].make(multiplex, good, bursts);
         made = {variants[i].packetBytes, bytes.size() / variants[i].packetBytes, good.packetTicks};
-        if (writeStream(file, bytes, run.hash, made))
+        if (writeStream(file, bytes, hash, made))
             run.made[name] = made;
         else
             complain(run, name, "cannot be written");
+    }
+}
+
+/** Removes what an earlier run made and neither the line-up nor the manifest names. */
+static void removeUnused(const Run& run) {
+    std::set<std::string> used;
+    for (const Multiplex& multiplex : run.lineUp.multiplexes)
+        used.insert(multiplex.file);
+    for (const auto& [name, made] : run.made)
+        used.insert(name);
+    std::vector<fs::path> unused;
+    for (const fs::directory_entry& entry : fs::directory_iterator(run.options.out))
+        if (entry.path().extension() == ".stamp" && used.count(entry.path().stem().string()) == 0)
+            unused.push_back(entry.path());
+    for (const fs::path& stamp : unused) {
+        std::error_code ignored;
+        fs::remove(stamp.parent_path() / stamp.stem(), ignored);
+        fs::remove(stamp, ignored);
+        if (!run.options.quiet)
+            printf("%s: removed\n", stamp.stem().c_str());
     }
 }
 
@@ -288,7 +280,7 @@ static bool writeManifest(const Run& run) {
     }
     int64_t found = 0;
     for (size_t i = 0; i < variantCount; i++) {
-        std::string name = std::string("test_") + variants[i].name + ".ts";
+        std::string name = variantFile(variants[i]);
         auto made = run.made.find(name);
         if (made == run.made.end())
             continue;
@@ -305,23 +297,36 @@ static bool writeManifest(const Run& run) {
 
 int main(int argc, char** argv) {
     Run run = {};
-    run.good = true;
-    int code = readOptions(argc, argv, &run.options);
-    if (code >= 0)
-        return code;
+    CLI::App app("Makes the transport streams of the laboratory's line-up.", "mkstreams");
+    app.add_option("--config", run.options.config,
+                   "the configuration tree; its folder common is read")
+        ->required()
+        ->type_name("DIR");
+    app.add_option("--out", run.options.out,
+                   "folder of the streams and of streams.cfg, made if need be")
+        ->required()
+        ->type_name("DIR");
+    app.add_option("--only", run.options.only,
+                   "make only files whose name matches, as the shell matches")
+        ->type_name("PATTERN");
+    app.add_flag("--variants", run.options.variants,
+                 "make the streams for tests too: damaged, discontinuous, ...");
+    app.add_flag("--quiet", run.options.quiet, "say nothing but what goes wrong");
+    int answer = readOptions(&app, argc, argv);
+    if (answer >= 0)
+        return answer;
     std::string error;
     if (!readLineUp(run.options.config, &run.lineUp, &error)) {
         fprintf(stderr, "mkstreams: %s\n", error.c_str());
-        return 1;
+        return EXIT_FAILED;
     }
     std::error_code failure;
     fs::create_directories(run.options.out, failure);
-    run.hash = inputsHash(run.options.config);
     makeFiles(run);
-    if (run.options.variants)
-        makeVariants(run);
-    if (!writeManifest(run)) {
+    makeVariants(run);
+    if (!writeManifest(run))
         complain(run, "streams.cfg", "cannot be written in " + run.options.out);
-    }
-    return run.good ? 0 : 1;
+    if (run.good)
+        removeUnused(run);
+    return run.good ? EXIT_DONE : EXIT_FAILED;
 }

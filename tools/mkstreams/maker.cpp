@@ -31,18 +31,28 @@ std::string complaintAbout(const LineUp& lineUp, const std::vector<Burst>& burst
     return "";
 }
 
+StreamInputs inputsOf(const LineUp& lineUp, const Multiplex& multiplex) {
+    StreamInputs inputs;
+    inputs.duration = loopTicks(multiplex);
+    inputs.pcrPid = multiplex.channels.front().pcrPid;
+    inputs.bursts = tablesOf(lineUp, multiplex);
+    for (const Channel& channel : multiplex.channels)
+        planStreams(multiplex, channel, inputs.duration, &inputs.plans);
+    return inputs;
+}
+
 bool makeStream(const LineUp& lineUp, const Multiplex& multiplex, EncodedContent* encoded,
                 TransportStream* stream, std::string* error) {
-    MultiplexInput input;
-    input.duration = loopTicks(multiplex);
-    input.pcrPid = multiplex.channels.front().pcrPid;
-    input.bursts = tablesOf(lineUp, multiplex);
-    *error = complaintAbout(lineUp, input.bursts);
+    StreamInputs inputs = inputsOf(lineUp, multiplex);
+    *error = complaintAbout(lineUp, inputs.bursts);
     if (!error->empty())
         return false;
-    for (const Channel& channel : multiplex.channels)
-        if (!addStreams(multiplex, channel, input.duration, encoded, &input.streams, error))
+    MultiplexInput input = {inputs.bursts, {}, inputs.pcrPid, inputs.duration};
+    for (const StreamPlan& plan : inputs.plans) {
+        input.streams.push_back({plan.pid, {}});
+        if (!plan.make(encoded, &input.streams.back(), error))
             return false;
+    }
     return multiplexAtFittingRate(input, stream, error);
 }
 

@@ -17,6 +17,26 @@ std::vector<Burst> tablesOf(const LineUp& lineUp, const Multiplex& multiplex);
 /** Checks what may not be on the air, and that every section is sound. Empty when all is well. */
 std::string complaintAbout(const LineUp& lineUp, const std::vector<Burst>& bursts);
 
+/** All that a loop of a multiplex is made of. */
+struct StreamInputs {
+    std::vector<Burst> bursts;
+    std::vector<StreamPlan> plans;
+    uint16_t pcrPid;
+    int64_t duration; /**< 27 MHz ticks */
+};
+
+StreamInputs inputsOf(const LineUp& lineUp, const Multiplex& multiplex);
+
+/**
+ * A number that changes with anything that changes the stream made of these inputs: they
+ * themselves, the code that codes and multiplexes them, and the libraries' encoders. Comments and
+ * the code of tables do not count: the tables' bytes are inputs.
+ */
+uint64_t inputsHash(const StreamInputs& inputs);
+
+/** The same for a variant of the stream with that hash. */
+uint64_t variantHash(uint64_t streamHash, const std::string& name);
+
 /** Makes one loop of a multiplex at the lowest rate that carries it. */
 bool makeStream(const LineUp& lineUp, const Multiplex& multiplex, EncodedContent* encoded,
                 TransportStream* stream, std::string* error);

@@ -94,7 +94,8 @@ static Bytes displaySet(size_t which, bool shown, unsigned version) {
 }
 
 PrivateSource subtitleSource(size_t which) {
-    return {cyclesPerLoop, 2, [which](size_t cycle, size_t piece, int64_t pts) {
+    std::string name = "subtitles " + std::to_string(which);
+    return {name, cyclesPerLoop, 2, [which](size_t cycle, size_t piece, int64_t pts) {
                 Bytes data = {0x20, 0x00};  // data_identifier, subtitle_stream_id
                 append(data, displaySet(which, piece == 0,
                                         static_cast<unsigned>((2 * cycle + piece) % 16)));
@@ -148,7 +149,8 @@ static Bytes captionStatement(size_t which, size_t cycle) {
 }
 
 PrivateSource captionSource(size_t which) {
-    return {cyclesPerLoop, 2, [which](size_t cycle, size_t piece, int64_t pts) {
+    std::string name = "captions " + std::to_string(which);
+    return {name, cyclesPerLoop, 2, [which](size_t cycle, size_t piece, int64_t pts) {
                 Bytes data = {0x80, 0xFF, 0xF0};  // synchronous, private_stream_id, header length
                 append(data, piece == 0 ? dataGroup(0, captionManagement())
                                         : dataGroup(1, captionStatement(which, cycle)));
@@ -228,12 +230,12 @@ static Bytes teletextPacket(size_t piece, int64_t pts) {
 }
 
 PrivateSource teletextSource() {
-    return {cyclesPerLoop, piecesOfPage,
+    return {"teletext", cyclesPerLoop, piecesOfPage,
             [](size_t, size_t piece, int64_t pts) { return teletextPacket(piece, pts); }};
 }
 
 PrivateSource dataSource() {
-    return {cyclesPerLoop, 1, [](size_t cycle, size_t, int64_t pts) {
+    return {"data", cyclesPerLoop, 1, [](size_t cycle, size_t, int64_t pts) {
                 Bytes data;
                 putText(data, "Laboratory data " + std::to_string(10 + cycle % cyclesPerLoop));
                 return pesPacket(PES_STREAM_ID_PRIVATE_1, pts, pts, data);

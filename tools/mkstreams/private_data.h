@@ -3,6 +3,7 @@
 #define TOOLS_MKSTREAMS_PRIVATE_DATA_H
 
 #include <functional>
+#include <string>
 
 #include "tools/mkstreams/bytes.h"
 
@@ -11,7 +12,8 @@ namespace mkstreams {
 /** Data that repeats in cycles of several pieces, each a PES packet. A loop holds a multiple of 16
  *  cycles, and a piece has the same size in each, so that packets per loop come out right. */
 struct PrivateSource {
-    size_t cycles; /**< in a loop */
+    std::string name; /**< tells it from other sources */
+    size_t cycles;    /**< in a loop */
     size_t piecesPerCycle;
     /** The PES packet of a piece, to be presented at pts, 27 MHz ticks. */
     std::function<Bytes(size_t cycle, size_t piece, int64_t pts)> packet;
