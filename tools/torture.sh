@@ -4,6 +4,6 @@ set -e
 cd "$(dirname "$0")/.."
 tools/torture_bench.sh build/release build/torture/bench
 build/release/torture --dir build/torture/bench --out build/torture/limits \
-    --limits tests/torture/limits.txt
+    --limits tests/torture/limits
 exec build/release/torture --dir build/torture/bench --out build/torture/results --resume \
-    --exceptions tests/torture/exceptions.txt --answers tests/torture/answers.txt "$@"
+    --exceptions tests/torture/exceptions --answers tests/torture/answers.txt "$@"

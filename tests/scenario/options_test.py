@@ -24,8 +24,8 @@ class OptionsTest(unittest.TestCase):
             self.assertIn("Usage: " + tool, out)
 
     def test_a_mistake_is_named_and_nothing_is_done(self):
-        exceptions = os.path.join(TORTURE_LISTS, "exceptions.txt")
-        limits = os.path.join(TORTURE_LISTS, "limits.txt")
+        exceptions = os.path.join(TORTURE_LISTS, "exceptions")
+        limits = os.path.join(TORTURE_LISTS, "limits")
         mistakes = [
             (["mkchecklist"], "name the workbook to write"),
             (["mkchecklist", "--bogus"], "--bogus"),
@@ -38,7 +38,7 @@ class OptionsTest(unittest.TestCase):
             (["mkstreams", "--config", "/nowhere"], "--out"),
             (["torture", "--out", "/nowhere"], "--exceptions or --limits"),
             (["torture", "--out", "/nowhere", "--exceptions", "/nowhere/e"],
-             "cannot read /nowhere/e"),
+             "Directory does not exist: /nowhere/e"),
             (["torture", "--out", "/nowhere", "--limits", limits, "--exceptions", exceptions],
              "--limits"),
             (["torture", "--out", "/nowhere", "--limits", limits], "/ is no bench"),

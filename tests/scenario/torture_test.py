@@ -23,12 +23,12 @@ class TortureTest(bench.BenchTest):
         return done.stdout
 
     def test_every_fault_of_a_sample_is_caught(self):
-        out = self.run_tool("--exceptions", os.path.join(LISTS, "exceptions.txt"),
+        out = self.run_tool("--exceptions", os.path.join(LISTS, "exceptions"),
                             "--answers", os.path.join(LISTS, "answers.txt"), "--every", EVERY)
         self.assertIn("every fault is caught", out)
 
     def test_limits_turn_at_their_millisecond(self):
-        self.run_tool("--limits", os.path.join(LISTS, "limits.txt"))
+        self.run_tool("--limits", os.path.join(LISTS, "limits"))
 
 
 if __name__ == "__main__":

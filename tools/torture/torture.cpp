@@ -422,6 +422,8 @@ struct Options {
 };
 
 struct Exception {
+    /** Whose cases it excuses. */
+    std::string module;
     /** "missed", "unclean" or "both". */
     std::string what;
     std::string casePattern;
@@ -430,36 +432,50 @@ struct Exception {
     unsigned used = 0;
 };
 
-/** Lines: what, pattern of cases, pattern of steps (blank as '_'), reason. */
-bool loadExceptions(const fs::path& path, std::vector<Exception>* list) {
-    std::ifstream file(path);
-    if (!file) {
-        fprintf(stderr, "torture: cannot read the exceptions %s\n", path.c_str());
-        return false;
-    }
-    for (std::string line; std::getline(file, line);) {
-        std::istringstream words(line);
-        Exception exception;
-        if (line.empty() || line[0] == '#')
-            continue;
-        words >> exception.what >> exception.casePattern >> exception.stepPattern;
-        std::getline(words, exception.reason);
-        bool known =
-            exception.what == "missed" || exception.what == "unclean" || exception.what == "both";
-        if (!known || exception.reason.size() < 10) {
-            fprintf(stderr, "torture: %s: no exception: %s\n", path.c_str(), line.c_str());
-            return false;
+/** The file of a module in a folder of lists, empty when the module needs none. */
+std::ifstream openList(const fs::path& folder, const TcModule& module) {
+    return std::ifstream(folder / (std::string(module.name) + ".txt"));
+}
+
+/** A file a module. Lines: what, pattern of cases, pattern of steps (blank as '_'), reason. */
+bool loadExceptions(const fs::path& folder, std::vector<Exception>* list) {
+    for (const TcModule* module : testModules) {
+        std::ifstream file = openList(folder, *module);
+        for (std::string line; std::getline(file, line);) {
+            std::istringstream words(line);
+            Exception exception;
+            if (line.empty() || line[0] == '#')
+                continue;
+            exception.module = module->name;
+            words >> exception.what >> exception.casePattern >> exception.stepPattern;
+            std::getline(words, exception.reason);
+            bool known = exception.what == "missed" || exception.what == "unclean" ||
+                         exception.what == "both";
+            if (!known || exception.reason.size() < 10) {
+                fprintf(stderr, "torture: %s: no exception: %s\n", module->name, line.c_str());
+                return false;
+            }
+            list->push_back(exception);
         }
-        list->push_back(exception);
     }
     return true;
 }
 
-bool excepted(std::vector<Exception>* list, const char* what, const std::string& caseName,
-              std::string step) {
+struct Job {
+    const TcModule* module;
+    const TcCase* testCase;
+    fs::path file;
+    std::string answer;
+    pid_t pid = 0;
+    unsigned firstStep = 0;
+};
+
+bool excepted(std::vector<Exception>* list, const char* what, const Job& job, std::string step) {
+    const std::string caseName = job.testCase->name;
     std::replace(step.begin(), step.end(), ' ', '_');
     for (Exception& exception : *list) {
         if ((exception.what == what || exception.what == "both") &&
+            exception.module == job.module->name &&
             fnmatch(exception.casePattern.c_str(), caseName.c_str(), 0) == 0 &&
             fnmatch(exception.stepPattern.c_str(), step.c_str(), 0) == 0) {
             exception.used++;
@@ -477,15 +493,6 @@ std::map<std::string, std::string> loadAnswers(const fs::path& path) {
         answers[name] = answer;
     return answers;
 }
-
-struct Job {
-    const TcModule* module;
-    const TcCase* testCase;
-    fs::path file;
-    std::string answer;
-    pid_t pid = 0;
-    unsigned firstStep = 0;
-};
 
 /** Gives a worker a device of its own with the files of the bench's, and its answers. */
 void prepareWorker(const Options& options, const Job& job) {
@@ -570,8 +577,9 @@ bool settle(Job* job, int status) {
 std::vector<Job> planJobs(const Options& options) {
     std::vector<Job> jobs;
     std::map<std::string, std::string> answers = loadAnswers(options.answers);
-    unsigned number = 0;
     for (const TcModule* module : testModules) {
+        // By the row in its module, so that a new row shifts nothing of another module.
+        unsigned number = 0;
         if (!options.modules.empty() && std::find(options.modules.begin(), options.modules.end(),
                                                   module->name) == options.modules.end())
             continue;
@@ -661,8 +669,9 @@ std::string field(const std::string& line, const char* key) {
 }
 
 /** Judges one step's line; prints what is wrong. */
-void judgeStep(const std::string& caseName, const std::string& line,
-               std::vector<Exception>* exceptions, Count* count, std::ostream& report) {
+void judgeStep(const Job& job, const std::string& line, std::vector<Exception>* exceptions,
+               Count* count, std::ostream& report) {
+    const std::string caseName = job.testCase->name;
     std::istringstream parts(line);
     std::string word, index, step;
     std::getline(parts, word, '\t');
@@ -677,7 +686,7 @@ void judgeStep(const std::string& caseName, const std::string& line,
         return;
     }
     bool caught = verdict != "0" && verdict != "2";
-    bool forgiven = !caught && excepted(exceptions, "missed", caseName, step);
+    bool forgiven = !caught && excepted(exceptions, "missed", job, step);
     count->caught += caught;
     count->exceptedSteps += forgiven;
     if (!caught && !forgiven) {
@@ -688,7 +697,7 @@ void judgeStep(const std::string& caseName, const std::string& line,
         isUndo(step.substr(0, step.find('#'))) && step.find("refuse") != std::string::npos;
     std::string left = refusedUndo ? "" : field(line, "left");
     if ((!left.empty() || field(line, "threads") != "0" || field(line, "heap") == "grows") &&
-        !excepted(exceptions, "unclean", caseName, step)) {
+        !excepted(exceptions, "unclean", job, step)) {
         count->unclean++;
         report << "UNCLEAN " << caseName << " " << step << " threads=" << field(line, "threads")
                << " heap=" << field(line, "heap") << " left=" << left << "\n";
@@ -709,12 +718,12 @@ void judgeCase(const Job& job, std::vector<Exception>* exceptions, Count* count,
                 report << "BASE    " << name << " ends with " << verdict << " without a fault\n";
             }
             std::string left = line.substr(line.rfind('\t') + 1);
-            if (!left.empty() && !excepted(exceptions, "unclean", name, "base")) {
+            if (!left.empty() && !excepted(exceptions, "unclean", job, "base")) {
                 count->unclean++;
                 report << "UNCLEAN " << name << " without a fault left=" << left << "\n";
             }
         } else if (line.compare(0, 5, "step\t") == 0) {
-            judgeStep(name, line, exceptions, count, report);
+            judgeStep(job, line, exceptions, count, report);
         } else if (line.compare(0, 6, "broken") == 0) {
             count->broken++;
             report << "BROKEN  " << name << " without a fault\n";
@@ -762,19 +771,19 @@ struct LimitJob {
     pid_t pid = 0;
 };
 
-/** Lines: pattern of cases, step, last good delay in milliseconds, what the limit is. False when a
- *  line cannot be read or names no case. */
+/** A file a module. Lines: pattern of cases, step, last good delay in milliseconds, what the limit
+ *  is. False when a line cannot be read or names no case. */
 bool loadLimits(const Options& options, std::vector<LimitJob>* jobs) {
-    std::ifstream file(options.limits);
-    bool good = static_cast<bool>(file);
-    for (std::string line; std::getline(file, line);) {
-        std::istringstream words(line);
-        std::string pattern, step, lastGoodMs;
-        if (line.empty() || line[0] == '#')
-            continue;
-        words >> pattern >> step >> lastGoodMs;
-        size_t before = jobs->size();
-        for (const TcModule* module : testModules) {
+    bool good = true;
+    for (const TcModule* module : testModules) {
+        std::ifstream file = openList(options.limits, *module);
+        for (std::string line; std::getline(file, line);) {
+            std::istringstream words(line);
+            std::string pattern, step, lastGoodMs;
+            if (line.empty() || line[0] == '#')
+                continue;
+            words >> pattern >> step >> lastGoodMs;
+            size_t before = jobs->size();
             for (uint32_t i = 0; i < module->caseCount; i++) {
                 const TcCase* testCase = &module->cases[i];
                 if (testCase->autoFlag != AUTO || lastGoodMs.empty() ||
@@ -783,10 +792,10 @@ bool loadLimits(const Options& options, std::vector<LimitJob>* jobs) {
                 fs::path out = options.out / ("limit_" + std::to_string(jobs->size()));
                 jobs->push_back({module, testCase, step, lastGoodMs, out});
             }
-        }
-        if (jobs->size() == before) {
-            printf("LIMIT   no such case: %s\n", line.c_str());
-            good = false;
+            if (jobs->size() == before) {
+                printf("LIMIT   no such case of %s: %s\n", module->name, line.c_str());
+                good = false;
+            }
         }
     }
     return good;
@@ -861,11 +870,11 @@ int parse(int argc, char** argv, Options* options) {
     app.add_option("--out", out, "Folder of the results")->type_name("DIR")->required();
     CLI::Option* excused =
         app.add_option("--exceptions", exceptions, "What the rules of a case ignore on purpose")
-            ->type_name("FILE")
-            ->check(readable());
-    app.add_option("--limits", limits, "Hold the limits of this list instead")
-        ->type_name("FILE")
-        ->check(readable())
+            ->type_name("DIR")
+            ->check(CLI::ExistingDirectory);
+    app.add_option("--limits", limits, "Hold the limits of these lists instead")
+        ->type_name("DIR")
+        ->check(CLI::ExistingDirectory)
         ->excludes(excused);
     app.add_option("--answers", answers, "What is typed at cases that ask")
         ->type_name("FILE")
