@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "framework/case/ladder.h"
+#include "framework/case/prompt.h"
 #include "framework/case/wait.h"
 
 /** version_number in its byte of the section: xx11111x. */
@@ -304,6 +305,11 @@ uint32_t Demux_RecordedEvents(const RequestInfo_st* pRequestInfo) {
     return recorded(&pRequestInfo->eventReceivedCount);
 }
 
+bool Demux_ExpectOneData(CaseContext& tc, const RequestInfo_st* pRequestInfo) {
+    return TC_EXPECT_EQUAL(1, pRequestInfo->eventReceivedCount) &&
+           TC_EXPECT_EQUAL(QLX_FILTER_EVENT_DATA_COME, pRequestInfo->eventRecord[0].eEvent);
+}
+
 void Demux_FreeEvents(RequestInfo_st* pRequestInfo) {
     const uint32_t count = Demux_RecordedEvents(pRequestInfo);
     for (uint32_t i = 0; i < count; i++) {
@@ -324,6 +330,16 @@ void Demux_FreePesEvents(PesRequestInfo_st* pRequestInfo) {
             record->pesData.pBuffer = nullptr;
         }
     }
+}
+
+bool Demux_AskForTable(RequestInfo_st* pRequestInfo) {
+    uint32_t pid = 0;
+    uint32_t tableId = 0;
+    if (tc_askHex(&pid) != PROMPT_NUMBER || tc_askHex(&tableId) != PROMPT_NUMBER)
+        return false;
+    pRequestInfo->uPid = static_cast<uint16_t>(pid & 0x1fff);
+    pRequestInfo->tableId = static_cast<uint8_t>(tableId);
+    return true;
 }
 
 // Threads.

@@ -16,6 +16,8 @@
 #include "platform/qlx_filter.h"
 #include "testcase/demux/ts_reader.h"
 
+struct CaseContext;
+
 enum {
     /** Events that a record holds; further ones are only counted. */
     REQUEST_EVENT_MAX = 256,
@@ -131,9 +133,15 @@ uint32_t Demux_RequestPes(uint32_t eDemuxId, PesRequestInfo_st* pRequestInfo);
 
 /** How many of the events are in the record. */
 uint32_t Demux_RecordedEvents(const RequestInfo_st* pRequestInfo);
+/** Demands exactly one event, and that with data. Yields whether it holds. */
+bool Demux_ExpectOneData(CaseContext& tc, const RequestInfo_st* pRequestInfo);
 /** Frees the copies of all events. */
 void Demux_FreeEvents(RequestInfo_st* pRequestInfo);
 void Demux_FreePesEvents(PesRequestInfo_st* pRequestInfo);
+
+/** Reads the PID and the table id that the operator types, both hexadecimal. False when what is
+ *  typed is no such thing, or at the end of input. */
+bool Demux_AskForTable(RequestInfo_st* pRequestInfo);
 
 /**
  * Bodies of threads; `req` is a DemuxThreadRequest_st. Each makes loop_count requests with a pause
