@@ -1,9 +1,10 @@
 #!/bin/sh
 # Runs the whole unattended certification on the simulated device:
 #     ./run.sh [DIR] [options of build/release/zkbench]
-# Installs what is missing, builds, and leaves checklist.xls, report.xls and console.log in DIR
-# (build/bench). Safe to repeat. Exits with 0 when the run was completed. Paths of the command line
-# are relative to the folder that it is called from.
+# Installs what is missing, builds, and leaves checklist.xls, report.xls, its readable forms
+# report.html, report.xml (JUnit) and report.jsonl, and console.log in DIR (build/bench). Safe to
+# repeat. Exits with 0 when the run was completed. Paths of the command line are relative to the
+# folder that it is called from.
 set -e
 project=$(cd "$(dirname "$0")" && pwd)
 (

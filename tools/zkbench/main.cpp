@@ -9,8 +9,11 @@
 
 #include <algorithm>
 
+#include "tools/common/files.h"
 #include "tools/common/options.h"
 #include "tools/common/process.h"
+#include "tools/report/forms.h"
+#include "tools/report/html.h"
 #include "tools/zkbench/findings.h"
 #include "tools/zkbench/run.h"
 #include "tools/zkbench/stream_store.h"
@@ -208,6 +211,38 @@ void printRanges(const char* title, const std::vector<RowRange>& ranges) {
         printf("    %s\n", describe(range).c_str());
 }
 
+/** The forms of a report that lie beside it, for people and build servers. */
+const struct {
+    const char* extension;
+    std::string (*make)(const report::Run& run);
+} forms[] = {
+    {".html", report::htmlOf},
+    {".xml", report::junitOf},
+    {".jsonl", report::jsonLinesOf},
+};
+
+fs::path formOf(const RunFiles& files, const char* extension) {
+    return fs::path(files.report).replace_extension(extension);
+}
+
+/** Forms of an earlier report would pass for those of this one. */
+void removeForms(const RunFiles& files) {
+    for (const auto& form : forms)
+        fs::remove(formOf(files, form.extension));
+}
+
+void writeForms(const Options& options, const RunFiles& files, const report::Run& run) {
+    for (const auto& form : forms) {
+        fs::path path = formOf(files, form.extension);
+        try {
+            writeWhole({path}, form.make(run));
+            printf("%s\n", (options.folder / path).c_str());
+        } catch (const fs::filesystem_error& error) {
+            printf("not written: %s\n", error.what());
+        }
+    }
+}
+
 /** Prints what came of the run. Returns whether it was completed. `why` tells why it ended too
  *  early, empty when it did not. */
 bool summarise(const Options& options, const RunFiles& files, std::string why) {
@@ -224,6 +259,8 @@ bool summarise(const Options& options, const RunFiles& files, std::string why) {
         printRanges("Marked rows without a verdict:", findings.missing);
         if (why.empty() && !findings.missing.empty())
             why = std::to_string(countRows(findings.missing)) + " marked rows have no verdict";
+        printf("\n");
+        writeForms(options, files, run);
     } catch (const report::Error& error) {
         printf("no report: %s\n", error.what());
         why = why.empty() ? "there is no report" : why;
@@ -255,6 +292,7 @@ int useFolder(const Options& options) {
     report::Checklist checklist = report::readChecklist(files.checklist);
     if (!options.run.resume)
         keepLastRun(files);
+    removeForms(files);
     std::string why = runToTheEnd(options.run, files, checklist);
     bool complete = summarise(options, files, why);
     rememberResults(files);
