@@ -1,12 +1,11 @@
 #!/bin/sh
-# All benchmarks, on the release build: report saves, start-up, virtual time, stream reading.
+# All benchmarks, on the release build, as tables: report saves, start-up, stream reading, the
+# simulated demultiplexer, virtual time. Options are those of build/release/benchmarks, for instance
+# --benchmark_filter=Report or --benchmark_format=json.
 set -e
 cd "$(dirname "$0")"
-tools/setup.sh
+tools/setup.sh >&2
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 cmake --preset release > /dev/null
-cmake --build --preset release
-for program in build/release/*_bench; do
-    echo "== $(basename "$program")"
-    "$program"
-done
+cmake --build --preset release --target benchmarks vclock vclock_run >&2
+exec bench/run.sh build/release "$@"
