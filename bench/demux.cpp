@@ -13,6 +13,7 @@
 #include "platform/qlx_filter.h"
 #include "simulator/core/sim.h"
 #include "simulator/stream/ts_stream.h"
+#include "simulator/tuner/reception.h"
 #include "simulator/world/air.h"
 #include "tests/shared/demux_streams.h"
 

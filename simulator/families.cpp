@@ -1,21 +1,29 @@
+// The one list of the families, in the order in which they are reset and told of.
 #include "simulator/families.h"
+
+#define FAMILIES(FAMILY) \
+    FAMILY(familyGpio)   \
+    FAMILY(familyI2C)    \
+    FAMILY(familyTuner)  \
+    FAMILY(familySys)    \
+    FAMILY(familyEnv)    \
+    FAMILY(familyHdcp)   \
+    FAMILY(familyFlash)  \
+    FAMILY(familyTeec)   \
+    FAMILY(familyPM)     \
+    FAMILY(familyDemux)  \
+    FAMILY(familyCI)
 
 namespace sim {
 
-const Family families[] = {
-    // name    reset        describe        control
-    {"GPIO", gpioReset, gpioDescribe, nullptr},
-    {"I2C", i2cReset, i2cDescribe, nullptr},
-    {"Tuner", tunerReset, tunerDescribe, tunerControl},
-    {"Sys", sysReset, sysDescribe, nullptr},
-    {"Env", envReset, envDescribe, nullptr},
-    {"HDCP", hdcpReset, hdcpDescribe, hdcpControl},
-    {"Flash", flashReset, flashDescribe, nullptr},
-    {"TEEC", teecReset, teecDescribe, nullptr},
-    {"PM", pmReset, pmDescribe, pmControl},
-    {"Demux", demuxReset, demuxDescribe, demuxControl},
-    {"CI", ciReset, ciDescribe, nullptr},
-};
-const int familyCount = sizeof(families) / sizeof(families[0]);
+#define FAMILY(name) extern const Family name;
+FAMILIES(FAMILY)
+#undef FAMILY
+
+std::vector<const Family*> families() {
+#define FAMILY(name) &name,
+    return {FAMILIES(FAMILY)};
+#undef FAMILY
+}
 
 }  // namespace sim

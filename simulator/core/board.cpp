@@ -1,14 +1,13 @@
 #include "simulator/core/board.h"
 
-#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <mutex>
 #include <sstream>
-#include <vector>
 
 #include "simulator/core/sim.h"
+#include "simulator/core/words.h"
 
 namespace sim {
 
@@ -54,17 +53,13 @@ bool Cfg::has(const std::string& section, const std::string& key) const {
     return values_.count({section, key}) != 0;
 }
 
-int64_t Cfg::number(const std::string& section, const std::string& key, int64_t absent) const {
-    auto found = values_.find({section, key});
-    if (found == values_.end())
-        return absent;
-    return strtoll(found->second.c_str(), nullptr, 0);
+int64_t Cfg::number(const std::string& section, const std::string& key) const {
+    return leadingNumber(text(section, key));
 }
 
-std::string Cfg::text(const std::string& section, const std::string& key,
-                      const std::string& absent) const {
+std::string Cfg::text(const std::string& section, const std::string& key) const {
     auto found = values_.find({section, key});
-    return found == values_.end() ? absent : found->second;
+    return found == values_.end() ? "" : found->second;
 }
 
 struct BoardFiles {
@@ -85,6 +80,24 @@ static const char* const platformFolders[] = {
     "mtk9602_eu", "mtk9900_linux_us", "mtk9900_linux_eu",   "mtk9602_isdb",
 };
 
+static bool isNumber(const std::string& text) {
+    double number = 0;
+    int64_t whole = 0;
+    return readDecimal(text, &number) || readNumber(text, INT64_MIN, INT64_MAX, &whole);
+}
+
+/** Complains of what cannot be meant: a word where the default board has a number. */
+static void check(const Cfg& board) {
+    Cfg usual;
+    usual.add(defaultBoardText);
+    for (const auto& [key, value] : usual.values()) {
+        std::string given = board.text(key.first, key.second);
+        if (isNumber(value) && !isNumber(given))
+            complain("board file: '%s' is no number for %s of section %s", given.c_str(),
+                     key.second.c_str(), key.first.c_str());
+    }
+}
+
 static void loadOnce(BoardFiles& f) {
     if (f.loaded)
         return;
@@ -93,7 +106,8 @@ static void loadOnce(BoardFiles& f) {
     if (path != nullptr && !f.board.load(path))
         complain("cannot read the board file %s: the device is the default board", path);
     f.board.add(defaultBoardText);
-    std::string config = f.board.text("BOARD", "CONFIG", "config");
+    check(f.board);
+    std::string config = f.board.text("BOARD", "CONFIG");
     std::string platform = f.board.text("BOARD", "PLATFORM");
     if (platform.empty()) {
         Cfg automatic;
@@ -124,7 +138,7 @@ int64_t latencyMs(const char* function) {
 }
 
 std::string configDir() {
-    return board().text("BOARD", "CONFIG", "config");
+    return board().text("BOARD", "CONFIG");
 }
 
 std::string commonFile(const std::string& name) {

@@ -3,7 +3,7 @@
  *
  * The board file has the syntax of all configuration files. It is named by the environment variable
  * QLX_SIM_BOARD, and holds what differs from the default board (boards/default.cfg), which is built
- * in and has everything.
+ * in and has every key: there are no defaults elsewhere.
  */
 #ifndef SIMULATOR_CORE_BOARD_H
 #define SIMULATOR_CORE_BOARD_H
@@ -26,12 +26,17 @@ class Cfg {
 
     bool has(const std::string& section, const std::string& key) const;
     /** Numbers as the program reads them: decimal, 0x hexadecimal, leading 0 octal; else 0. */
-    int64_t number(const std::string& section, const std::string& key, int64_t absent = 0) const;
-    std::string text(const std::string& section, const std::string& key,
-                     const std::string& absent = "") const;
+    int64_t number(const std::string& section, const std::string& key) const;
+    /** Empty for a key that is not there. */
+    std::string text(const std::string& section, const std::string& key) const;
+
+    using Values = std::map<std::pair<std::string, std::string>, std::string>;
+    const Values& values() const {
+        return values_;
+    }
 
  private:
-    std::map<std::pair<std::string, std::string>, std::string> values_;
+    Values values_;
 };
 
 /** The default board, text of a configuration file. */
@@ -44,7 +49,7 @@ const Cfg& board();
  */
 int64_t latencyMs(const char* function);
 
-/** The folder of the configuration tree: key CONFIG of section BOARD, else "config". */
+/** The folder of the configuration tree: key CONFIG of section BOARD. */
 std::string configDir();
 
 /** A file of the common folder or of the platform's: "channel_dvb_t.cfg", "tuner_config.cfg".

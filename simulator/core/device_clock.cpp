@@ -4,10 +4,25 @@
 #include <time.h>
 
 #include <atomic>
+#include <chrono>
+#include <thread>
 
 #include "simulator/core/sim.h"
 
 namespace sim {
+
+int64_t nowUs() {
+    auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+int64_t nowMs() {
+    return nowUs() / 1000;
+}
+
+void sleepMs(int64_t milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
 
 /** The device's own offset to the machine's calendar, and the time that it was suspended for. */
 static std::atomic<int64_t> calendarOffsetUs{0};

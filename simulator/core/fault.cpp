@@ -9,10 +9,9 @@
 #include <cstring>
 #include <fstream>
 #include <mutex>
-#include <sstream>
 
 #include "simulator/core/sim.h"
-#include "simulator/sim_control.h"
+#include "simulator/core/words.h"
 
 // The program's own word on which case runs, where it offers one.
 extern "C" __attribute__((weak)) const char* volatile zk_currentCaseName;
@@ -41,18 +40,12 @@ static Faults& faults() {
     return *instance;
 }
 
-static bool parseNumber(const std::string& text, int base, int64_t* value) {
-    char* end = nullptr;
-    *value = strtoll(text.c_str(), &end, base);
-    return !text.empty() && *end == '\0';
-}
-
+/** "corrupt=OFFSET:XX". */
 static bool parseCorruption(const std::string& value, FaultEffect* effect) {
-    size_t colon = value.find(':');
-    int64_t offset = 0;
-    int64_t byte = 0;
-    if (colon == std::string::npos || !parseNumber(value.substr(0, colon), 0, &offset) ||
-        !parseNumber(value.substr(colon + 1), 16, &byte) || offset < 0 || byte < 0 || byte > 0xff)
+    std::string place, digits;
+    int64_t offset = 0, byte = 0;
+    if (!partWord(value, ':', &place, &digits) || !readNumber(place, 0, INT64_MAX, &offset) ||
+        !readNumber(digits, 0, 0xff, &byte, 16))
         return false;
     effect->corruptions.push_back({static_cast<size_t>(offset), static_cast<uint8_t>(byte)});
     return true;
@@ -62,77 +55,84 @@ static bool parseCorruption(const std::string& value, FaultEffect* effect) {
 static bool parseMemberChange(const std::string& key, const std::string& value,
                               FaultEffect* effect) {
     using Change = FaultEffect::MemberChange;
-    size_t colon = key == "set" ? value.find(':') : value.size();
-    if (colon == 0 || colon == std::string::npos)
-        return false;
-    Change change = {Change::flip, value.substr(0, colon), ""};
+    Change change = {Change::flip, value, ""};
     if (key == "zero")
         change.kind = Change::zero;
     if (key == "set") {
         change.kind = Change::set;
-        change.word = value.substr(colon + 1);
+        if (!partWord(value, ':', &change.path, &change.word))
+            return false;
     }
     effect->members.push_back(change);
+    return !change.path.empty();
+}
+
+/** "call=N", "call=N+". */
+static bool parseCall(std::string value, Fault* fault) {
+    fault->onward = !value.empty() && value.back() == '+';
+    if (fault->onward)
+        value.pop_back();
+    int64_t number = 0;
+    if (!readNumber(value, 1, UINT32_MAX, &number))
+        return false;
+    fault->nth = static_cast<unsigned>(number);
     return true;
+}
+
+/** A word without a value. */
+static bool parseFlag(const std::string& word, FaultEffect* effect) {
+    const struct {
+        const char* word;
+        bool FaultEffect::*flag;
+    } flags[] = {
+        {"hang", &FaultEffect::hang},   {"kill", &FaultEffect::kill},
+        {"drop", &FaultEffect::drop},   {"scramble", &FaultEffect::scramble},
+        {"blank", &FaultEffect::blank},
+    };
+    for (const auto& one : flags) {
+        if (word != one.word)
+            continue;
+        effect->*one.flag = true;
+        return true;
+    }
+    return false;
 }
 
 /** Takes one word behind the function's name; false when it is none. */
 static bool parseWord(const std::string& word, Fault* fault) {
-    size_t equals = word.find('=');
-    std::string key = word.substr(0, equals);
-    std::string value = equals == std::string::npos ? "" : word.substr(equals + 1);
-    int64_t number = 0;
+    std::string key, value;
     FaultEffect& effect = fault->effect;
-    if (key == "case") {
-        fault->caseName = value;
+    if (!partWord(word, '=', &key, &value))
+        return parseFlag(word, &effect);
+    if (key == "case" || key == "with") {
+        (key == "case" ? fault->caseName : fault->argument) = value;
         return !value.empty();
     }
-    if (key == "with") {
-        fault->argument = value;
-        return !value.empty();
-    }
-    if (key == "call") {
-        fault->onward = !value.empty() && value.back() == '+';
-        if (fault->onward)
-            value.pop_back();
-        if (!parseNumber(value, 0, &number) || number < 1)
-            return false;
-        fault->nth = static_cast<unsigned>(number);
-        return true;
-    }
+    if (key == "call")
+        return parseCall(value, fault);
     if (key == "corrupt")
         return parseCorruption(value, &effect);
     if (key == "flip" || key == "zero" || key == "set")
         return parseMemberChange(key, value, &effect);
-    if (key == "hang" || key == "kill" || key == "drop" || key == "scramble" || key == "blank") {
-        effect.hang = effect.hang || key == "hang";
-        effect.kill = effect.kill || key == "kill";
-        effect.drop = effect.drop || key == "drop";
-        effect.scramble = effect.scramble || key == "scramble";
-        effect.blank = effect.blank || key == "blank";
-        return equals == std::string::npos;
-    }
-    if (!parseNumber(value, 0, &number))
-        return false;
-    if (key == "return") {
+    int64_t number = 0;
+    if (key == "return" && readNumber(value, INT32_MIN, UINT32_MAX, &number)) {
         effect.refuse = true;
         effect.code = static_cast<int32_t>(number);
-    } else if (key == "delay" && number >= 0) {
-        effect.delayMs = number;
-    } else if (key == "repeat" && number >= 0 && number <= 1000) {
-        effect.repeat = static_cast<int>(number);
-    } else {
-        return false;
+        return true;
     }
-    return true;
+    if (key == "delay")
+        return readNumber(value, 0, INT64_MAX, &effect.delayMs);
+    bool good = key == "repeat" && readNumber(value, 0, 1000, &number);
+    effect.repeat = static_cast<int>(number);
+    return good;
 }
 
 bool addFault(const std::string& line, std::string* error) {
-    std::istringstream words(line);
+    Words words(line);
     Fault fault;
-    words >> fault.name;
+    words.next(&fault.name);
     int actions = 0;
-    for (std::string word; words >> word;) {
+    for (std::string word; words.next(&word);) {
         if (!parseWord(word, &fault)) {
             *error = "cannot read '" + word + "' in the fault '" + line + "'";
             return false;
@@ -195,8 +195,8 @@ static bool caseMatches(const Fault& fault) {
 static bool argumentMatches(const Fault& fault, const std::string& arguments) {
     if (fault.argument.empty())
         return true;
-    std::istringstream words(arguments);
-    for (std::string word; words >> word;) {
+    Words words(arguments);
+    for (std::string word; words.next(&word);) {
         if (word == fault.argument)
             return true;
     }
@@ -293,19 +293,3 @@ void dieAtOnce() {
 }
 
 }  // namespace sim
-
-void qlx_sim_clear_faults(void) {
-    sim::clearFaults();
-}
-
-unsigned qlx_sim_faults_acted(void) {
-    return sim::faultsActed();
-}
-
-int qlx_sim_add_fault(const char* line) {
-    std::string error;
-    if (sim::addFault(line, &error))
-        return 0;
-    sim::complain("%s", error.c_str());
-    return -1;
-}

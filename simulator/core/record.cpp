@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "simulator/core/sim.h"
+#include "simulator/core/words.h"
 
 namespace sim {
 
@@ -133,12 +133,12 @@ std::string showMember(const Member& member, const uint8_t* at) {
 
 /** Of "[3].uPlpId" the index; the rest is left in `path`. */
 bool takeIndex(std::string* path, size_t* index) {
-    char* end = nullptr;
-    errno = 0;
-    *index = strtoul(path->c_str() + 1, &end, 10);
-    if (end == path->c_str() + 1 || *end != ']' || errno != 0)
+    std::string digits;
+    int64_t number = 0;
+    if (!partWord(path->substr(1), ']', &digits, path) ||
+        !readNumber(digits, 0, INT32_MAX, &number, 10))
         return false;
-    path->erase(0, static_cast<size_t>(end - path->c_str()) + 1);
+    *index = static_cast<size_t>(number);
     return true;
 }
 
@@ -171,28 +171,20 @@ bool findWithin(Member member, uint8_t* at, std::string path, Place* place) {
     return false;
 }
 
-bool fits(const Member& member, const std::string& word, uint64_t* bits) {
-    char* end = nullptr;
-    errno = 0;
-    unsigned width = static_cast<unsigned>(8 * member.size);
-    if (member.kind == MemberKind::signedNumber) {
-        int64_t number = strtoll(word.c_str(), &end, 0);
-        int64_t limit = static_cast<int64_t>(uint64_t{1} << (width - 1));
-        if (width < 64 && (number < -limit || number >= limit))
-            return false;
-        *bits = static_cast<uint64_t>(number);
-    } else {
-        *bits = strtoull(word.c_str(), &end, 0);
-        if (word.empty() || word[0] == '-' || (width < 64 && *bits >> width != 0))
-            return false;
-    }
-    return !word.empty() && *end == '\0' && errno == 0;
+bool readBits(const Member& member, const std::string& word, uint64_t* bits) {
+    unsigned unused = static_cast<unsigned>(64 - 8 * member.size);
+    if (member.kind != MemberKind::signedNumber)
+        return readUnsigned(word, UINT64_MAX >> unused, bits);
+    int64_t number = 0;
+    if (!readNumber(word, INT64_MIN >> unused, INT64_MAX >> unused, &number))
+        return false;
+    *bits = static_cast<uint64_t>(number);
+    return true;
 }
 
 bool setFloating(const Place& place, const std::string& word) {
-    char* end = nullptr;
-    double number = strtod(word.c_str(), &end);
-    if (word.empty() || *end != '\0')
+    double number = 0;
+    if (!readDecimal(word, &number))
         return false;
     float single = static_cast<float>(number);
     if (place.member.size == sizeof single)
@@ -323,7 +315,7 @@ bool setMember(const Place& place, const std::string& word) {
     if (member.kind == MemberKind::floating)
         return setFloating(place, word);
     uint64_t bits = 0;
-    if (!fits(member, word, &bits))
+    if (!readBits(member, word, &bits))
         return false;
     uint8_t bytes[sizeof bits];
     for (size_t i = 0; i < member.size; i++)

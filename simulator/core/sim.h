@@ -21,6 +21,7 @@
 #ifndef SIMULATOR_CORE_SIM_H
 #define SIMULATOR_CORE_SIM_H
 
+#include <stdarg.h>
 #include <stddef.h>
 #include <stdint.h>
 
@@ -137,22 +138,17 @@ int64_t nowUs();
 /** Lets the calling thread wait. */
 void sleepMs(int64_t milliseconds);
 
-/** Acts on the lines that were appended to the control file since the last call. Each entry of the
- *  program does so; a device thread that waits for the outside world does it by itself, with no
- *  family lock held. */
-void takeOutsideEvents();
-
 /** printf into a string. */
 std::string format(const char* text, ...) SIM_PRINTF(1, 2);
+std::string vformat(const char* text, va_list arguments) SIM_PRINTF(1, 0);
 
 /** The next number of the device's seeded generator. Any thread may call. */
 uint32_t random32();
+/** Lets them begin anew. */
+void resetRandom();
 
 /** A complaint about the device's own inputs (board, fault, control files), on standard error. */
 void complain(const char* text, ...) SIM_PRINTF(1, 2);
-
-/** Stops any faults, jobs and traces of the core, for a reset of the whole device. */
-void resetCore();
 
 }  // namespace sim
 

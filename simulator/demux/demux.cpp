@@ -9,10 +9,7 @@
 // a transmitter that plays a stream. Whatever changes of this, sections and PES packets that were
 // under way are lost.
 //
-// Events of the outside world: "stream FILE byte OFFSET XX" changes a byte of a file on the air,
-// "stream FILE table PID TABLE OFFSET XX" a byte of a table, "stream FILE intact" puts all right
-// again. Board file, section DEMUX: FILTER_NUM (32), the filters
-// of a demultiplexer; STREAM_PATH, the folder of the streams.
+// Board file, section DEMUX: FILTER_NUM, the filters of a demultiplexer.
 #include "simulator/demux/demux.h"
 
 #include <algorithm>
@@ -24,12 +21,14 @@
 #include "platform/qlx_demux.h"
 #include "platform/qlx_tuner.h"
 #include "simulator/core/board.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/source_record.h"
 #include "simulator/demux/demux_state.h"
-#include "simulator/families.h"
+#include "simulator/tuner/reception.h"
 #include "simulator/world/air.h"
 #include "simulator/world/broadcast.h"
+#include "simulator/world/world.h"
 
 namespace sim {
 
@@ -38,10 +37,8 @@ SIM_RECORD(QLX_DemuxCapability, SIM_MEMBER(QLX_DemuxCapability, FilterNum),
 
 namespace {
 
-constexpr int64_t defaultFilterNum = 32;
-
 uint32_t filterNum() {
-    return static_cast<uint32_t>(board().number("DEMUX", "FILTER_NUM", defaultFilterNum));
+    return static_cast<uint32_t>(board().number("DEMUX", "FILTER_NUM"));
 }
 
 TsStreamPtr streamFor(const Demux& demux, uint64_t* reception) {
@@ -101,6 +98,8 @@ void refreshAll() {
             tellListeners(number);
     }
 }
+
+const WorldListener onBroadcast{broadcastPart, refreshAll};
 
 /** The refusal of a call that needs an open demultiplexer, 0 when there is none. */
 int32_t refusalOf(uint32_t number) {
@@ -268,15 +267,14 @@ void demuxFeed(uint32_t number, const uint8_t* packets, size_t count) {
     }
 }
 
-void demuxReset() {
+static void reset() {
     closeAll();
-    streamReset();
     std::lock_guard<std::mutex> lock(demuxFamily().mutex);
     demuxFamily().lastHandle = 0;
     demuxFamily().buffers.clear();
 }
 
-void demuxDescribe(std::string* out) {
+static void describe(std::string* out) {
     DemuxFamily& family = demuxFamily();
     std::lock_guard<std::mutex> lock(family.mutex);
     if (family.initialised)
@@ -299,12 +297,7 @@ void demuxDescribe(std::string* out) {
     }
 }
 
-bool demuxControl(const std::string& event) {
-    if (!streamControl(event))
-        return false;
-    refreshAll();
-    return true;
-}
+extern const Family familyDemux = {reset, describe};
 
 }  // namespace sim
 

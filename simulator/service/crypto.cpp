@@ -84,7 +84,7 @@ const Engine& engine() {
 
 bool supported(uint32_t mode) {
     return mode < modeCount && engine().ciphers[mode] != nullptr &&
-           sim::board().number("CRYPTO", modes[mode].boardKey, 1) != 0;
+           sim::board().number("CRYPTO", modes[mode].boardKey) != 0;
 }
 
 struct Operation {

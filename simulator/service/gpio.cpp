@@ -6,8 +6,8 @@
 #include <mutex>
 
 #include "platform/qlx_gpio.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
-#include "simulator/families.h"
 
 namespace {
 
@@ -61,14 +61,20 @@ int32_t QLX_GPIOSetValue(uint32_t pin, int32_t level) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::gpioReset() {
+static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
     state().levels.clear();
 }
 
-void sim::gpioDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (state().initialised)
         *out += "GPIO initialised\n";
 }
+
+namespace sim {
+
+extern const Family familyGpio = {reset, describe};
+
+}  // namespace sim

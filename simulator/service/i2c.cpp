@@ -12,8 +12,8 @@
 
 #include "platform/qlx_i2c.h"
 #include "simulator/core/board.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
-#include "simulator/families.h"
 
 namespace sim {
 
@@ -49,10 +49,12 @@ I2CState& state() {
 bool chipExists(uint32_t bus, uint8_t address) {
     sim::Cfg common;
     common.load(sim::platformFile("common_config.cfg"));
-    if (common.number("IIC", "IIC_DEV_BUS_ID") == bus &&
-        common.number("IIC", "IIC_DEV_ADDR", -1) == address)
+    auto named = [&](const char* section, const char* key) {
+        return common.has(section, key) && common.number(section, key) == address;
+    };
+    if (common.number("IIC", "IIC_DEV_BUS_ID") == bus && named("IIC", "IIC_DEV_ADDR"))
         return true;
-    if (bus == QLX_I2C_0 && common.number("AMP", "AMP_I2C_ADDR", -1) == address)
+    if (bus == QLX_I2C_0 && named("AMP", "AMP_I2C_ADDR"))
         return true;
     for (int i = 0;; i++) {
         std::string key = "CHIP" + std::to_string(i);
@@ -148,7 +150,7 @@ int32_t QLX_I2CWrite(uint32_t busId, const QLX_I2CConfig* config, const uint8_t*
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::i2cReset() {
+static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
     for (bool& open : state().open)
@@ -156,7 +158,7 @@ void sim::i2cReset() {
     state().registers.clear();
 }
 
-void sim::i2cDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (state().initialised)
         *out += "I2C initialised\n";
@@ -165,3 +167,9 @@ void sim::i2cDescribe(std::string* out) {
             *out += sim::format("I2C bus %u open\n", bus);
     }
 }
+
+namespace sim {
+
+extern const Family familyI2C = {reset, describe};
+
+}  // namespace sim

@@ -13,14 +13,12 @@
 // State rules: nothing needs initialisation. One suspend or standby at a time. An alarm that passes
 // while the device is awake does nothing.
 //
-// Events of the outside world: "wakeup SOURCE [DETAIL] [after MS]", with SOURCE ir (DETAIL: key
-// code), keypad, cec (DETAIL: physical address), lan or wlan. With "after" it is announced: it
-// comes MS milliseconds into the next suspension or standby. Without, it comes now: it ends a
-// suspension, tells a program that was started out of standby what has woken the device, and is
-// nothing to a device that is awake.
+// A wake-up of the outside world may be announced: it comes at a time of the next suspension or
+// standby. One that comes now ends a suspension, tells a program that was started out of standby
+// what has woken the device, and is nothing to a device that is awake.
 //
-// Board file, section PM: ENTER_MS, from the call to the begin of a suspension (50 ms); RESUME_MS,
-// from its end to the report (200 ms); SHUTDOWN_MS, from the call to the end in standby (2000 ms).
+// Board file, section PM: ENTER_MS, from the call to the begin of a suspension; RESUME_MS, from its
+// end to the report; SHUTDOWN_MS, from the call to the end in standby.
 #include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -28,7 +26,6 @@
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -36,9 +33,11 @@
 #include "platform/qlx_pm.h"
 #include "simulator/core/board.h"
 #include "simulator/core/device_clock.h"
+#include "simulator/core/family.h"
+#include "simulator/core/outside.h"
 #include "simulator/core/sim.h"
-#include "simulator/families.h"
 #include "simulator/service/pm_memory.h"
+#include "simulator/world/wake_up.h"
 
 namespace {
 
@@ -48,21 +47,6 @@ constexpr int64_t lookMs = 100;
 constexpr uint32_t allConditions = QLX_SYS_WAKEUP_COND_IR | QLX_SYS_WAKEUP_COND_KEYPAD |
                                    QLX_SYS_WAKEUP_COND_CEC | QLX_SYS_WAKEUP_COND_RTC | 16 |
                                    QLX_SYS_WAKEUP_COND_LAN | QLX_SYS_WAKEUP_COND_WLAN;
-
-struct Source {
-    const char* name;
-    uint32_t condition;
-    uint32_t reason;
-};
-
-/** Sources in the outside world. */
-const Source sources[] = {
-    {"ir", QLX_SYS_WAKEUP_COND_IR, QLX_SYS_WAKEUP_REASON_IR},
-    {"keypad", QLX_SYS_WAKEUP_COND_KEYPAD, QLX_SYS_WAKEUP_REASON_KEYPAD},
-    {"cec", QLX_SYS_WAKEUP_COND_CEC, QLX_SYS_WAKEUP_REASON_CEC},
-    {"lan", QLX_SYS_WAKEUP_COND_LAN, QLX_SYS_WAKEUP_REASON_WOL},
-    {"wlan", QLX_SYS_WAKEUP_COND_WLAN, QLX_SYS_WAKEUP_REASON_WOW},
-};
 
 /** A wake-up that is known to come. */
 struct Announced {
@@ -198,7 +182,7 @@ void suspend(QLX_SysStandbyCallback callback, void* userData) {
         sim::sleepSuspended(next.afterUs);
     else if (!waitForOutsideWorld())
         return;
-    sim::sleepMs(sim::board().number("PM", "RESUME_MS", 200));
+    sim::sleepMs(sim::board().number("PM", "RESUME_MS"));
     {
         std::lock_guard<std::mutex> lock(raw().mutex);
         if (raw().abandoned)
@@ -248,6 +232,20 @@ void wakeNow(PmState& s, uint32_t condition, const sim::WakeUp& wake) {
     }
 }
 
+/** Somebody outside has done what may wake the device, or will. */
+void wakeUpCame() {
+    for (const sim::WakeUpEvent& event : sim::takeWakeUps()) {
+        std::lock_guard<std::mutex> lock(raw().mutex);
+        sim::WakeUp wake{event.source->reason, event.detail};
+        if (event.afterMs >= 0)
+            state().announced.push_back({event.afterMs * 1000, event.source->condition, wake});
+        else
+            wakeNow(state(), event.source->condition, wake);
+    }
+}
+
+const sim::WorldListener onWakeUp{sim::wakeUpPart, wakeUpCame};
+
 /** Sets a register of the controller and keeps it. */
 void store(uint32_t sim::PmMemory::*field, uint32_t value) {
     std::lock_guard<std::mutex> lock(raw().mutex);
@@ -283,11 +281,11 @@ int32_t QLX_SysEnterStandby(uint32_t mode, QLX_SysStandbyCallback callback, void
     if (mode == QLX_SYS_STANDBY_MODE_STR) {
         s.power = Power::Leaving;
         s.woken = false;
-        s.thread.post(&s, sim::board().number("PM", "ENTER_MS", 50),
+        s.thread.post(&s, sim::board().number("PM", "ENTER_MS"),
                       [callback, userData] { suspend(callback, userData); });
     } else {
         s.power = Power::GoingDown;
-        s.thread.post(&s, sim::board().number("PM", "SHUTDOWN_MS", 2000), shutDown);
+        s.thread.post(&s, sim::board().number("PM", "SHUTDOWN_MS"), shutDown);
     }
     SIM_RETURN(QLX_SUCCESS);
 }
@@ -426,7 +424,7 @@ void sim::setCalendarBesideRtc(int64_t us) {
     save(s);
 }
 
-void sim::pmReset() {
+static void reset() {
     {
         std::lock_guard<std::mutex> lock(raw().mutex);
         raw().abandoned = true;
@@ -437,11 +435,11 @@ void sim::pmReset() {
     PmState& s = raw();
     s.abandoned = s.woken = s.loaded = false;
     s.power = Power::Awake;
-    s.wake = WakeUp();
+    s.wake = sim::WakeUp();
     s.announced.clear();
 }
 
-void sim::pmDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(raw().mutex);
     if (raw().power == Power::GoingDown)
         *out += "PM going to standby\n";
@@ -449,36 +447,8 @@ void sim::pmDescribe(std::string* out) {
         *out += "PM suspended\n";
 }
 
-/** A number from 0 to 32 bits, in any base that C writes. */
-static bool isNumber(const std::string& word, int64_t* number) {
-    char* end = nullptr;
-    *number = strtoll(word.c_str(), &end, 0);
-    return !word.empty() && *end == '\0' && *number >= 0 && *number <= UINT32_MAX;
-}
+namespace sim {
 
-bool sim::pmControl(const std::string& event) {
-    std::istringstream text(event);
-    std::vector<std::string> words;
-    for (std::string word; text >> word;)
-        words.push_back(word);
-    if (words.size() < 2 || words[0] != "wakeup")
-        return false;
-    const Source* source = std::find_if(std::begin(sources), std::end(sources),
-                                        [&](const Source& s) { return words[1] == s.name; });
-    if (source == std::end(sources))
-        return false;
-    size_t at = 2;
-    int64_t detail = 0, afterMs = -1;
-    if (at < words.size() && words[at] != "after" && !isNumber(words[at++], &detail))
-        return false;
-    if (at < words.size() &&
-        (words[at] != "after" || at + 2 != words.size() || !isNumber(words[at + 1], &afterMs)))
-        return false;
-    std::lock_guard<std::mutex> lock(raw().mutex);
-    WakeUp wake{source->reason, static_cast<uint32_t>(detail)};
-    if (afterMs >= 0)
-        state().announced.push_back({afterMs * 1000, source->condition, wake});
-    else
-        wakeNow(state(), source->condition, wake);
-    return true;
-}
+extern const Family familyPM = {reset, describe};
+
+}  // namespace sim

@@ -1,7 +1,5 @@
 #include "simulator/service/pm_memory.h"
 
-#include <stdlib.h>
-
 #include <map>
 #include <string>
 
@@ -9,6 +7,7 @@
 #include "simulator/core/device_clock.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/storage_file.h"
+#include "simulator/core/words.h"
 
 namespace sim {
 
@@ -18,7 +17,7 @@ static std::string memoryPath() {
 
 static int64_t number(const std::map<std::string, std::string>& values, const char* key) {
     auto found = values.find(key);
-    return found == values.end() ? 0 : strtoll(found->second.c_str(), nullptr, 0);
+    return found == values.end() ? 0 : leadingNumber(found->second);
 }
 
 static uint32_t word(const std::map<std::string, std::string>& values, const char* key) {

@@ -14,8 +14,8 @@
 #include "platform/qlx_sys.h"
 #include "simulator/core/board.h"
 #include "simulator/core/device_clock.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
-#include "simulator/families.h"
 #include "simulator/service/pm_memory.h"
 
 namespace sim {
@@ -58,36 +58,6 @@ SysState& state() {
     return *instance;
 }
 
-struct CapabilityField {
-    const char* key;
-    uint32_t QLX_SysCapability::*field;
-    int64_t absent;
-};
-
-/** The fields and what the default board has of each. */
-// clang-format off
-const CapabilityField capabilityFields[] = {
-    {"NumberOfTuners",              &QLX_SysCapability::NumberOfTuners,              4},
-    {"NumberOfCvbsSources",         &QLX_SysCapability::NumberOfCvbsSources,         2},
-    {"NumberOfYcSources",           &QLX_SysCapability::NumberOfYcSources,           0},
-    {"NumberOfYcCvbsSources",       &QLX_SysCapability::NumberOfYcCvbsSources,       0},
-    {"NumberOfYpbprSources",        &QLX_SysCapability::NumberOfYpbprSources,        2},
-    {"NumberOfYpbprCvbsSources",    &QLX_SysCapability::NumberOfYpbprCvbsSources,    0},
-    {"NumberOfYpbprYcCvbsSources",  &QLX_SysCapability::NumberOfYpbprYcCvbsSources,  0},
-    {"NumberOfScarts",              &QLX_SysCapability::NumberOfScarts,              0},
-    {"NumberOfVgaSources",          &QLX_SysCapability::NumberOfVgaSources,          1},
-    {"NumberOfHdmiSources",         &QLX_SysCapability::NumberOfHdmiSources,         3},
-    {"NumberOfCiSlots",             &QLX_SysCapability::NumberOfCiSlots,             2},
-    {"NumberOfDemuxes",             &QLX_SysCapability::NumberOfDemuxes,             4},
-    {"NumberOfVideoPlayers",        &QLX_SysCapability::NumberOfVideoPlayers,        2},
-    {"NumberOfAudioPlayers",        &QLX_SysCapability::NumberOfAudioPlayers,        2},
-    {"NumberOfVideoOut",            &QLX_SysCapability::NumberOfVideoOut,            2},
-    {"NumberOfAudioOut",            &QLX_SysCapability::NumberOfAudioOut,            5},
-    {"NumberOfVideoWindow",         &QLX_SysCapability::NumberOfVideoWindow,         2},
-    {"NumberOfRecorders",           &QLX_SysCapability::NumberOfRecorders,           2},
-};
-// clang-format on
-
 /** Sets one of the switches. */
 void switchTo(bool SysState::*which, uint32_t enabled) {
     std::lock_guard<std::mutex> lock(state().mutex);
@@ -106,7 +76,7 @@ int32_t QLX_SysGetChipID(char* chipID) {
     SIM_ENTRY("id=%s", sim::showPointer(chipID));
     if (chipID == nullptr)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
-    std::string text = sim::board().text("SYS", "CHIP_ID", "QLX9900-B1-00A7D3C2");
+    std::string text = sim::board().text("SYS", "CHIP_ID");
     snprintf(chipID, QLX_SYS_CHIP_ID_SIZE, "%s", text.c_str());
     simCall.output({sim::textValue("id", chipID, strlen(chipID))});
     SIM_RETURN(QLX_SUCCESS);
@@ -128,12 +98,13 @@ int32_t QLX_SysGetCapability(QLX_SysCapability* capability) {
     SIM_ENTRY("capability=%s", sim::showPointer(capability));
     if (capability == nullptr)
         SIM_RETURN(QLX_SYS_ERR_INVALID_PARA);
-    for (const CapabilityField& entry : capabilityFields)
-        capability->*entry.field =
-            static_cast<uint32_t>(sim::board().number("CAPABILITY", entry.key, entry.absent));
-    if (!sim::board().has("CAPABILITY", "NumberOfTuners"))
-        capability->NumberOfTuners =
-            static_cast<uint32_t>(sim::board().number("TUNER", "COUNT", 4));
+    *capability = {};
+    for (const sim::Member& field : sim::recordOf<QLX_SysCapability>().members) {
+        uint32_t number = static_cast<uint32_t>(sim::board().number("CAPABILITY", field.name));
+        memcpy(reinterpret_cast<uint8_t*>(capability) + field.offset, &number, sizeof number);
+    }
+    if (sim::board().text("CAPABILITY", "NumberOfTuners").empty())
+        capability->NumberOfTuners = static_cast<uint32_t>(sim::board().number("TUNER", "COUNT"));
     simCall.output({sim::value("capability", capability)});
     SIM_RETURN(QLX_SUCCESS);
 }
@@ -184,14 +155,14 @@ int32_t QLX_KeypadLockValueGet(uint32_t* value) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::sysReset() {
+static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     state().comEnabled = state().uartEnabled = state().panelPowered = true;
     state().keypadLock = keypadUnlocked;
     sim::resetDeviceClock();
 }
 
-void sim::sysDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!state().comEnabled)
         *out += "SYS debug console off\n";
@@ -200,3 +171,9 @@ void sim::sysDescribe(std::string* out) {
     if (!state().panelPowered)
         *out += "SYS panel supply off\n";
 }
+
+namespace sim {
+
+extern const Family familySys = {reset, describe};
+
+}  // namespace sim

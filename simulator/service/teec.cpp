@@ -7,7 +7,7 @@
 // State rules: initialisation is a flag. A session has at most one callback. A dead TA refuses
 // messages until its session is closed and opened again. Answers without a callback are lost.
 //
-// Board file, section TEEC: ANSWER_MS, the time of an answer (20 ms).
+// Board file, section TEEC: ANSWER_MS, the time of an answer.
 #include <string.h>
 
 #include <mutex>
@@ -15,8 +15,8 @@
 
 #include "platform/qlx_teec.h"
 #include "simulator/core/board.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
-#include "simulator/families.h"
 
 namespace sim {
 
@@ -242,7 +242,7 @@ int32_t QLX_TEECTransData(uint32_t taId, const QLX_TEECCommand* command) {
         SIM_RETURN(QLX_TEEC_ERR_NOT_OPEN);
     if (session.dead)
         SIM_RETURN(QLX_TEEC_ERR_TA_DEAD);
-    int64_t answerMs = sim::board().number("TEEC", "ANSWER_MS", 20);
+    int64_t answerMs = sim::board().number("TEEC", "ANSWER_MS");
     for (Record& record : records) {
         if (record.cmdId == TA_DIE) {
             session.dead = true;
@@ -254,7 +254,7 @@ int32_t QLX_TEECTransData(uint32_t taId, const QLX_TEECCommand* command) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::teecReset() {
+static void reset() {
     {
         std::lock_guard<std::mutex> lock(state().mutex);
         state().initialised = false;
@@ -264,7 +264,7 @@ void sim::teecReset() {
     state().thread.cancelAll();
 }
 
-void sim::teecDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (state().initialised)
         *out += "TEEC initialised\n";
@@ -276,3 +276,9 @@ void sim::teecDescribe(std::string* out) {
             *out += sim::format("TEEC TA %u callback registered\n", i);
     }
 }
+
+namespace sim {
+
+extern const Family familyTeec = {reset, describe};
+
+}  // namespace sim

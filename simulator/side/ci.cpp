@@ -10,9 +10,9 @@
 
 #include "platform/qlx_ci.h"
 #include "platform/qlx_demux.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/source_record.h"
-#include "simulator/families.h"
 
 namespace sim {
 
@@ -114,17 +114,23 @@ int32_t QLX_CISetTsConfig(uint32_t eSlot, const QLX_CITsConfig* pstConfig) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::ciReset() {
+static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     closeAll(state());
 }
 
-void sim::ciDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (state().initialised)
         *out += "CI initialised\n";
     for (int slot = 0; slot < QLX_CI_SLOT_MAX; slot++) {
         if (state().slots[slot].open)
-            *out += format("CI slot %d open\n", slot);
+            *out += sim::format("CI slot %d open\n", slot);
     }
 }
+
+namespace sim {
+
+extern const Family familyCI = {reset, describe};
+
+}  // namespace sim

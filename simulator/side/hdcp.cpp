@@ -1,17 +1,15 @@
 // HDCP for wireless display: a started service meets the phone of the outside world, and tells how
 // the authentication went a moment later, once for each start.
 //
-// Board file, section HDCP: MIRACAST_MS, the time of an authentication (300 ms), and
-// MIRACAST_RESULT (1 authenticated, 2 failed, 0 no phone comes).
-// Event of the outside world: "miracast 1" or "miracast 2", another phone at a running service.
-#include <stdio.h>
-
+// Board file, section HDCP: MIRACAST_MS, the time of an authentication, and MIRACAST_RESULT (1
+// authenticated, 2 failed, 0 no phone comes).
 #include <mutex>
 
 #include "platform/qlx_hdcp.h"
 #include "simulator/core/board.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
-#include "simulator/families.h"
+#include "simulator/world/phone.h"
 
 namespace sim {
 
@@ -50,6 +48,17 @@ void tell(int32_t status) {
                  [&] { callback(serviceHandle, status); });
 }
 
+/** Another phone comes to a running service. */
+void phoneCame() {
+    for (int32_t status : sim::takePhones()) {
+        std::lock_guard<std::mutex> lock(state().mutex);
+        if (state().running)
+            state().thread.post(&state(), 0, [status] { tell(status); });
+    }
+}
+
+const sim::WorldListener onPhone{sim::phonePart, phoneCame};
+
 }  // namespace
 
 int32_t QLX_HDCPSetMiracastHdcpStatusCallack(QLX_HDCPMiracastCallback callback) {
@@ -68,10 +77,9 @@ int32_t QLX_HDCPStartMiracast(const QLX_HDCPMiracastData* data) {
     state().thread.cancel(&state());
     std::lock_guard<std::mutex> lock(state().mutex);
     state().running = true;
-    int32_t status = static_cast<int32_t>(
-        sim::board().number("HDCP", "MIRACAST_RESULT", QLX_HDCP_MIRACAST_AUTHENTICATED));
+    int32_t status = static_cast<int32_t>(sim::board().number("HDCP", "MIRACAST_RESULT"));
     if (status != 0)
-        state().thread.post(&state(), sim::board().number("HDCP", "MIRACAST_MS", 300),
+        state().thread.post(&state(), sim::board().number("HDCP", "MIRACAST_MS"),
                             [status] { tell(status); });
     SIM_RETURN(QLX_SUCCESS);
 }
@@ -88,25 +96,21 @@ int32_t QLX_HDCPStopMiracast(const QLX_HDCPMiracastData* data) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::hdcpReset() {
+static void reset() {
     state().thread.cancelAll();
     std::lock_guard<std::mutex> lock(state().mutex);
     state().running = false;
     state().callback = nullptr;
 }
 
-void sim::hdcpDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (state().running)
         *out += "HDCP wireless display service running\n";
 }
 
-bool sim::hdcpControl(const std::string& event) {
-    int status = 0;
-    if (sscanf(event.c_str(), "miracast %d", &status) != 1)
-        return false;
-    std::lock_guard<std::mutex> lock(state().mutex);
-    if (state().running)
-        state().thread.post(&state(), 0, [status] { tell(status); });
-    return true;
-}
+namespace sim {
+
+extern const Family familyHdcp = {reset, describe};
+
+}  // namespace sim

@@ -1,7 +1,7 @@
 // EEPROM: one chip, a file below the device's root. A new chip is erased (all bits set). There is
 // no state beside its contents.
 //
-// Board file, section EEPROM: PRESENT (1), SIZE (4096 bytes), RANGE_START (512), RANGE_END (3584).
+// Board file, section EEPROM.
 #include <mutex>
 
 #include "platform/qlx_eeprom.h"
@@ -35,11 +35,11 @@ std::mutex& chipMutex() {
 }
 
 bool present() {
-    return sim::board().number("EEPROM", "PRESENT", 1) != 0;
+    return sim::board().number("EEPROM", "PRESENT") != 0;
 }
 
 uint32_t chipSize() {
-    int64_t size = sim::board().number("EEPROM", "SIZE", 4096);
+    int64_t size = sim::board().number("EEPROM", "SIZE");
     return size < 1 || size > largestChip ? 0 : static_cast<uint32_t>(size);
 }
 
@@ -85,8 +85,8 @@ int32_t QLX_EepromGetRange(uint32_t* start, uint32_t* end) {
         SIM_RETURN(QLX_EEPROM_ERR_ABSENT);
     if (start == nullptr || end == nullptr)
         SIM_RETURN(QLX_EEPROM_ERR_INVALID_PARA);
-    Range range = {static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_START", 512)),
-                   static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_END", 3584))};
+    Range range = {static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_START")),
+                   static_cast<uint32_t>(sim::board().number("EEPROM", "RANGE_END"))};
     simCall.output({sim::value("range", &range)});
     *start = range.start;
     *end = range.end;

@@ -10,9 +10,9 @@
 
 #include "platform/qlx_env.h"
 #include "simulator/core/board.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/storage_file.h"
-#include "simulator/families.h"
 
 namespace {
 
@@ -105,10 +105,16 @@ int32_t QLX_SaveBootEnv(void) {
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::envReset() {
+static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     state().unsaved.clear();
 }
 
 // A change that was not saved is data, nothing that is open or runs.
-void sim::envDescribe(std::string*) {}
+static void describe(std::string*) {}
+
+namespace sim {
+
+extern const Family familyEnv = {reset, describe};
+
+}  // namespace sim

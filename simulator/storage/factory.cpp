@@ -80,7 +80,7 @@ int32_t QLX_FactoryGetNetflixEsnid(char* esnid, uint32_t size) {
     std::string payload;
     std::string serial = loadStored(QLX_FACTORYKEY_NETFLIX, &payload)
                              ? sim::serialNumberOf(payload)
-                             : sim::board().text("FACTORY", "ESN", "QLXSTB-PRV-00A7D3C2");
+                             : sim::board().text("FACTORY", "ESN");
     if (serial.empty())
         SIM_RETURN(QLX_FACTORY_ERR_NOT_FOUND);
     if (serial.size() >= size)

@@ -4,16 +4,16 @@
 // State rules: initialisation is a flag. Reading and writing need it, and the window that they are
 // given must lie in the partition, the bytes wholly in the window.
 //
-// Board file, section FLASH: PRESENT (1), PARTITION ("/dev/mmcblk0p2"), SIZE (65536 bytes).
+// Board file, section FLASH.
 #include <string.h>
 
 #include <mutex>
 
 #include "platform/qlx_flash.h"
 #include "simulator/core/board.h"
+#include "simulator/core/family.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/storage_file.h"
-#include "simulator/families.h"
 
 namespace sim {
 
@@ -39,11 +39,11 @@ FlashState& state() {
 }
 
 std::string partition() {
-    return sim::board().text("FLASH", "PARTITION", "/dev/mmcblk0p2");
+    return sim::board().text("FLASH", "PARTITION");
 }
 
 uint64_t partitionSize() {
-    int64_t size = sim::board().number("FLASH", "SIZE", 65536);
+    int64_t size = sim::board().number("FLASH", "SIZE");
     return size < 1 || size > largestPartition ? 0 : static_cast<uint64_t>(size);
 }
 
@@ -53,7 +53,7 @@ std::string pathOf(const QLX_FlashDevice* device) {
 
 /** Whether the board has the window's partition, and the window lies in it. */
 bool windowExists(const QLX_FlashDevice* device) {
-    if (device == nullptr || sim::board().number("FLASH", "PRESENT", 1) == 0)
+    if (device == nullptr || sim::board().number("FLASH", "PRESENT") == 0)
         return false;
     return pathOf(device) == partition() && device->size > 0 &&
            static_cast<uint64_t>(device->uDevOffset) + device->size <= partitionSize();
@@ -135,13 +135,19 @@ int32_t QLX_FlashWrite(const QLX_FlashDevice* device, uint32_t address, uint32_t
     SIM_RETURN(QLX_SUCCESS);
 }
 
-void sim::flashReset() {
+static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
 }
 
-void sim::flashDescribe(std::string* out) {
+static void describe(std::string* out) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (state().initialised)
         *out += "Flash initialised\n";
 }
+
+namespace sim {
+
+extern const Family familyFlash = {reset, describe};
+
+}  // namespace sim

@@ -6,8 +6,8 @@
 // event goes out. Later events come only when the outside world, or the supply of the LNB, changes
 // what is received.
 //
-// Events of the outside world are those of simulator/world/air.cpp. They have taken effect, their
-// event included, when the call that read them goes on: an operator takes longer than a
+// Cables and transmitters are those of simulator/world/air.cpp. Their changes have taken effect,
+// their event included, when the call that read them goes on: an operator takes longer than a
 // demodulator.
 //
 // State rules: initialisation is a flag, and its end closes everything. A tuner opens once; most
@@ -16,18 +16,17 @@
 #include <string>
 
 #include "simulator/core/board.h"
-#include "simulator/families.h"
+#include "simulator/core/family.h"
+#include "simulator/tuner/reception.h"
 #include "simulator/tuner/tuner_info.h"
 #include "simulator/tuner/tuner_records.h"
 #include "simulator/tuner/tuner_state.h"
+#include "simulator/world/world.h"
 
 namespace sim {
 
 namespace {
 
-constexpr int64_t defaultTunerCount = 4;
-constexpr int64_t defaultLockMs = 300;
-constexpr int64_t defaultUnlockMs = 500;
 /** How long a reader of the signal information waits for an event that is being delivered. */
 constexpr std::chrono::milliseconds deliveryPatience(10);
 /** How long an event of the outside world waits until the program has heard of it. */
@@ -36,7 +35,7 @@ constexpr std::chrono::milliseconds operatorPatience(200);
 constexpr int64_t physicalTimeAtPowerOn = 1700000000;
 
 uint32_t tunerCount() {
-    int64_t count = board().number("TUNER", "COUNT", defaultTunerCount);
+    int64_t count = board().number("TUNER", "COUNT");
     return count < 0 || count > maxTuners ? maxTuners : static_cast<uint32_t>(count);
 }
 
@@ -96,8 +95,8 @@ void decide(Tuner& tuner, uint64_t sequence, bool last) {
             return;
         Decision decision = decideNow(tuner);
         if (!decision.locked() && !last) {
-            int64_t lockMs = board().number("TUNER", "LOCK_MS", defaultLockMs);
-            int64_t unlockMs = board().number("TUNER", "UNLOCK_MS", defaultUnlockMs);
+            int64_t lockMs = board().number("TUNER", "LOCK_MS");
+            int64_t unlockMs = board().number("TUNER", "UNLOCK_MS");
             tuner.events->post(&tuner, unlockMs > lockMs ? unlockMs - lockMs : 0,
                                [&tuner, sequence] { decide(tuner, sequence, true); });
             return;
@@ -162,6 +161,9 @@ void airChanged() {
     }
 }
 
+const WorldListener onCable{cablePart, airChanged};
+const WorldListener onAir{airPart, airChanged};
+
 /** Sets supply, tone and user band as the record says. */
 void steerAntenna(Tuner& tuner, Call& call) {
     tuner.cableFrequency = tuner.record.uFrequency;
@@ -225,7 +227,6 @@ TunerFamily& tunerFamily() {
             family->tuners[i].events = new EventThread(eventNames[i]);
             family->tuners[i].scanner = new EventThread(scanNames[i]);
         }
-        onAirChange(airChanged);
         return family;
     }();
     return *instance;
@@ -274,7 +275,7 @@ bool reconsider(Tuner& tuner) {
     return true;
 }
 
-void tunerReset() {
+static void reset() {
     TunerFamily& family = tunerFamily();
     {
         std::unique_lock<std::mutex> lock(family.mutex);
@@ -282,11 +283,10 @@ void tunerReset() {
             closeTuner(lock, tuner);
         family.initialised = false;
     }
-    airReset();
-    satelliteReset();
+    resetReceptions();
 }
 
-void tunerDescribe(std::string* out) {
+static void describe(std::string* out) {
     TunerFamily& family = tunerFamily();
     std::lock_guard<std::mutex> lock(family.mutex);
     if (family.initialised)
@@ -304,10 +304,7 @@ void tunerDescribe(std::string* out) {
     }
 }
 
-bool tunerControl(const std::string& event) {
-    tunerFamily();
-    return airControl(event);
-}
+extern const Family familyTuner = {reset, describe};
 
 }  // namespace sim
 
@@ -393,7 +390,7 @@ int32_t QLX_TunerSetTuningParam(uint32_t eTunerId, const QLX_TunerTuningParams* 
     uint64_t lost = ++tuner.sequence;
     uint64_t sequence = ++tuner.sequence;
     sim::steerAntenna(tuner, simCall);
-    tuner.events->post(&tuner, sim::board().number("TUNER", "LOCK_MS", sim::defaultLockMs),
+    tuner.events->post(&tuner, sim::board().number("TUNER", "LOCK_MS"),
                        [&tuner, sequence] { sim::decide(tuner, sequence, false); });
     lock.unlock();
     sim::setReception(eTunerId, lost, nullptr);

@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "simulator/core/board.h"
+#include "simulator/tuner/reception.h"
 #include "simulator/tuner/tuner_curves.h"
 #include "simulator/tuner/tuner_records.h"
 #include "simulator/tuner/tuner_state.h"
@@ -17,11 +18,6 @@
 namespace sim {
 
 namespace {
-
-/** Defaults of the keys SCAN_STEP_KHZ, SCAN_STEP_MS and SCAN_LOCK_MS of section TUNER. */
-constexpr int64_t defaultStepKHz = 20000;
-constexpr int64_t defaultStepMs = 150;
-constexpr int64_t defaultLockMs = 100;
 
 /** A user band moves in steps, and shows its piece of spectrum around its centre. */
 constexpr int64_t userBandTolerance = 2000;
@@ -31,7 +27,7 @@ uint32_t oscillator(const BlindScan& scan) {
 }
 
 uint32_t stepEnd(const BlindScan& scan) {
-    int64_t step = std::max<int64_t>(1, board().number("TUNER", "SCAN_STEP_KHZ", defaultStepKHz));
+    int64_t step = std::max<int64_t>(1, board().number("TUNER", "SCAN_STEP_KHZ"));
     int64_t end = std::min<int64_t>(scan.params.uEndIfFrequency, scan.next + step);
     return static_cast<uint32_t>(end);
 }
@@ -108,14 +104,14 @@ void runStep(Tuner& tuner) {
     lock.unlock();
 
     askForCandidate(tuner, scan, first, end);
-    sleepMs(board().number("TUNER", "SCAN_STEP_MS", defaultStepMs));
+    sleepMs(board().number("TUNER", "SCAN_STEP_MS"));
     lock.lock();
     std::vector<TransmitterPtr> carriers = carriersOfStep(tuner, first, end);
     lock.unlock();
 
     QLX_TunerBlindScanInfo result = infoAt(scan, end);
     for (const TransmitterPtr& carrier : carriers) {
-        sleepMs(board().number("TUNER", "SCAN_LOCK_MS", defaultLockMs));
+        sleepMs(board().number("TUNER", "SCAN_LOCK_MS"));
         QLX_TunerBlindScanInfo info = infoAt(scan, carrier->frequency);
         // A carrier at the very end must not be taken for the end itself.
         info.uProgress = std::min(info.uProgress, 99u);

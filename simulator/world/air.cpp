@@ -1,11 +1,10 @@
 // What is on the air: transmitters by the laboratory's configuration, the board file and the
-// operator, the cables, and what each tuner receives.
+// operator, and the cables.
 //
 // A transmitter is never altered in place: the operator's change puts a new record in its stead, so
 // that who holds one may read it without a lock.
 #include "simulator/world/air.h"
 
-#include <cstdlib>
 #include <mutex>
 #include <sstream>
 #include <utility>
@@ -13,6 +12,8 @@
 #include "platform/qlx_tuner.h"
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
+#include "simulator/core/words.h"
+#include "simulator/world/satellite.h"
 
 namespace sim {
 
@@ -45,10 +46,6 @@ struct AirState {
     bool loaded = false;
     std::vector<TransmitterPtr> transmitters;
     bool unplugged[maxTuners] = {};
-    Reception receptions[maxTuners];
-    uint64_t sequences[maxTuners] = {};
-    std::vector<std::function<void(uint32_t)>> receptionListeners;
-    std::function<void()> airListener;
 };
 
 AirState& state() {
@@ -56,73 +53,111 @@ AirState& state() {
     return *instance;
 }
 
-uint32_t number(const std::string& text) {
-    return static_cast<uint32_t>(strtoull(text.c_str(), nullptr, 0));
+/** Sets a number of the transmitter; false for a word that is none. */
+template <uint32_t Transmitter::*field>
+bool setNumber(Transmitter& t, const std::string& word) {
+    int64_t number = 0;
+    bool good = readNumber(word, 0, UINT32_MAX, &number);
+    if (good)
+        t.*field = static_cast<uint32_t>(number);
+    return good;
 }
 
-double decimal(const std::string& text) {
-    return strtod(text.c_str(), nullptr);
+template <bool Transmitter::*field>
+bool setFlag(Transmitter& t, const std::string& word) {
+    int64_t number = 0;
+    bool good = readNumber(word, 0, 1, &number);
+    if (good)
+        t.*field = number != 0;
+    return good;
+}
+
+template <double Transmitter::*field>
+bool setDecimal(Transmitter& t, const std::string& word) {
+    return readDecimal(word, &(t.*field));
+}
+
+/** DVB-S2 is DVB-S with another FEC, here as in tunings. */
+bool setSystem(Transmitter& t, const std::string& name) {
+    uint32_t system = systemOfName(name);
+    if (system == 0)
+        return false;
+    t.system = system;
+    if (system == QLX_TRANSMISSION_SYSTEM_DVB_S2) {
+        t.system = QLX_TRANSMISSION_SYSTEM_DVB_S;
+        t.fecType = QLX_FEC_TYPE_DVB_S2;
+    }
+    return true;
 }
 
 /** "0:128,1:128,2:32": identifiers of pipes and their modulations. */
-std::vector<Pipe> pipesOf(const std::string& text) {
+bool setPipes(Transmitter& t, const std::string& list) {
     std::vector<Pipe> pipes;
-    std::istringstream in(text);
+    std::istringstream in(list);
     for (std::string part; std::getline(in, part, ',');) {
-        size_t colon = part.find(':');
-        uint32_t modulation = colon == std::string::npos ? 0 : number(part.substr(colon + 1));
-        pipes.push_back({static_cast<uint8_t>(number(part)), modulation});
+        std::string before, behind;
+        int64_t id = 0;
+        int64_t modulation = 0;
+        bool both = partWord(part, ':', &before, &behind);
+        if (!readNumber(both ? before : part, 0, UINT8_MAX, &id) ||
+            (both && !readNumber(behind, 0, UINT32_MAX, &modulation)))
+            return false;
+        pipes.push_back({static_cast<uint8_t>(id), static_cast<uint32_t>(modulation)});
     }
-    return pipes;
+    t.pipes = pipes;
+    return true;
+}
+
+bool setStream(Transmitter& t, const std::string& file) {
+    t.stream = file;
+    return true;
+}
+
+bool setWakeUpBits(Transmitter& t, const std::string& word) {
+    bool good = setNumber<&Transmitter::wakeUpBits>(t, word);
+    t.wakeUpBits &= 3;
+    return good;
 }
 
 struct TransmitterKey {
     const char* name;
-    void (*set)(Transmitter& transmitter, const std::string& value);
+    /** False, with nothing changed, for a value that is none. */
+    bool (*set)(Transmitter& transmitter, const std::string& value);
 };
-
-/** DVB-S2 is DVB-S with another FEC, here as in tunings. */
-void setSystem(Transmitter& t, const std::string& name) {
-    t.system = systemOfName(name);
-    if (t.system != QLX_TRANSMISSION_SYSTEM_DVB_S2)
-        return;
-    t.system = QLX_TRANSMISSION_SYSTEM_DVB_S;
-    t.fecType = QLX_FEC_TYPE_DVB_S2;
-}
 
 /** The keys of a transmitter, the same in the board file and in the operator's events. */
 const TransmitterKey transmitterKeys[] = {
     {"SYSTEM", setSystem},
-    {"ON", [](Transmitter& t, const std::string& v) { t.on = number(v) != 0; }},
-    {"LEVEL", [](Transmitter& t, const std::string& v) { t.levelDbm = decimal(v); }},
-    {"CN", [](Transmitter& t, const std::string& v) { t.noiseDb = decimal(v); }},
-    {"MODULATION", [](Transmitter& t, const std::string& v) { t.modulation = number(v); }},
-    {"SYMBOL_RATE", [](Transmitter& t, const std::string& v) { t.symbolRate = number(v); }},
-    {"SPECTRUM", [](Transmitter& t, const std::string& v) { t.spectrum = number(v); }},
-    {"BAND_WIDTH", [](Transmitter& t, const std::string& v) { t.bandWidth = number(v); }},
-    {"FEC_TYPE", [](Transmitter& t, const std::string& v) { t.fecType = number(v); }},
-    {"FEC_RATE", [](Transmitter& t, const std::string& v) { t.fecRate = number(v); }},
-    {"GUARD_INTERVAL", [](Transmitter& t, const std::string& v) { t.guardInterval = number(v); }},
-    {"TRANSMISSION_MODE",
-     [](Transmitter& t, const std::string& v) { t.transmissionMode = number(v); }},
-    {"CELL_ID", [](Transmitter& t, const std::string& v) { t.cellId = number(v); }},
-    {"NETWORK_ID", [](Transmitter& t, const std::string& v) { t.networkId = number(v); }},
-    {"SYSTEM_ID", [](Transmitter& t, const std::string& v) { t.systemId = number(v); }},
-    {"PLPS", [](Transmitter& t, const std::string& v) { t.pipes = pipesOf(v); }},
-    {"EAS", [](Transmitter& t, const std::string& v) { t.wakeUpBits = number(v) & 3; }},
-    {"HORIZONTAL", [](Transmitter& t, const std::string& v) { t.horizontal = number(v) != 0; }},
-    {"HIGH_BAND", [](Transmitter& t, const std::string& v) { t.highBand = number(v) != 0; }},
-    {"POSITION", [](Transmitter& t, const std::string& v) { t.position = number(v); }},
-    {"NOISE_FLOOR", [](Transmitter& t, const std::string& v) { t.noiseFloorDbm = decimal(v); }},
-    {"STRENGTH_OFFSET",
-     [](Transmitter& t, const std::string& v) { t.strengthOffset = decimal(v); }},
-    {"STREAM", [](Transmitter& t, const std::string& v) { t.stream = v; }},
+    {"ON", setFlag<&Transmitter::on>},
+    {"LEVEL", setDecimal<&Transmitter::levelDbm>},
+    {"CN", setDecimal<&Transmitter::noiseDb>},
+    {"MODULATION", setNumber<&Transmitter::modulation>},
+    {"SYMBOL_RATE", setNumber<&Transmitter::symbolRate>},
+    {"SPECTRUM", setNumber<&Transmitter::spectrum>},
+    {"BAND_WIDTH", setNumber<&Transmitter::bandWidth>},
+    {"FEC_TYPE", setNumber<&Transmitter::fecType>},
+    {"FEC_RATE", setNumber<&Transmitter::fecRate>},
+    {"GUARD_INTERVAL", setNumber<&Transmitter::guardInterval>},
+    {"TRANSMISSION_MODE", setNumber<&Transmitter::transmissionMode>},
+    {"CELL_ID", setNumber<&Transmitter::cellId>},
+    {"NETWORK_ID", setNumber<&Transmitter::networkId>},
+    {"SYSTEM_ID", setNumber<&Transmitter::systemId>},
+    {"PLPS", setPipes},
+    {"EAS", setWakeUpBits},
+    {"HORIZONTAL", setFlag<&Transmitter::horizontal>},
+    {"HIGH_BAND", setFlag<&Transmitter::highBand>},
+    {"POSITION", setNumber<&Transmitter::position>},
+    {"NOISE_FLOOR", setDecimal<&Transmitter::noiseFloorDbm>},
+    {"STRENGTH_OFFSET", setDecimal<&Transmitter::strengthOffset>},
+    {"STREAM", setStream},
 };
 
 void applySection(Transmitter& transmitter, const std::string& section) {
     for (const TransmitterKey& key : transmitterKeys) {
-        if (board().has(section, key.name))
-            key.set(transmitter, board().text(section, key.name));
+        std::string value = board().text(section, key.name);
+        if (board().has(section, key.name) && !key.set(transmitter, value))
+            complain("board file: '%s' is no %s for section %s", value.c_str(), key.name,
+                     section.c_str());
     }
 }
 
@@ -243,11 +278,12 @@ void loadOnce(AirState& s) {
     }
 }
 
-bool controlCable(std::istringstream& in) {
-    uint32_t tuner = maxTuners;
+/** "N in|out". */
+bool changeCable(Words& words) {
+    int64_t tuner = 0;
     std::string what;
-    in >> tuner >> what;
-    if (tuner >= maxTuners || (what != "in" && what != "out"))
+    if (!words.nextNumber(0, maxTuners - 1, &tuner) || !words.next(&what) || !words.atEnd() ||
+        (what != "in" && what != "out"))
         return false;
     AirState& s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
@@ -255,52 +291,64 @@ bool controlCable(std::istringstream& in) {
     return true;
 }
 
-using Change = std::pair<const TransmitterKey*, std::string>;
+void resetCables() {
+    AirState& s = state();
+    std::lock_guard<std::mutex> lock(s.mutex);
+    for (bool& unplugged : s.unplugged)
+        unplugged = false;
+}
 
-bool readChanges(std::istringstream& in, std::vector<Change>* changes) {
-    for (std::string word; in >> word;) {
-        size_t equals = word.find('=');
-        const TransmitterKey* found = nullptr;
-        for (const TransmitterKey& key : transmitterKeys) {
-            if (equals != std::string::npos && word.compare(0, equals, key.name) == 0)
-                found = &key;
+/** Applies the words "KEY=VALUE" to a transmitter; complains of one that is none. */
+bool applyChanges(Words words, Transmitter* t) {
+    for (std::string word; words.next(&word);) {
+        std::string name, value;
+        bool good = false;
+        if (partWord(word, '=', &name, &value)) {
+            for (const TransmitterKey& key : transmitterKeys)
+                good = good || (name == key.name && key.set(*t, value));
         }
-        if (found == nullptr) {
-            complain("event air: '%s' is no KEY=VALUE of a transmitter", word.c_str());
-            return false;
-        }
-        changes->push_back({found, word.substr(equals + 1)});
+        if (good)
+            continue;
+        complain("event air: '%s' is no KEY=VALUE of a transmitter", word.c_str());
+        return false;
     }
     return true;
 }
 
-bool controlTransmitters(std::istringstream& in) {
-    std::string name;
-    in >> name;
-    size_t slash = name.find('/');
-    uint32_t system = systemOfName(name.substr(0, slash));
-    uint32_t frequency = slash == std::string::npos ? 0 : number(name.substr(slash + 1));
-    std::vector<Change> changes;
-    if (!readChanges(in, &changes))
+/** "NAME KEY=VALUE ...", with NAME a system, or a system and a frequency. */
+bool changeTransmitters(Words& words) {
+    std::string name, system, place;
+    words.next(&name);
+    int64_t frequency = 0;
+    bool one = partWord(name, '/', &system, &place);
+    uint32_t listed = systemOfName(one ? system : name);
+    std::string changes = words.rest();
+    Transmitter tried;
+    if ((one && !readNumber(place, 0, UINT32_MAX, &frequency)) ||
+        !applyChanges(Words(changes), &tried))
         return false;
     AirState& s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
     loadOnce(s);
     bool any = false;
     for (TransmitterPtr& transmitter : s.transmitters) {
-        if (transmitter->listedSystem != system)
-            continue;
-        if (slash != std::string::npos && transmitter->frequency != frequency)
+        if (transmitter->listedSystem != listed || (one && transmitter->frequency != frequency))
             continue;
         any = true;
         Transmitter changed = *transmitter;
-        for (const Change& change : changes)
-            change.first->set(changed, change.second);
+        applyChanges(Words(changes), &changed);
         transmitter = std::make_shared<const Transmitter>(std::move(changed));
     }
     if (!any)
         complain("event air: there is no transmitter %s", name.c_str());
     return any;
+}
+
+void resetTransmitters() {
+    forgetUserBands();
+    AirState& s = state();
+    std::lock_guard<std::mutex> lock(s.mutex);
+    s.loaded = false;
 }
 
 }  // namespace
@@ -339,73 +387,14 @@ bool cablePlugged(uint32_t tuner) {
     return tuner < maxTuners && !s.unplugged[tuner];
 }
 
-Reception receptionOf(uint32_t tuner) {
-    AirState& s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    return tuner < maxTuners ? s.receptions[tuner] : Reception();
+std::vector<std::string> transmitterKeyNames() {
+    std::vector<std::string> names;
+    for (const TransmitterKey& key : transmitterKeys)
+        names.push_back(key.name);
+    return names;
 }
 
-void onReceptionChange(std::function<void(uint32_t tuner)> listener) {
-    AirState& s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    s.receptionListeners.push_back(std::move(listener));
-}
-
-void setReception(uint32_t tuner, uint64_t sequence, const TransmitterPtr& transmitter) {
-    AirState& s = state();
-    std::vector<std::function<void(uint32_t)>> listeners;
-    {
-        std::lock_guard<std::mutex> lock(s.mutex);
-        if (tuner >= maxTuners || sequence <= s.sequences[tuner])
-            return;
-        s.sequences[tuner] = sequence;
-        Reception& reception = s.receptions[tuner];
-        if (transmitter == nullptr && !reception.locked)
-            return;
-        reception.locked = transmitter != nullptr;
-        reception.transmitter = transmitter;
-        reception.change++;
-        listeners = s.receptionListeners;
-    }
-    for (const auto& listener : listeners)
-        listener(tuner);
-}
-
-void onAirChange(std::function<void()> listener) {
-    AirState& s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    s.airListener = std::move(listener);
-}
-
-bool airControl(const std::string& event) {
-    std::istringstream in(event);
-    std::string what;
-    in >> what;
-    bool known =
-        (what == "cable" && controlCable(in)) || (what == "air" && controlTransmitters(in));
-    if (!known)
-        return false;
-    std::function<void()> listener;
-    {
-        AirState& s = state();
-        std::lock_guard<std::mutex> lock(s.mutex);
-        listener = s.airListener;
-    }
-    if (listener)
-        listener();
-    return true;
-}
-
-void airReset() {
-    AirState& s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    s.loaded = false;
-    for (uint32_t tuner = 0; tuner < maxTuners; tuner++) {
-        s.unplugged[tuner] = false;
-        s.receptions[tuner].locked = false;
-        s.receptions[tuner].transmitter = nullptr;
-        s.receptions[tuner].change++;
-    }
-}
+const WorldPart cablePart = {"cable", changeCable, resetCables};
+const WorldPart airPart = {"air", changeTransmitters, resetTransmitters};
 
 }  // namespace sim

@@ -1,21 +1,22 @@
 /*
- * What is on the air and on the cables, and what of it each tuner receives.
+ * What is on the air, and which cables are plugged in.
  *
  * The transmitters come from the laboratory's configuration: the frequencies from the channel files
  * (channels of one frequency, and one TS_ID or STREAM_ID, share a transmitter), the parameters from
  * the platform's tuner_config.cfg. The board file gives what a channel file cannot say, for these
- * transmitters and for further ones; docs/board-file.md tells its keys. The operator changes
- * transmitters and cables while the device runs; docs/simulator-events.md tells the events.
+ * transmitters and for further ones; docs/board-file.md tells its keys. Events change them while
+ * the device runs: "cable N out|in", "air NAME KEY=VALUE ..." (docs/simulator-events.md).
  */
 #ifndef SIMULATOR_WORLD_AIR_H
 #define SIMULATOR_WORLD_AIR_H
 
 #include <stdint.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "simulator/world/world.h"
 
 namespace sim {
 
@@ -76,41 +77,12 @@ std::vector<TransmitterPtr> transmittersOnAir();
 /** Whether the tuner's cable is plugged in. */
 bool cablePlugged(uint32_t tuner);
 
-/** What a tuner delivers to the demultiplexers. */
-struct Reception {
-    /** The transport stream flows. */
-    bool locked = false;
-    /** Where it comes from; null when not locked. */
-    TransmitterPtr transmitter;
-    /** Another number for each tuning, lock and loss, so that a reader sees what it missed. */
-    uint64_t change = 0;
-};
-
-Reception receptionOf(uint32_t tuner);
-
-/**
- * Registers a listener for the life of the process. It is called with the tuner's number after its
- * reception has changed, on the thread that changed it, with no lock of the tuners held; it must
- * not call the tuner functions of the library.
- */
-void onReceptionChange(std::function<void(uint32_t tuner)> listener);
-
-/**
- * For the tuners: tells what a tuner now receives, null for nothing, and calls the listeners.
- * @param sequence  rises with the tuner's states; one that comes too late is passed over
- */
-void setReception(uint32_t tuner, uint64_t sequence, const TransmitterPtr& transmitter);
-
-/** For the tuners: called after the operator changed a transmitter or a cable. Set once. */
-void onAirChange(std::function<void()> listener);
-
 /** "DVB-T" and the like, and back; 0 and "" for none. */
 uint32_t systemOfName(const std::string& name);
 const char* nameOfSystem(uint32_t system);
 
-void airReset();
-/** Events of the outside world: "cable N out|in", "air NAME KEY=VALUE ...". */
-bool airControl(const std::string& event);
+/** The keys of a transmitter, in board files and in events. */
+std::vector<std::string> transmitterKeyNames();
 
 }  // namespace sim
 

@@ -4,11 +4,9 @@
 #include <sys/stat.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <list>
 #include <map>
 #include <mutex>
-#include <sstream>
 #include <utility>
 
 #include "simulator/core/board.h"
@@ -118,13 +116,45 @@ TsStreamPtr load(BroadcastState& s, const std::string& path, const struct stat& 
     return stream->packetCount() > 0 ? stream : nullptr;
 }
 
-/** Reads the next word as a number to that base, 0 for the usual prefixes. */
-bool readNumber(std::istringstream& in, int base, uint64_t most, uint64_t* value) {
-    std::string word;
-    in >> word;
-    char* end = nullptr;
-    *value = strtoull(word.c_str(), &end, base);
-    return !word.empty() && *end == '\0' && *value <= most;
+/** "FILE byte OFFSET XX", "FILE table PID TABLE OFFSET XX", "FILE intact". */
+bool change(Words& words) {
+    std::string name;
+    std::string action;
+    int64_t pid = 0;
+    int64_t tableId = 0;
+    int64_t offset = 0;
+    int64_t value = 0;
+    if (!words.next(&name) || !words.next(&action))
+        return false;
+    bool table = action == "table";
+    if (table &&
+        (!words.nextNumber(0, tsPidCount - 1, &pid) || !words.nextNumber(0, 0xff, &tableId)))
+        return false;
+    if ((table || action == "byte") &&
+        (!words.nextNumber(0, INT64_MAX, &offset) || !words.nextNumber(0, 0xff, &value, 16)))
+        return false;
+    if ((!table && action != "byte" && action != "intact") || !words.atEnd())
+        return false;
+    BroadcastState& s = state();
+    std::lock_guard<std::mutex> lock(s.mutex);
+    Damages& damages = s.damages[baseName(name)];
+    if (table)
+        damages.tables.push_back({static_cast<uint16_t>(pid), static_cast<uint8_t>(tableId),
+                                  static_cast<size_t>(offset), static_cast<uint8_t>(value)});
+    else if (action == "byte")
+        damages.bytes.emplace_back(static_cast<uint64_t>(offset), static_cast<uint8_t>(value));
+    else
+        damages = Damages();
+    s.streams.remove_if([&](const Entry& entry) { return baseName(entry.path) == baseName(name); });
+    return true;
+}
+
+void reset() {
+    BroadcastState& s = state();
+    std::lock_guard<std::mutex> lock(s.mutex);
+    s.streams.clear();
+    s.damages.clear();
+    s.complainedOf.clear();
 }
 
 }  // namespace
@@ -164,46 +194,6 @@ TsStreamPtr streamOf(const Transmitter& transmitter) {
     return stream;
 }
 
-bool streamControl(const std::string& event) {
-    std::istringstream in(event);
-    std::string what;
-    std::string name;
-    std::string action;
-    in >> what >> name >> action;
-    if (what != "stream")
-        return false;
-    BroadcastState& s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    Damages& damages = s.damages[baseName(name)];
-    uint64_t pid = 0;
-    uint64_t tableId = 0;
-    uint64_t offset = 0;
-    uint64_t value = 0;
-    if (action == "byte") {
-        if (!readNumber(in, 0, UINT64_MAX, &offset) || !readNumber(in, 16, 0xff, &value))
-            return false;
-        damages.bytes.emplace_back(offset, static_cast<uint8_t>(value));
-    } else if (action == "table") {
-        if (!readNumber(in, 0, tsPidCount - 1, &pid) || !readNumber(in, 0, 0xff, &tableId) ||
-            !readNumber(in, 0, UINT64_MAX, &offset) || !readNumber(in, 16, 0xff, &value))
-            return false;
-        damages.tables.push_back({static_cast<uint16_t>(pid), static_cast<uint8_t>(tableId),
-                                  static_cast<size_t>(offset), static_cast<uint8_t>(value)});
-    } else if (action == "intact") {
-        damages = Damages();
-    } else {
-        return false;
-    }
-    s.streams.remove_if([&](const Entry& entry) { return baseName(entry.path) == baseName(name); });
-    return true;
-}
-
-void streamReset() {
-    BroadcastState& s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    s.streams.clear();
-    s.damages.clear();
-    s.complainedOf.clear();
-}
+const WorldPart broadcastPart = {"stream", change, reset};
 
 }  // namespace sim

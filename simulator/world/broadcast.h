@@ -4,9 +4,12 @@
  * The files lie in the folder that DEMUX_TS_FILE_PATH of demux_config.cfg names, or key STREAM_PATH
  * of section DEMUX of the board file; streams.cfg in it tells for each transmitter its file and the
  * time of a packet. A transmitter that the board file adds names its file itself (key STREAM).
+ *
+ * Events: "stream FILE byte OFFSET XX", "stream FILE table PID TABLE OFFSET XX", "stream FILE
+ * intact" (docs/simulator-events.md). Who plays the file has to ask streamOf again.
  */
 #ifndef SIMULATOR_WORLD_BROADCAST_H
-#define SIMULATOR_TS_BROADCAST_H
+#define SIMULATOR_WORLD_BROADCAST_H
 
 #include <string>
 
@@ -18,14 +21,6 @@ namespace sim {
 /** The stream that a transmitter plays; null when it has none, or one without a packet. The same
  *  object as long as nobody changes the file or its damages. */
 TsStreamPtr streamOf(const Transmitter& transmitter);
-
-/** "stream FILE byte OFFSET XX", "stream FILE table PID TABLE OFFSET XX", "stream FILE intact"; the
- *  table of events tells what they do (docs/simulator-events.md). Returns whether the event was
- * understood; who plays the file has to ask streamOf again. */
-bool streamControl(const std::string& event);
-
-/** Forgets damages and files. */
-void streamReset();
 
 }  // namespace sim
 

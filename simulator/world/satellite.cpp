@@ -5,10 +5,12 @@
 #include "simulator/world/satellite.h"
 
 #include <mutex>
+#include <sstream>
 #include <string>
 
 #include "platform/qlx_tuner.h"
 #include "simulator/core/board.h"
+#include "simulator/core/words.h"
 
 namespace sim {
 
@@ -28,9 +30,6 @@ constexpr int64_t tuningWordOffset = 350;
 /** A user band passes one carrier. */
 constexpr int64_t userBandHalfWidth = 23000;
 
-const uint32_t usualUserBands[userBandCount] = {1210000, 1420000, 1680000, 2040000,
-                                                984000,  1020000, 1056000, 1096000};
-
 struct UserBandPlan {
     std::mutex mutex;
     bool loaded = false;
@@ -42,16 +41,22 @@ UserBandPlan& plan() {
     return *instance;
 }
 
+/** The board's bands, with the one that the platform's tunings name at its place, and those that
+ *  the board moves whatever the platform says. */
 void loadPlan(UserBandPlan& p) {
     Cfg platform;
     platform.load(platformFile("tuner_config.cfg"));
     int64_t configured = platform.number("DVB-S", "TUNER_UNICABLE_CHANNEL_ID") - 1;
+    std::istringstream usual(board().text("SATELLITE", "USER_BANDS"));
     for (uint32_t band = 0; band < userBandCount; band++) {
-        int64_t frequency = usualUserBands[band];
+        std::string word;
+        std::getline(usual, word, ',');
+        int64_t frequency = leadingNumber(word);
         if (configured == band)
             frequency = platform.number("DVB-S", "TUNER_UNICABLE_CHANNEL_FREQ_KHZ");
-        std::string key = "USER_BAND" + std::to_string(band);
-        p.frequencies[band] = static_cast<uint32_t>(board().number("SATELLITE", key, frequency));
+        std::string moved = board().text("SATELLITE", "USER_BAND" + std::to_string(band));
+        p.frequencies[band] =
+            static_cast<uint32_t>(moved.empty() ? frequency : leadingNumber(moved));
     }
 }
 
@@ -156,7 +161,7 @@ uint32_t userBandFrequency(uint32_t band) {
     return band < userBandCount ? p.frequencies[band] : 0;
 }
 
-void satelliteReset() {
+void forgetUserBands() {
     UserBandPlan& p = plan();
     std::lock_guard<std::mutex> lock(p.mutex);
     p.loaded = false;

@@ -76,8 +76,8 @@ class SatelliteAntenna {
  *  the band that they name, else the usual plan. Bands count from 0. */
 uint32_t userBandFrequency(uint32_t band);
 
-/** Forgets the plan of user bands, so that the files are read again. */
-void satelliteReset();
+/** Lets the plan of user bands be read again. */
+void forgetUserBands();
 
 /** Message ODU_Channel_change (EN 50494), and the frequency at which the carrier then lies. */
 struct ChannelChange {

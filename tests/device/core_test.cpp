@@ -16,7 +16,10 @@
 #include "platform/qlx_sys.h"
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
+#include "simulator/core/words.h"
 #include "simulator/sim_control.h"
+#include "simulator/world/air.h"
+#include "tests/shared/bench_folder.h"
 #include "tests/shared/device.h"
 
 namespace {
@@ -239,6 +242,87 @@ TEST_F(SimCore, TheRecordTellsCallsInOrder) {
               "QLX_GPIOInit()=0\nQLX_GPIOSetValue(pin=4 level=1)=0\n"
               "QLX_GPIOGetValue(pin=4 level=set)=0 out=1\n"
               "QLX_GPIOSetValue(pin=4 level=2)=1052161\n");
+}
+
+TEST(SimWords, NumbersAreReadWholeAndWithinTheirLimits) {
+    const struct {
+        const char* word;
+        int base;
+        bool good;
+        int64_t value;
+    } rows[] = {
+        {"12", 0, true, 12},  {"-3", 0, true, -3},  {"0x1F", 0, true, 31},
+        {"010", 0, true, 8},  {"1f", 16, true, 31}, {"100", 0, true, 100},
+        {"101", 0, false, 0}, {"-11", 0, false, 0}, {"", 0, false, 0},
+        {"12x", 0, false, 0}, {" 12", 0, false, 0}, {"1f", 0, false, 0},
+        {"12 ", 0, false, 0}, {"x", 16, false, 0},  {"99999999999999999999", 0, false, 0},
+    };
+    for (const auto& row : rows) {
+        int64_t value = 77;
+        EXPECT_EQ(sim::readNumber(row.word, -10, 100, &value, row.base), row.good) << row.word;
+        EXPECT_EQ(value, row.good ? row.value : 77) << row.word;
+    }
+    uint64_t large = 0;
+    EXPECT_TRUE(sim::readUnsigned("0xffffffffffffffff", UINT64_MAX, &large));
+    EXPECT_EQ(large, UINT64_MAX);
+    EXPECT_FALSE(sim::readUnsigned("-1", UINT64_MAX, &large));
+    sim::Words words(" cable  3 out ");
+    std::string word;
+    int64_t number = 0;
+    EXPECT_TRUE(words.next(&word));
+    EXPECT_TRUE(words.nextNumber(0, 7, &number));
+    EXPECT_EQ(word + std::to_string(number), "cable3");
+    EXPECT_FALSE(words.atEnd());
+    EXPECT_FALSE(words.nextNumber(0, 7, &number)) << "out is no number";
+    EXPECT_TRUE(words.atEnd());
+}
+
+TEST(SimBoard, AWordInThePlaceOfANumberIsToldOf) {
+    BenchFolder bench;
+    testing::internal::CaptureStderr();
+    bench.useBoard("[TUNER]\nLOCK_MS=3oo\nUNLOCK_MS=0x10\n[DVB-T/474000]\nNOISE_FLOOR=-8,1\n");
+    EXPECT_EQ(sim::board().number("TUNER", "UNLOCK_MS"), 16);
+    EXPECT_EQ(sim::board().number("TUNER", "COUNT"), 4) << "the default board's";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "simulated device: board file: '-8,1' is no number for NOISE_FLOOR of section "
+              "DVB-T/474000\n"
+              "simulated device: board file: '3oo' is no number for LOCK_MS of section TUNER\n");
+}
+
+TEST_F(SimCore, EventsThatSayNothingChangeNothing) {
+    testing::internal::CaptureStderr();
+    for (const char* line : {"",
+                             "cable",
+                             "cable 8 out",
+                             "cable 0 off",
+                             "cable 0 out now",
+                             "air",
+                             "air DVB-X ON=0",
+                             "air DVB-T ON",
+                             "air DVB-T ON=2",
+                             "air DVB-T LEVEL=low",
+                             "air DVB-T SYSTEM=DVB-X",
+                             "air DVB-T PLPS=0:1,x",
+                             "air DVB-T/474000x ON=0",
+                             "air DVB-T/1 ON=0",
+                             "stream a.ts",
+                             "stream a.ts byte 3 123",
+                             "stream a.ts byte -1 12",
+                             "stream a.ts table 8192 1 1 1",
+                             "stream a.ts intact now",
+                             "miracast",
+                             "miracast x",
+                             "in 5",
+                             "in x cable 0 out",
+                             "in -1 cable 0 out",
+                             "earthquake"})
+        EXPECT_EQ(qlx_sim_event(line), -1) << line;
+    testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(sim::cablePlugged(0));
+    EXPECT_EQ(qlx_sim_event("cable 0 out"), 0);
+    EXPECT_FALSE(sim::cablePlugged(0));
+    qlx_sim_reset();
+    EXPECT_TRUE(sim::cablePlugged(0));
 }
 
 TEST(Records, AreShownByTheirDescription) {

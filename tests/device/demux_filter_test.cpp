@@ -14,6 +14,7 @@
 #include "platform/qlx_filter.h"
 #include "simulator/core/sim.h"
 #include "simulator/demux/demux.h"
+#include "simulator/tuner/reception.h"
 #include "simulator/world/air.h"
 #include "tests/shared/demux_streams.h"
 #include "tests/shared/device.h"

@@ -15,6 +15,7 @@
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
 #include "simulator/sim_control.h"
+#include "simulator/tuner/reception.h"
 #include "simulator/world/air.h"
 #include "simulator/world/satellite.h"
 #include "tests/shared/device.h"

@@ -1,0 +1,77 @@
+#include "simulator/core/trace.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <mutex>
+
+#include "simulator/core/sim.h"
+#include "simulator/core/thread_name.h"
+
+namespace sim {
+
+struct Trace {
+    std::mutex mutex;
+    int file = -1;
+    bool opened = false;
+    bool recording = false;
+    std::string record;
+};
+
+static Trace& trace() {
+    static Trace* instance = new Trace;
+    return *instance;
+}
+
+/** Called with the trace locked. */
+static void openOnce(Trace& t) {
+    if (t.opened)
+        return;
+    t.opened = true;
+    const char* path = getenv("QLX_SIM_TRACE");
+    if (path == nullptr)
+        return;
+    t.file = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    if (t.file < 0)
+        complain("cannot write the trace file %s", path);
+}
+
+bool tracing() {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    openOnce(t);
+    return t.file >= 0 || t.recording;
+}
+
+void traceLine(const std::string& text) {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    openOnce(t);
+    if (t.file < 0 && !t.recording)
+        return;
+    int64_t us = nowUs();
+    std::string line = format("%lld.%06lld %s ", static_cast<long long>(us / 1000000),
+                              static_cast<long long>(us % 1000000), threadName().c_str()) +
+                       text + "\n";
+    if (t.recording)
+        t.record += line;
+    if (t.file >= 0 && write(t.file, line.data(), line.size()) < 0)
+        t.file = -1;
+}
+
+void recordTrace(bool on) {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    if (on)
+        t.record.clear();
+    t.recording = on;
+}
+
+std::string recordedTrace() {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    return t.record;
+}
+
+}  // namespace sim
