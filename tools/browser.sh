@@ -11,6 +11,6 @@ mkdir -p "$here"
 [ -d "$here/node_modules/playwright-core" ] ||
     PLAYWRIGHT_SKIP_BROWSER_DOWNLOAD=1 npm install --prefix "$here" --no-audit --no-fund \
         --no-save --silent playwright-core@1.48.2
-/usr/bin/python3 tests/report/big_run.py "$here/run" --measure build/debug/zkreport
+/usr/bin/python3 tests/tools/report/big_run.py "$here/run" --measure build/debug/zkreport
 NODE_PATH=$here/node_modules timeout 300 \
-    node tests/report/browser_test.js "$here/run/out.html" "$here/pictures"
+    node tests/tools/report/browser_test.js "$here/run/out.html" "$here/pictures"

@@ -6,5 +6,5 @@ cd "$(dirname "$0")/../.."
 tools/setup.sh tools/packages_boards.txt
 for test in package lava labgrid; do
     echo "farm: $test"
-    timeout 600 /usr/bin/python3 "tests/boards/${test}_test.py"
+    timeout 600 /usr/bin/python3 "tests/tools/boards/${test}_test.py"
 done

@@ -1,6 +1,6 @@
 // The report's page in a real browser, as ./test.sh --browser runs it:
 //     node browser_test.js PAGE.html OUT
-// PAGE is that of tests/report/big_run.py. Leaves screenshots and the printed page in OUT, and says
+// PAGE is that of tests/tools/report/big_run.py. Leaves screenshots and the printed page in OUT, and says
 // how long the page takes; those figures are told, not judged.
 'use strict';
 const assert = require('assert');

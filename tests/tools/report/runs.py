@@ -10,10 +10,10 @@ import unittest
 
 import xlwt
 
-SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+SOURCE = os.path.abspath(os.path.join(os.path.dirname(__file__), "../../.."))
 BUILD = os.environ.get("ZK_BUILD_DIR", os.path.join(SOURCE, "build/debug"))
 PROGRAM = os.path.join(BUILD, "zkreport")
-SCHEMAS = os.path.join(SOURCE, "tests/report/schemas")
+SCHEMAS = os.path.join(SOURCE, "tests/tools/report/schemas")
 PATIENCE_S = 120
 
 # Exit codes.

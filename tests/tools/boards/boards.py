@@ -6,7 +6,7 @@ import sys
 import tempfile
 import unittest
 
-SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+SOURCE = os.path.abspath(os.path.join(os.path.dirname(__file__), "../../.."))
 BUILD = os.path.abspath(os.environ.get("ZK_BUILD_DIR", os.path.join(SOURCE, "build/debug")))
 FARM = os.path.join(SOURCE, "tools/boards")
 PATIENCE_S = 300
@@ -14,7 +14,7 @@ PATIENCE_S = 300
 HUNG = "TC_I2C_Open_006"
 MODULES = ["GPIO", "I2C"]
 
-sys.path.insert(0, os.path.join(SOURCE, "tests/report"))
+sys.path.insert(0, os.path.join(SOURCE, "tests/tools/report"))
 
 
 def run(*words, **more):

@@ -1,5 +1,5 @@
 """The package of a board, run as a board would; and the farm's examples as far as that needs no
-farm software. tests/boards/lava_test.py and labgrid_test.py use LAVA and labgrid themselves."""
+farm software. tests/tools/boards/lava_test.py and labgrid_test.py use LAVA and labgrid themselves."""
 import os
 import re
 import tarfile
