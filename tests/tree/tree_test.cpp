@@ -22,7 +22,8 @@ struct Layer {
     std::vector<std::string> below;
 };
 
-/** From the ground up: an arrow points to a row further up, so there is no circle. */
+/** From the ground up: an arrow points to a row further up in this list, so there is no circle. A
+ *  room that is new stands here with what it needs. */
 const std::vector<Layer> layers = {
     {"common", {}},
     {"platform", {}},
@@ -34,16 +35,32 @@ const std::vector<Layer> layers = {
     {"testcase", {"platform", "framework/base", "framework/case", "environment"}},
     {"program",
      {"platform", "framework/base", "framework/case", "framework", "environment", "testcase"}},
+
+    // The device: its rooms know one another only where their hardware meets.
+    {"simulator/stream", {}},
     {"simulator/core", {"platform"}},
-    {"simulator/stream", {"simulator/core"}},
     {"simulator/world", {"platform", "simulator/core", "simulator/stream"}},
-    {"simulator/tuner", {"platform", "simulator/core", "simulator/world"}},
-    {"simulator/demux",
-     {"platform", "simulator/core", "simulator/stream", "simulator/world", "simulator/tuner"}},
     {"simulator/storage", {"platform", "simulator/core"}},
     {"simulator/service", {"common", "platform", "simulator/core", "simulator/world"}},
     {"simulator/side", {"platform", "simulator/core", "simulator/world"}},
+    {"simulator/tuner", {"platform", "simulator/core", "simulator/world"}},
+    {"simulator/demux",
+     {"platform", "simulator/core", "simulator/stream", "simulator/world", "simulator/tuner"}},
     {"simulator", {"simulator/core", "simulator/world"}},
+
+    {"vclock", {"common"}},
+    {"tools/common", {"common"}},
+    {"tools/mkstreams", {"tools/common"}},
+    {"tools/report", {"common", "framework/workbook", "tools/common"}},
+    {"tools/zkbench", {"common", "environment", "tools/common", "tools/report"}},
+    {"tools/mkchecklist",
+     {"framework/workbook", "framework/case", "testcase", "tools/common", "tools/report"}},
+    {"tools/golden",
+     {"common", "platform", "framework/case", "environment", "testcase", "program", "simulator",
+      "tools/common"}},
+    {"tools/torture",
+     {"common", "platform", "framework/case", "environment", "testcase", "program", "simulator",
+      "tools/common"}},
 };
 
 struct Source {
@@ -132,6 +149,9 @@ TEST(Tree, ArrowsPointDownwards) {
         std::smatch found;
         for (const std::string& line : source.lines) {
             if (!std::regex_search(line, found, include))
+                continue;
+            // Made while building.
+            if (found[1].str().find('/') == std::string::npos)
                 continue;
             // These go with the last module that is not on the case context.
             if (found[1] == "framework/tc_check.h" || found[1] == "framework/modules.h" ||
