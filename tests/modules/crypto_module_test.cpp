@@ -247,6 +247,20 @@ TEST_F(CryptoModuleTest, AWrongLastByteOfThePlaintextFails) {
     EXPECT_TRUE(says("E:The result of decrypt not equal to the original buffer.\n")) << text_;
 }
 
+TEST_F(CryptoModuleTest, LengthsThatDifferFailThoughTheBytesAgree) {
+    const char* const rows[][2] = {
+        {"QLX_CryptoEncrypt", "E:The result of encrypt equal to the original buffer.\n"},
+        {"QLX_CryptoDecrypt", "E:The result of decrypt not equal to the original buffer.\n"},
+    };
+    for (const auto& row : rows) {
+        qlx_sim_reset();
+        ASSERT_EQ(qlx_sim_add_fault((std::string(row[0]) + " set=length:17694719").c_str()), 0);
+        EXPECT_EQ(run("TC_EnDecryAES128_ECB"), 1u);
+        EXPECT_TRUE(says("E:Length is not equal(in:17694720 != out:17694719).\n")) << text_;
+        EXPECT_TRUE(says(row[1])) << text_;
+    }
+}
+
 TEST_F(CryptoModuleTest, AMissingModeFails) {
     bench_.useBoard("[CRYPTO]\nTDES2_CBC=0\n");
     EXPECT_EQ(run("TC_EnDecryTDES2_CBC"), 1u);
