@@ -199,35 +199,34 @@ static bool exchange(CaseContext& tc, const uint32_t* cmdIds, uint32_t count,
     return sendCommands(tc, cmdIds, count, payloadLength) && waitForResponse(tc);
 }
 
-// What the cases do with an open session.
+// What the cases do with an open session. Each yields whether it went well; the verdict is noted.
 
-static void nothing(CaseContext&) {}
+static bool nothing(CaseContext&) {
+    return true;
+}
 
-static void exchangeSingle(CaseContext& tc) {
+static bool exchangeSingle(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_SINGLE};
-    exchange(tc, cmdIds, 1, SLOT_SIZE);
+    return exchange(tc, cmdIds, 1, SLOT_SIZE);
 }
 
-static void exchangePair(CaseContext& tc) {
+static bool exchangePair(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_PAIR_FIRST, CMD_PAIR_SECOND};
-    exchange(tc, cmdIds, 2, SLOT_SIZE);
+    return exchange(tc, cmdIds, 2, SLOT_SIZE);
 }
 
-/** A failed exchange does not keep the next one from being tried. */
-static void exchangeSinglePairSingle(CaseContext& tc) {
-    exchangeSingle(tc);
-    exchangePair(tc);
-    exchangeSingle(tc);
+static bool exchangeSinglePairSingle(CaseContext& tc) {
+    return exchangeSingle(tc) && exchangePair(tc) && exchangeSingle(tc);
 }
 
-static void exchangeHeader(CaseContext& tc) {
+static bool exchangeHeader(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_HEADER_ONLY};
-    exchange(tc, cmdIds, 1, 0);
+    return exchange(tc, cmdIds, 1, 0);
 }
 
-static void exchangeFlippedPair(CaseContext& tc) {
+static bool exchangeFlippedPair(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_FLIPPED_FIRST, CMD_FLIPPED_SECOND};
-    exchange(tc, cmdIds, 2, SLOT_SIZE);
+    return exchange(tc, cmdIds, 2, SLOT_SIZE);
 }
 
 /** Reads lines until one begins with 'y' or 'n'. 1 for yes; 0 for no, and at the end of input. */
@@ -243,15 +242,16 @@ static int _waitYes() {
     return 0;
 }
 
-static void killAndAsk(CaseContext& tc) {
+static bool killAndAsk(CaseContext& tc) {
     const uint32_t cmdIds[] = {CMD_DIE};
     if (!sendCommands(tc, cmdIds, 1, SLOT_SIZE))
-        return;
+        return false;
     zk_log("\nPlease check if TA is dead? Yes-y or NO-n\r\n");
     if (_waitYes())
         zk_log("\nReopen TA session and retry to transfer data\r\n");
     else
         zk_log("\nExit this case!\r\n");
+    return true;
 }
 
 /** How a case registers the callback. */
@@ -286,7 +286,7 @@ static const LadderStep<Session> sessionSteps[] = {
 
 /** The frame of each case. A step of it that fails ends the case without a verdict line, after what
  *  was opened is closed again. */
-static uint32_t framed(const char* name, bool withUserData, void (*work)(CaseContext& tc)) {
+static uint32_t framed(const char* name, bool withUserData, bool (*work)(CaseContext& tc)) {
     CaseContext tc = {name};
     Session session = {static_cast<uint32_t>(sg_eCtaId), withUserData};
     Ladder<Session> ladder(tc, session, sessionSteps);

@@ -104,6 +104,42 @@ TEST_F(TeecModuleTest, ARefusedMessageGoesOnToTheClosingCalls) {
     EXPECT_EQ(deviceState(), "");
 }
 
+TEST_F(TeecModuleTest, WithAFailedMessageNoOtherIsSent) {
+    const struct {
+        const char* fault;
+        unsigned sent;
+    } rows[] = {
+        {"QLX_TEECTransData call=1 return=1", 1},
+        {"QLX_TEECTransData call=2 return=1", 2},
+        {"TEECCommand call=1 drop", 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.fault);
+        qlx_sim_reset();
+        qlx_sim_record(1);
+        ASSERT_EQ(qlx_sim_add_fault(row.fault), 0);
+        EXPECT_EQ(run("TC_TEEC_Transfer_Single_And_Multiple_Cmds_Data"), 1u);
+        qlx_sim_record(0);
+        EXPECT_TRUE(says("TEST Result: FAIL"));
+        std::string calls = recordedCalls();
+        unsigned sent = 0;
+        for (size_t at = 0; (at = calls.find("QLX_TEECTransData(", at)) != calls.npos; at++)
+            sent++;
+        EXPECT_EQ(sent, row.sent) << calls;
+        EXPECT_EQ(deviceState(), "");
+    }
+}
+
+TEST_F(TeecModuleTest, AHeaderThatComesWithDataIsPrintedAndReleasesNothing) {
+    // The answer of command 1, told to be that of command 4.
+    qlx_sim_add_fault("TEECCommand set=cmd:4");
+    EXPECT_EQ(run("TC_TEEC_Transfer_Single_Cmd_Data"), 1u);
+    EXPECT_TRUE(says("[CMDID = 4,data_len=0x40][Receive data]:\n0x")) << text_;
+    EXPECT_FALSE(says("Release TEEC semaphore!!"));
+    EXPECT_TRUE(says("Recevied nothing from  TA and timeout(3s)!"));
+    EXPECT_EQ(deviceState(), "");
+}
+
 /** A program of its own on a session. */
 struct Client {
     struct Answer {
