@@ -87,8 +87,7 @@ class DeviceManualTest(bench.BenchTest):
     # TEEC
 
     def test_trusted_application(self):
-        out = self.visit("TEEC", "3", "9", "3", "2", "8", "maybe", "Yes", "2", "8", "n", "9", "4",
-                         "9", "x")
+        out = self.visit("TEEC", "3", "9", "3", "2", "8", "maybe", "Yes", "2", "8", "n", "9", "x")
         self.assertIn("pUsrData = This is TEE Client user data test", out)
         self.assertIn("Your select is not correct!", out)
         self.assertIn("Please selcect Yes-'y' or NO- 'n'!", out)
@@ -96,9 +95,15 @@ class DeviceManualTest(bench.BenchTest):
         self.assertIn("Exit this case!", out)
         for number in (3, 8, 2):
             self.assert_outcome(out, "TEEC", number, "SUCCESS")
-        # 3 was taken; 4 is no application, and x no number.
+        # x is no number.
         self.assertEqual(out.count("[TEEC] testcase [9] SUCCESS!"), 1)
-        self.assertEqual(out.count("[TEEC] testcase [9] FAILED!"), 2)
+        self.assertEqual(out.count("[TEEC] testcase [9] FAILED!"), 1)
+        # Any number is taken; which of them are applications the library tells.
+        for number in ("4", "-1"):
+            out = self.visit("TEEC", "9", number, "2")
+            self.assert_outcome(out, "TEEC", 9, "SUCCESS")
+            self.assertIn("FUNC:QLX_TEECOpen(sg_eCtaId) RETURN ERROR VALUE", out)
+            self.assert_outcome(out, "TEEC", 2, "FAILED")
 
     # Factory
 
