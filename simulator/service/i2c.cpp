@@ -1,7 +1,8 @@
 // I2C: four buses, and on them the chips that the platform's configuration names.
 //
-// A chip keeps what is written to its registers. One that is not on the board does not acknowledge,
-// so that a wrong address in the configuration shows as a failing case.
+// A chip keeps what is written to its registers. One that is not on the board does not acknowledge.
+// The board takes its chips from the same configuration as the cases, so an address there that is
+// wrong for the hardware does not show here.
 //
 // State rules: initialisation is a flag, its end closes all buses. A bus opens once, and carries
 // transfers while it is open.

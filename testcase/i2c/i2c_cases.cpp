@@ -1,8 +1,8 @@
 // I2C: each of four buses opens at each of four rates as far as the board has them, bad arguments
 // and a second open are refused, and a chip's register is read and written with parameters of the
 // configuration or of the operator.
+#include <stdio.h>
 #include <string.h>
-#include <sys/time.h>
 
 #include <algorithm>
 #include <memory>
@@ -14,6 +14,7 @@
 #include "framework/case/check.h"
 #include "framework/case/hooks.h"
 #include "framework/case/prompt.h"
+#include "framework/case/wait.h"
 #include "platform/qlx_i2c.h"
 #include "testcase/modules.h"
 
@@ -46,9 +47,11 @@ static uint32_t readParam(const char* key) {
     return static_cast<uint32_t>(value);
 }
 
-/** Spreads a number over bytes, lowest first; bytes from the fifth on are 0. */
-static void splitBytes(uint32_t number, uint8_t* bytes, size_t count) {
-    for (size_t i = 0; i < count; i++)
+/** Spreads a number over the first `length` bytes of an array, lowest first; those from the fifth
+ * on are 0, and what is behind them stays as it is. */
+template <size_t Size>
+static void splitBytes(uint32_t number, uint8_t (&bytes)[Size], size_t length) {
+    for (size_t i = 0; i < length && i < Size; i++)
         bytes[i] = i < 4 ? static_cast<uint8_t>(number >> (8 * i)) : 0;
 }
 
@@ -62,11 +65,12 @@ static uint32_t I2C_TestSetup(void) {
     config->chipAddress = static_cast<uint8_t>(readParam("IIC_DEV_ADDR"));
     config->registerAddressLength = static_cast<uint8_t>(readParam("IIC_DEV_REG_ADDR_LEN"));
     splitBytes(readParam("IIC_DEV_REG_ADDR"), config->registerAddress,
-               sizeof config->registerAddress);
+               config->registerAddressLength);
     uint8_t length = static_cast<uint8_t>(readParam("IIC_DEV_DATA_WRITE_LEN"));
     // The library reads as many bytes as it is told; there are no more than the record holds.
     stI2CParams.uWriteDataLen = std::min<uint8_t>(length, WRITE_DATA_SIZE);
-    splitBytes(readParam("IIC_DEV_DATA_WRITE_BUF"), stI2CParams.uWriteData, WRITE_DATA_SIZE);
+    splitBytes(readParam("IIC_DEV_DATA_WRITE_BUF"), stI2CParams.uWriteData,
+               stI2CParams.uWriteDataLen);
     return 0;
 }
 
@@ -182,37 +186,30 @@ static uint32_t openTwiceBase(const char* name, uint32_t eBusRate, ZkFeature rat
 
 TWICE_FAMILY(TC_VARIANT_FUNCTION)
 
-static int64_t consumption(const timeval& start, const timeval& end) {
-    return static_cast<int64_t>(end.tv_sec - start.tv_sec) * 1000 +
-           (end.tv_usec - start.tv_usec) / 1000;
-}
-
 /** A transfer with the configured chip, on an open bus. Returns the milliseconds that it took. */
 static int64_t readConfigured(CaseContext& tc) {
     uint8_t uDataBuf[READ_BUFFER_SIZE] = {};
     const uint32_t uDataBufLen = sizeof uDataBuf;
     uint32_t uReadLen = 0;
-    timeval start, end;
-    gettimeofday(&start, nullptr);
+    const Stopwatch watch;
     bool done = TC_EXPECT_RET(
         QLX_I2CRead(stI2CParams.eBusId, &stI2CParams.stconfig, uDataBufLen, uDataBuf, &uReadLen));
-    gettimeofday(&end, nullptr);
+    const int64_t uConsumeTime = watch.ms();
     if (done)
         TC_EXPECT_TRUE(uReadLen != 0);
-    return consumption(start, end);
+    return uConsumeTime;
 }
 
 static int64_t writeConfigured(CaseContext& tc) {
     uint32_t uWriteLen = 0;
-    timeval start, end;
-    gettimeofday(&start, nullptr);
+    const Stopwatch watch;
     bool done =
         TC_EXPECT_RET(QLX_I2CWrite(stI2CParams.eBusId, &stI2CParams.stconfig,
                                    stI2CParams.uWriteData, stI2CParams.uWriteDataLen, &uWriteLen));
-    gettimeofday(&end, nullptr);
+    const int64_t uConsumeTime = watch.ms();
     if (done)
         TC_EXPECT_TRUE(uWriteLen != 0);
-    return consumption(start, end);
+    return uConsumeTime;
 }
 
 /**
@@ -233,7 +230,7 @@ static uint32_t configuredBase(const char* name, int64_t (*transfer)(CaseContext
         }
         TC_EXPECT_RET(QLX_I2CClose(stI2CParams.eBusId));
     }
-    TC_EXPECT_RET(QLX_I2CDeInit());
+    TC_ASSERT_RET(QLX_I2CDeInit());
     return TC_RESULT(tc);
 }
 
@@ -259,47 +256,44 @@ struct ManualTransfer {
     int32_t dataLength;
 };
 
-/** Asks until a number within the limits is entered. A word that is no number reads as -1. False at
- *  the end of input. */
+/** Asks until a number within the limits is entered. False at the end of input. */
 static bool askNumber(const char* prompt, int32_t low, int32_t high, int32_t* number) {
+    PromptAnswer answer;
     do {
         zk_log("%s\r\n", prompt);
-        PromptAnswer answer = tc_askNumber(number);
-        if (answer == PROMPT_END_OF_INPUT)
-            return false;
-        if (answer == PROMPT_NO_NUMBER)
-            *number = -1;
-    } while (*number < low || *number > high);
-    return true;
+        answer = tc_askNumber(number);
+    } while (answer == PROMPT_NO_NUMBER ||
+             (answer == PROMPT_NUMBER && (*number < low || *number > high)));
+    return answer == PROMPT_NUMBER;
 }
 
-static bool askHex(uint32_t* number) {
-    PromptAnswer answer = tc_askHex(number);
-    if (answer == PROMPT_NO_NUMBER)
-        *number = minusOne;
-    return answer != PROMPT_END_OF_INPUT;
+/** The same for a hexadecimal number of any size. */
+static bool askHex(const char* prompt, uint32_t* number) {
+    PromptAnswer answer;
+    do {
+        zk_log("%s\r\n", prompt);
+        answer = tc_askHex(number);
+    } while (answer == PROMPT_NO_NUMBER);
+    return answer == PROMPT_NUMBER;
 }
 
 /** The common questions of both manual cases. False at the end of input. */
 static bool askTransfer(const char* lengthPrompt, ManualTransfer* answer) {
-    if (!askNumber("Input Bus id(0~3)", 0, 3, &answer->bus) ||
-        !askNumber("Input Bus rate: slow(0),normal(1),middle(2),fast(3)", INT32_MIN, 3,
-                   &answer->rate))
-        return false;
-    zk_log("Input hex value of chip addr\r\n");
-    if (!askHex(&answer->chip) ||
-        !askNumber("Input register addr length, max value is 4", 1, 4, &answer->registerLength))
-        return false;
-    zk_log("Input hex value of register addr\r\n");
-    return askHex(&answer->registerAddress) &&
+    return askNumber("Input Bus id(0~3)", 0, 3, &answer->bus) &&
+           askNumber("Input Bus rate: slow(0),normal(1),middle(2),fast(3)", INT32_MIN, 3,
+                     &answer->rate) &&
+           askHex("Input hex value of chip addr", &answer->chip) &&
+           askNumber("Input register addr length, max value is 4", 1, 4, &answer->registerLength) &&
+           askHex("Input hex value of register addr", &answer->registerAddress) &&
            askNumber(lengthPrompt, INT32_MIN, INT32_MAX, &answer->dataLength);
 }
 
 static bool askData(uint8_t* data, int32_t length) {
+    char prompt[40];
     for (int32_t i = 0; i < length; i++) {
         uint32_t byte = 0;
-        zk_log("Input hex data[%d]\r\n", i);
-        if (!askHex(&byte))
+        snprintf(prompt, sizeof prompt, "Input hex data[%d]", i);
+        if (!askHex(prompt, &byte))
             return false;
         data[i] = static_cast<uint8_t>(byte);
     }
@@ -323,8 +317,9 @@ static void writeManual(CaseContext& tc, const ManualTransfer& answer, const QLX
     const uint32_t eBusId = static_cast<uint32_t>(answer.bus);
     const uint32_t dataLength = static_cast<uint32_t>(answer.dataLength);
     uint32_t rw_len = 0;
-    TC_EXPECT_RET_TEXT("QLX_I2CWrite(eBusId,&stParam,dataBuffer,dataLength,&rw_len)",
-                       QLX_I2CWrite(eBusId, &stParam, dataBuffer, dataLength, &rw_len));
+    if (TC_EXPECT_RET_TEXT("QLX_I2CWrite(eBusId,&stParam,dataBuffer,dataLength,&rw_len)",
+                           QLX_I2CWrite(eBusId, &stParam, dataBuffer, dataLength, &rw_len)))
+        TC_EXPECT_TRUE(rw_len != 0);
 }
 
 static void readManual(CaseContext& tc, const ManualTransfer& answer, const QLX_I2CConfig& stParam,
@@ -333,25 +328,26 @@ static void readManual(CaseContext& tc, const ManualTransfer& answer, const QLX_
     const uint32_t dataLength = static_cast<uint32_t>(answer.dataLength);
     uint32_t rw_len = 0;
     if (TC_EXPECT_RET_TEXT("QLX_I2CRead(eBusId,&stParam, dataLength, dataBuffer, &rw_len)",
-                           QLX_I2CRead(eBusId, &stParam, dataLength, dataBuffer, &rw_len)))
+                           QLX_I2CRead(eBusId, &stParam, dataLength, dataBuffer, &rw_len)) &&
+        TC_EXPECT_TRUE(rw_len != 0))
         printData(answer, dataBuffer, std::min(rw_len, dataLength));
 }
 
-static void transferManual(CaseContext& tc, ManualBody transfer, const ManualTransfer& answer,
-                           uint8_t* dataBuffer) {
+static uint32_t transferManual(CaseContext& tc, ManualBody transfer, const ManualTransfer& answer,
+                               uint8_t* dataBuffer) {
     const uint32_t eBusId = static_cast<uint32_t>(answer.bus);
     const uint32_t eBusRate = static_cast<uint32_t>(answer.rate);
     QLX_I2CConfig stParam = {};
     stParam.chipAddress = static_cast<uint8_t>(answer.chip);
     stParam.registerAddressLength = static_cast<uint8_t>(answer.registerLength);
-    splitBytes(answer.registerAddress, stParam.registerAddress, sizeof stParam.registerAddress);
-    if (!TC_EXPECT_RET(QLX_I2CInit()))
-        return;
+    splitBytes(answer.registerAddress, stParam.registerAddress, stParam.registerAddressLength);
+    TC_ASSERT_RET(QLX_I2CInit());
     if (TC_EXPECT_RET_TEXT("QLX_I2COpen(eBusId,eBusRate)", QLX_I2COpen(eBusId, eBusRate))) {
         transfer(tc, answer, stParam, dataBuffer);
         TC_EXPECT_RET(QLX_I2CClose(eBusId));
     }
-    TC_EXPECT_RET(QLX_I2CDeInit());
+    TC_ASSERT_RET(QLX_I2CDeInit());
+    return TC_RESULT(tc);
 }
 
 static uint32_t manualBase(const char* name, ManualBody transfer, const char* lengthPrompt) {
@@ -374,8 +370,7 @@ static uint32_t manualBase(const char* name, ManualBody transfer, const char* le
             return TC_RESULT(tc);
         printData(answer, dataBuffer.get(), static_cast<uint32_t>(answer.dataLength));
     }
-    transferManual(tc, transfer, answer, dataBuffer.get());
-    return TC_RESULT(tc);
+    return transferManual(tc, transfer, answer, dataBuffer.get());
 }
 
 // clang-format off

@@ -9,6 +9,7 @@
 #include "framework/case/check.h"
 #include "framework/case/ladder.h"
 #include "framework/case/prompt.h"
+#include "tests/shared/typed.h"
 
 namespace {
 
@@ -176,26 +177,6 @@ TEST(CaseCheck, AssertsLeaveAtOnceAndVerdictsHaveTheirColours) {
     said = sayOf([](CaseContext& tc) { return tc_notApplicable(tc) == TC_NOT_APPLICABLE; });
     EXPECT_EQ(said.text, "\033[1;36m[TC_said] TEST Result: N/A\n\033[0m");
 }
-
-namespace {
-
-/** Standard input with a text of the operator's. */
-class Typed {
- public:
-    explicit Typed(const char* text) : text_(text), input_(stdin) {
-        stdin = fmemopen(&text_[0], text_.size(), "r");
-    }
-    ~Typed() {
-        fclose(stdin);
-        stdin = input_;
-    }
-
- private:
-    std::string text_;
-    FILE* input_;
-};
-
-}  // namespace
 
 TEST(CasePrompt, WordsThatAreNoNumbersAreDroppedAndTheEndIsTold) {
     Typed typed("\n 12 x 0x1F\nfe -3 none");
