@@ -2,6 +2,7 @@
 // leaves the chip as it found it, or says on the console that it could not.
 //
 // On a board without the feature every case is a success that does nothing.
+#include <stdio.h>
 #include <stdlib.h>
 #include <time.h>
 
@@ -31,7 +32,7 @@ uint32_t get_random_address(uint32_t range) {
     if (range != 0)
         address = static_cast<uint32_t>(rand()) % range;
     else
-        zk_log("get_random_address : wrong param\r\n");
+        printf("get_random_address : wrong param");
     zk_log("get_random_address : %u\r\n", address);
     return address;
 }

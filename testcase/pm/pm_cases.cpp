@@ -185,7 +185,7 @@ static uint32_t TC_PM_WakeupIRKey_001(void) {
     uint32_t reason = 0, key = 0;
     TC_ASSERT_RET(QLX_SysGetWakeupReason(&reason));
     if (reason != QLX_SYS_WAKEUP_REASON_IR) {
-        zk_log("TV was not awakened by IR (reason:%d).\n", static_cast<int>(reason));
+        printf("TV was not awakened by IR (reason:%d).\n", static_cast<int>(reason));
     } else {
         TC_ASSERT_RET(QLX_SysGetWakeupIRKey(&key));
         zk_log("Got wake up key: 0x%4x\n", key);
@@ -198,7 +198,7 @@ static uint32_t TC_PM_getCECWakeupAddress_001(void) {
     uint32_t reason = 0, address = 0;
     TC_ASSERT_RET(QLX_SysGetWakeupReason(&reason));
     if (reason != QLX_SYS_WAKEUP_REASON_CEC) {
-        zk_log("TV was not awakened by CEC (reason:%d).\n", static_cast<int>(reason));
+        printf("TV was not awakened by CEC (reason:%d).\n", static_cast<int>(reason));
     } else {
         TC_ASSERT_RET(QLX_SysGetWakupCECPhysicalAdress(&address));
         zk_log("Got wake up CEC physical address: 0x%4x\n", address);
@@ -208,10 +208,11 @@ static uint32_t TC_PM_getCECWakeupAddress_001(void) {
 
 /** After these reasons the device works in the dark. */
 static void noticeBacklight(uint32_t reason) {
-    if (reason == QLX_SYS_WAKEUP_REASON_RTC_EPG_UPDATE ||
-        reason == QLX_SYS_WAKEUP_REASON_RTC_RECORDING)
-        printf(TC_COLOR_NOTICE
-               "Notice: Backlight should be off after STR resume!\n" TC_COLOR_RESET);
+    if (reason != QLX_SYS_WAKEUP_REASON_RTC_EPG_UPDATE &&
+        reason != QLX_SYS_WAKEUP_REASON_RTC_RECORDING)
+        return;
+    printf(TC_COLOR_NOTICE "Notice: Backlight should be off after STR resume!" TC_COLOR_RESET);
+    zk_logFlush();
 }
 
 /** Suspends, and wakes by the RTC for a reason. */
@@ -254,19 +255,16 @@ STANDBY_RTC_WAKE_UP_VARIANTS(TC_VARIANT_FUNCTION)
 static uint32_t TC_PM_STR_RTCWakeUp_007(void) {
     CaseContext tc = {__func__};
     zk_log("RTC wakeup from STR when RTC time is different from linux time\n");
-    if (prepareRtcWakeup(QLX_SYS_WAKEUP_REASON_RTC_ALARM, 1) != TC_SUCCESS)
-        return TC_FAILURE;
+    TC_ASSERT(prepareRtcWakeup(tc, QLX_SYS_WAKEUP_REASON_RTC_ALARM, 1));
     TC_ASSERT_RET(PM_EnterSTR());
-    if (checkWakeupReason(QLX_SYS_WAKEUP_REASON_RTC_ALARM) != TC_SUCCESS)
-        return TC_FAILURE;
+    TC_ASSERT(checkWakeupReason(tc, QLX_SYS_WAKEUP_REASON_RTC_ALARM));
     return TC_RESULT(tc);
 }
 
 static uint32_t TC_PM_Standby_RTCWakeUp_007(void) {
     CaseContext tc = {__func__};
     zk_log("RTC wakeup from standby when RTC time is different from linux time\n");
-    if (prepareRtcWakeup(QLX_SYS_WAKEUP_REASON_RTC_ALARM, 1) != TC_SUCCESS)
-        return TC_FAILURE;
+    TC_ASSERT(prepareRtcWakeup(tc, QLX_SYS_WAKEUP_REASON_RTC_ALARM, 1));
     TC_ASSERT_RET(PM_EnterStandby());
     return TC_RESULT(tc);
 }

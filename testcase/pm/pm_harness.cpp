@@ -165,42 +165,41 @@ static const char* rtcText(uint32_t seconds, char (&text)[32]) {
     return text;
 }
 
-uint32_t prepareRtcWakeup(uint32_t wakeup_reason, uint32_t aheadOfLinux) {
-    CaseContext tc = {__func__};
+bool prepareRtcWakeup(CaseContext& tc, uint32_t wakeup_reason, uint32_t aheadOfLinux) {
     char text[32];
     uint32_t ltime = static_cast<uint32_t>(time(nullptr)) + aheadOfLinux;
-    TC_ASSERT_RET(QLX_SysPMRTCSetTime(ltime));
+    if (!TC_EXPECT_RET(QLX_SysPMRTCSetTime(ltime)))
+        return false;
     zk_log("set pm rtc time to %s\n", rtcText(ltime, text));
     ltime += WAKEUP_SECONDS;
-    TC_ASSERT_RET(QLX_SysPMRTCSetWakeupTime(ltime));
+    if (!TC_EXPECT_RET(QLX_SysPMRTCSetWakeupTime(ltime)))
+        return false;
     zk_log("set wakeup time to %s\n", rtcText(ltime, text));
-    TC_ASSERT_RET(QLX_SysPMRTCSetWakeupReason(wakeup_reason));
+    if (!TC_EXPECT_RET(QLX_SysPMRTCSetWakeupReason(wakeup_reason)))
+        return false;
     zk_log("set wakeup reason: %d\n", static_cast<int>(wakeup_reason));
-    TC_ASSERT_RET(QLX_SysSetWakeupCondition(QLX_SYS_WAKEUP_COND_RTC));
-    return TC_SUCCESS;
+    return TC_EXPECT_RET(QLX_SysSetWakeupCondition(QLX_SYS_WAKEUP_COND_RTC));
 }
 
-uint32_t checkWakeupReason(uint32_t wakeup_reason) {
-    CaseContext tc = {__func__};
+bool checkWakeupReason(CaseContext& tc, uint32_t wakeup_reason) {
     uint32_t eReason = 0;
-    TC_ASSERT_RET(QLX_SysGetWakeupReason(&eReason));
+    if (!TC_EXPECT_RET(QLX_SysGetWakeupReason(&eReason)))
+        return false;
     zk_log("get wakeup reason: %d\n", static_cast<int>(eReason));
-    TC_ASSERT_EQUAL(wakeup_reason, eReason);
-    return TC_SUCCESS;
+    return TC_EXPECT_EQUAL(wakeup_reason, eReason);
 }
 
 uint32_t testStrWakeupRtc(uint32_t wakeup_reason) {
     CaseContext tc = {__func__};
-    if (prepareRtcWakeup(wakeup_reason, 0) != TC_SUCCESS)
-        return TC_FAILURE;
+    TC_ASSERT(prepareRtcWakeup(tc, wakeup_reason, 0));
     TC_ASSERT_RET(PM_EnterSTR());
-    return checkWakeupReason(wakeup_reason);
+    TC_ASSERT(checkWakeupReason(tc, wakeup_reason));
+    return TC_SUCCESS;
 }
 
 uint32_t testStandbyWakeupRtc(uint32_t wakeup_reason) {
     CaseContext tc = {__func__};
-    if (prepareRtcWakeup(wakeup_reason, 0) != TC_SUCCESS)
-        return TC_FAILURE;
+    TC_ASSERT(prepareRtcWakeup(tc, wakeup_reason, 0));
     TC_ASSERT_RET(PM_EnterStandby());
     return TC_SUCCESS;
 }
@@ -216,5 +215,6 @@ void ShowMagicPacketHint(const char* interface) {
         zk_log("Please send Magic Packet for %s:[%s] \n", interface, address);
     else
         printf(TC_COLOR_NOTICE "Failed get mac address" TC_COLOR_RESET);
+    zk_logFlush();
     fclose(file);
 }

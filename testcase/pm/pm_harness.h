@@ -7,6 +7,8 @@
 
 #include <stdint.h>
 
+#include "framework/case/check.h"
+
 /** Makes and destroys the condition that a resume signals; it counts monotonic time. 0: done. */
 int pmInitWait(void);
 void pmDestroyWait(void);
@@ -25,12 +27,12 @@ uint32_t testStrWakeupRtc(uint32_t wakeup_reason);
 /** The same with standby: returns 1 when the device stays up. */
 uint32_t testStandbyWakeupRtc(uint32_t wakeup_reason);
 
-/** The first four steps of these two, with the RTC set `aheadOfLinux` seconds ahead of the
- *  operating system's time. Returns 0, or 1 with a message. */
-uint32_t prepareRtcWakeup(uint32_t wakeup_reason, uint32_t aheadOfLinux);
+/** The first four steps of these two in the name of `tc`, with the RTC set `aheadOfLinux` seconds
+ *  ahead of the operating system's time. Whether all succeeded. */
+bool prepareRtcWakeup(CaseContext& tc, uint32_t wakeup_reason, uint32_t aheadOfLinux);
 
-/** Reads the wake-up reason, and compares it. Returns 0, or 1 with a message. */
-uint32_t checkWakeupReason(uint32_t wakeup_reason);
+/** Reads the wake-up reason, and compares it. Whether it is the one. */
+bool checkWakeupReason(CaseContext& tc, uint32_t wakeup_reason);
 
 /** Prints the hardware address that a magic packet for the interface has to bear. */
 void ShowMagicPacketHint(const char* interface);

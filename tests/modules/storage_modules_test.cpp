@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <regex>
 
 #include "environment/test_env.h"
 #include "platform/qlx_eeprom.h"
@@ -135,7 +136,13 @@ TEST_F(StorageModules, VerdictsOnAFaultyDevice) {
 }
 
 TEST_F(StorageModules, RandomAddressIsTheSameWithinASecond) {
+    testing::internal::CaptureStdout();
     EXPECT_EQ(get_random_address(0), 4u);
+    const std::string text = testing::internal::GetCapturedStdout();
+    // The complaint stands bare, and the result behind it on the same line.
+    EXPECT_TRUE(std::regex_match(text, std::regex("get_random_address : wrong param"
+                                                  "\\[\\d+\\.\\d+\\]get_random_address : 4\r\n")))
+        << text;
     for (uint32_t range : {1u, 2u, 4096u})
         EXPECT_LT(get_random_address(range), range);
     // The seconds may change between two calls, but not twice between three.
