@@ -24,7 +24,8 @@ for word in "$@"; do
     esac
 done
 tools/setup.sh
-export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+# What another checkout has compiled serves here, too.
+export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 jobs=$(nproc)
 
 # build PRESET [--target TARGET]
