@@ -206,6 +206,7 @@ class FolderTest(RunnerTest):
                             "[PLATFORM_INFO]\nPLATFORM=1\n"),
                            ("reboot.sh", "#!/bin/sh\nkill -9 0\n"),
                            ("report.xls", "my report"), ("console.log", "my console\n"),
+                           ("report.html", "my page"),
                            ("stream/ts/my.ts", "my stream")):
             self.put(name, text)
             own[name] = text.encode()
@@ -214,7 +215,7 @@ class FolderTest(RunnerTest):
             code, out = self.run_bench()
             self.assertEqual(code, 0, out)
             for name, content in own.items():
-                if name not in ("report.xls", "console.log"):
+                if name not in ("report.xls", "console.log", "report.html"):
                     self.assertEqual(self.get(name), content, name)
             self.assertEqual(stat.S_IMODE(os.stat(self.inside("reboot.sh")).st_mode), 0o700)
             for name in ("checklist.xls", "config/common/auto_test_platform.cfg", "stream/ts"):
@@ -222,10 +223,11 @@ class FolderTest(RunnerTest):
             # The user's report is kept through all runs; the runner's own only once.
             self.assertEqual(self.get("last-report.xls"), b"my report")
             self.assertEqual(self.get("last-console.log"), b"my console\n")
+            self.assertEqual(self.get("last-report.html"), b"my page")
             self.assertEqual(os.path.exists(self.inside("last-report-2.xls")), run > 0)
             self.assertFalse(os.path.exists(self.inside("last-report-3.xls")))
             last = ("last-report.xls", "last-report-2.xls", "last-report-2.xls")[run]
-            self.assertIn("report.xls of the last run is kept as " + last, out)
+            self.assertRegex(out, r"of the last run there stay .*\breport.xls as " + last)
         self.assertEqual(self.results("GPIO")[2], "Pass")
 
     def test_a_report_with_notes_is_the_users(self):

@@ -149,14 +149,15 @@ bool bringChecklist(const fs::path& fresh, const std::string& name) {
     return brought;
 }
 
-void keepLastRun(const RunFiles& files) {
+void putAside(const std::vector<std::string>& names) {
     std::map<std::string, std::string> keys = loadResults();
-    for (const std::string& name : {files.report, files.console}) {
+    std::string kept;
+    for (const std::string& name : names) {
         if (!fs::exists(name))
             continue;
         std::string place = placeForLast(keys, name);
         bool own = isOwn(keys, name);
-        printf("%s of the last run is kept as %s\n", name.c_str(), place.c_str());
+        kept += (kept.empty() ? "" : ", ") + name + " as " + place;
         fs::rename(name, place);
         if (own)
             keys[place] = keys[name];
@@ -164,12 +165,14 @@ void keepLastRun(const RunFiles& files) {
             keys.erase(place);
         keys.erase(name);
     }
+    if (!kept.empty())
+        printf("of the last run there stay %s\n", kept.c_str());
     saveResults(keys);
 }
 
-void rememberResults(const RunFiles& files) {
+void rememberOwn(const std::vector<std::string>& names) {
     std::map<std::string, std::string> keys = loadResults();
-    for (const std::string& name : {files.report, files.console})
+    for (const std::string& name : names)
         keys[name] = contentKey(readText(name));
     saveResults(keys);
 }

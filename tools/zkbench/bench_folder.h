@@ -18,6 +18,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 /** The workbooks' names, which the configuration gives, and the console's. */
 struct RunFiles {
@@ -40,10 +41,10 @@ RunFiles configuredFiles();
  *  user's own, which stays. */
 bool bringChecklist(const std::filesystem::path& fresh, const std::string& name);
 
-/** Renames the last run's report and console out of the way, and says so. */
-void keepLastRun(const RunFiles& files);
+/** Renames an earlier run's files out of the way, to "last-...", and says so. */
+void putAside(const std::vector<std::string>& names);
 
 /** Remembers that these files are the runner's own as they are now. */
-void rememberResults(const RunFiles& files);
+void rememberOwn(const std::vector<std::string>& names);
 
 #endif

@@ -225,10 +225,11 @@ fs::path formOf(const RunFiles& files, const char* extension) {
     return fs::path(files.report).replace_extension(extension);
 }
 
-/** Forms of an earlier report would pass for those of this one. */
-void removeForms(const RunFiles& files) {
+std::vector<std::string> formsOf(const RunFiles& files) {
+    std::vector<std::string> names;
     for (const auto& form : forms)
-        fs::remove(formOf(files, form.extension));
+        names.push_back(formOf(files, form.extension));
+    return names;
 }
 
 void writeForms(const Options& options, const RunFiles& files, const report::Run& run) {
@@ -290,12 +291,16 @@ int useFolder(const Options& options) {
     if (code != 0)
         return code;
     report::Checklist checklist = report::readChecklist(files.checklist);
+    std::vector<std::string> results = {files.report, files.console};
+    // Forms of an earlier report would pass for those of this one.
+    std::vector<std::string> readable = formsOf(files);
     if (!options.run.resume)
-        keepLastRun(files);
-    removeForms(files);
+        readable.insert(readable.end(), results.begin(), results.end());
+    putAside(readable);
     std::string why = runToTheEnd(options.run, files, checklist);
     bool complete = summarise(options, files, why);
-    rememberResults(files);
+    rememberOwn(results);
+    rememberOwn(formsOf(files));
     return complete ? EXIT_DONE : EXIT_FAILED;
 }
 
