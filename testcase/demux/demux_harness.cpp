@@ -30,10 +30,10 @@ struct DemuxBench {
 
 // clang-format off
 static const LadderStep<DemuxBench> demuxSteps[] = {
-    // up, down
-    {LADDER_CALL("QLX_DemuxOpen(eDemuxId)", QLX_DemuxOpen(bench.eDemuxId)), LADDER_CALL("QLX_DemuxClose(eDemuxId)", QLX_DemuxClose(bench.eDemuxId))},
+    // up                                                                                                                 down
+    {LADDER_CALL("QLX_DemuxOpen(eDemuxId)", QLX_DemuxOpen(bench.eDemuxId)),                                               LADDER_CALL("QLX_DemuxClose(eDemuxId)", QLX_DemuxClose(bench.eDemuxId))},
     {LADDER_CALL("QLX_DemuxConnectSource(eDemuxId, pstSource)", QLX_DemuxConnectSource(bench.eDemuxId, bench.pstSource)), LADDER_NONE},
-    {LADDER_CALL("QLX_DemuxStart(eDemuxId)", QLX_DemuxStart(bench.eDemuxId)), LADDER_CALL("QLX_DemuxStop(eDemuxId)", QLX_DemuxStop(bench.eDemuxId))},
+    {LADDER_CALL("QLX_DemuxStart(eDemuxId)", QLX_DemuxStart(bench.eDemuxId)),                                             LADDER_CALL("QLX_DemuxStop(eDemuxId)", QLX_DemuxStop(bench.eDemuxId))},
 };
 // clang-format on
 

@@ -230,21 +230,21 @@ using PesBench_st = FilterBench<QLX_PesFilterParams>;
 
 // clang-format off
 static const LadderStep<SectionBench_st> sectionSteps[] = {
-    // up, down
-    {LADDER_CALL("QLX_DemuxCreateSectionFilter(eDemuxId, &hFilter)", QLX_DemuxCreateSectionFilter(bench.eDemuxId, &bench.hFilter)), LADDER_CALL("QLX_SectionFilterDelete( hFilter)", QLX_SectionFilterDelete(bench.hFilter))},
-    {LADDER_CALL("QLX_SectionFilterConfigure(hFilter, &stParams)", QLX_SectionFilterConfigure(bench.hFilter, &bench.stParams)), LADDER_NONE},
-    {LADDER_CALL("Demux_SemInit(&pRequestInfo->sem)", Demux_SemInit(bench.sem)), LADDER_CALL("Demux_SemDestroy(&pRequestInfo->sem)", Demux_SemDestroy(bench.sem))},
+    // up                                                                                                                                                                                          down
+    {LADDER_CALL("QLX_DemuxCreateSectionFilter(eDemuxId, &hFilter)", QLX_DemuxCreateSectionFilter(bench.eDemuxId, &bench.hFilter)),                                                                LADDER_CALL("QLX_SectionFilterDelete( hFilter)", QLX_SectionFilterDelete(bench.hFilter))},
+    {LADDER_CALL("QLX_SectionFilterConfigure(hFilter, &stParams)", QLX_SectionFilterConfigure(bench.hFilter, &bench.stParams)),                                                                    LADDER_NONE},
+    {LADDER_CALL("Demux_SemInit(&pRequestInfo->sem)", Demux_SemInit(bench.sem)),                                                                                                                   LADDER_CALL("Demux_SemDestroy(&pRequestInfo->sem)", Demux_SemDestroy(bench.sem))},
     {LADDER_CALL("QLX_SectionFilterRegisterCallback(hFilter, pRequestInfo , Demux_SectionFilterCb)", QLX_SectionFilterRegisterCallback(bench.hFilter, bench.pRequestInfo, Demux_SectionFilterCb)), LADDER_CALL("QLX_SectionFilterUnRegisterCallback( hFilter, Demux_SectionFilterCb)", QLX_SectionFilterUnRegisterCallback(bench.hFilter, Demux_SectionFilterCb))},
-    {LADDER_CALL("QLX_SectionFilterStart(hFilter)", QLX_SectionFilterStart(bench.hFilter)), LADDER_CALL("QLX_SectionFilterStop(hFilter)", QLX_SectionFilterStop(bench.hFilter))},
+    {LADDER_CALL("QLX_SectionFilterStart(hFilter)", QLX_SectionFilterStart(bench.hFilter)),                                                                                                        LADDER_CALL("QLX_SectionFilterStop(hFilter)", QLX_SectionFilterStop(bench.hFilter))},
 };
 
 static const LadderStep<PesBench_st> pesSteps[] = {
-    // up, down
-    {LADDER_CALL("QLX_DemuxCreatePesFilter(eDemuxId, &hFilter)", QLX_DemuxCreatePesFilter(bench.eDemuxId, &bench.hFilter)), LADDER_CALL("QLX_PesFilterDelete( hFilter)", QLX_PesFilterDelete(bench.hFilter))},
-    {LADDER_CALL("QLX_PesFilterConfigure(hFilter, &stParams)", QLX_PesFilterConfigure(bench.hFilter, &bench.stParams)), LADDER_NONE},
-    {LADDER_CALL("Demux_SemInit(&pRequestInfo->sem)", Demux_SemInit(bench.sem)), LADDER_CALL("Demux_SemDestroy(&pRequestInfo->sem)", Demux_SemDestroy(bench.sem))},
+    // up                                                                                                                                                                          down
+    {LADDER_CALL("QLX_DemuxCreatePesFilter(eDemuxId, &hFilter)", QLX_DemuxCreatePesFilter(bench.eDemuxId, &bench.hFilter)),                                                        LADDER_CALL("QLX_PesFilterDelete( hFilter)", QLX_PesFilterDelete(bench.hFilter))},
+    {LADDER_CALL("QLX_PesFilterConfigure(hFilter, &stParams)", QLX_PesFilterConfigure(bench.hFilter, &bench.stParams)),                                                            LADDER_NONE},
+    {LADDER_CALL("Demux_SemInit(&pRequestInfo->sem)", Demux_SemInit(bench.sem)),                                                                                                   LADDER_CALL("Demux_SemDestroy(&pRequestInfo->sem)", Demux_SemDestroy(bench.sem))},
     {LADDER_CALL("QLX_PesFilterRegisterCallback(hFilter, pRequestInfo , Demux_PesFilterCb)", QLX_PesFilterRegisterCallback(bench.hFilter, bench.pRequestInfo, Demux_PesFilterCb)), LADDER_CALL("QLX_PesFilterUnRegisterCallback( hFilter, Demux_PesFilterCb)", QLX_PesFilterUnRegisterCallback(bench.hFilter, Demux_PesFilterCb))},
-    {LADDER_CALL("QLX_PesFilterStart(hFilter)", QLX_PesFilterStart(bench.hFilter)), LADDER_CALL("QLX_PesFilterStop(hFilter)", QLX_PesFilterStop(bench.hFilter))},
+    {LADDER_CALL("QLX_PesFilterStart(hFilter)", QLX_PesFilterStart(bench.hFilter)),                                                                                                LADDER_CALL("QLX_PesFilterStop(hFilter)", QLX_PesFilterStop(bench.hFilter))},
 };
 // clang-format on
 

@@ -5,71 +5,92 @@
 #ifndef TESTCASE_DEMUX_SECTION_FRAME_H
 #define TESTCASE_DEMUX_SECTION_FRAME_H
 
+#include <stddef.h>
 #include <stdint.h>
 
+#include "framework/case/ladder.h"
+#include "testcase/demux/demux_reference.h"
 #include "testcase/demux/demux_request.h"
 #include "testcase/demux/section_bodies.h"
+#include "testcase/tuner/tuner_harness.h"
 
-struct SectionFrame {
-    /** The variant, under whose name checks print. */
-    const char* name;
-    const SectionBench* bench;
+enum {
+    /** Filters that one case leads at the same time. */
+    SIMULTANEOUS_MAX = 3,
+};
+
+/** Tables whose sections a case compares with those of the stream's file. */
+struct WantedTables {
+    const SectionRequest* tables;
+    size_t count;
+};
+
+extern const LadderStep<const SectionBench> sectionBenchSteps[4];
+
+/** A request for a table, with the PIDs of the channel. */
+RequestInfo_st sectionRequestOf(const SectionBench& bench, const SectionRequest& table);
+
+/** Reads the table's section from the file of its stream; to be freed by Demux_FreeTsData. */
+void sectionReadReference(const SectionBench& bench, const SectionRequest& table,
+                          SectionData_st* reference);
+
+/**
+ * A case: tunes to the channel of file 0 or 1, reads the references, brings the demultiplexer up,
+ * does its work on that, and takes everything down again.
+ * @param wanted  the tables of the references, at most SIMULTANEOUS_MAX
+ * @param work    called with the context and the references, in the order of the tables; leaves no
+ *                filter behind
+ * @return the verdict, which is printed
+ */
+template <typename Work>
+uint32_t sectionCase(const char* name, const SectionBench& bench, uint32_t file,
+                     const WantedTables& wanted, Work work) {
+    CaseContext tc = {name};
+    const SectionStandard* standard = bench.standard;
+    const uint32_t eTunerId = bench.eTunerId;
+    SectionData_st references[SIMULTANEOUS_MAX] = {};
+    if (TC_EXPECT_RET_TEXT(
+            standard->startText[file],
+            TC_TUNER_START(eTunerId, standard->eSystem, standard->files->uTsFileChannelId[file]))) {
+        for (size_t i = 0; i < wanted.count; i++)
+            sectionReadReference(bench, wanted.tables[i], &references[i]);
+        Ladder<const SectionBench> ladder(tc, bench, sectionBenchSteps);
+        if (ladder.up())
+            work(tc, references);
+        ladder.down();
+        TC_EXPECT_RET(TC_TUNER_STOP(eTunerId));
+    }
+    for (SectionData_st& reference : references)
+        Demux_FreeTsData(&reference);
+    return TC_RESULT(tc);
+}
+
+/** The same on the channel of file 0 without references; `work` is called with the context. */
+template <typename Work>
+uint32_t sectionCase(const char* name, const SectionBench& bench, Work work) {
+    return sectionCase(name, bench, 0, {},
+                       [&](CaseContext& tc, const SectionData_st*) { work(tc); });
+}
+
+/** A filter that is led by hand. Whoever has opened it closes it, also when that failed. */
+class HandFilter {
+ public:
+    HandFilter(CaseContext& tc, const SectionBench& bench, const SectionRequest& table);
+
+    /** Creates, configures and registers it. */
+    bool open();
+    bool start();
+    /** Stops it when it runs. */
+    bool stop();
+    /** Takes down what is up, and frees the copies of all events. */
+    void close();
+
     uint32_t eDemuxId;
-    uint32_t eTunerId;
-    uint32_t result;
-    bool tuned;
-    bool initialised;
-    bool opened;
-    bool started;
-};
-
-SectionFrame frameOf(const char* name, const SectionBench& bench);
-
-/** True when `value` is 0; else prints the failure of `text` and sets the frame's result. */
-bool frameCheck(SectionFrame* frame, int line, const char* text, int64_t value);
-/** True when the two are equal; else prints both and sets the frame's result. */
-bool frameEqual(SectionFrame* frame, int line, uint32_t expected, uint32_t actual);
-
-/** The checks; they need a `frame` in scope and yield whether they hold. */
-#define FRAME_RET(expr) frameCheck(frame, __LINE__, #expr, static_cast<int64_t>(expr))
-#define FRAME_RET_TEXT(text, expr) frameCheck(frame, __LINE__, text, static_cast<int64_t>(expr))
-#define FRAME_EQUAL(expected, actual) frameEqual(frame, __LINE__, expected, actual)
-
-/** Tunes to the channel of file 0 or 1. False: the tuner is closed, and the case may end. */
-bool frameTune(SectionFrame* frame, uint32_t file);
-/** Initialises, opens, connects and starts the demultiplexer, up to the first failure. */
-bool frameOpen(SectionFrame* frame);
-/** Both, with file 0. */
-bool frameTuneAndOpen(SectionFrame* frame);
-/** Takes down what is up, each step also after one that failed; prints and answers the verdict. */
-uint32_t frameEnd(SectionFrame* frame);
-
-/** The path of the reference. */
-const char* framePath(const SectionFrame* frame, uint32_t file);
-
-/** Clears a request and fills it in for a table, with the PIDs of the channel. */
-void frameRequest(const SectionFrame* frame, const SectionRequest& table,
-                  RequestInfo_st* pRequestInfo);
-
-/** Exactly one event, and that with data. */
-bool frameOneData(SectionFrame* frame, const RequestInfo_st* pRequestInfo);
-
-/** A filter that is led by hand. */
-struct HandFilter {
-    uint32_t hFilter;
+    uint32_t hFilter = 0;
     RequestInfo_st stRequestInfo;
-    bool created;
-    bool withSem;
-    bool registered;
-    bool running;
-};
 
-/** Creates, configures and registers a filter for a filled-in request. */
-bool handOpen(SectionFrame* frame, HandFilter* filter);
-bool handStart(SectionFrame* frame, HandFilter* filter);
-/** Stops it when it runs. */
-bool handStop(SectionFrame* frame, HandFilter* filter);
-/** Takes down what is up, and frees the copies of all events. */
-void handClose(SectionFrame* frame, HandFilter* filter);
+ private:
+    Ladder<HandFilter> ladder_;
+};
 
 #endif
