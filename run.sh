@@ -11,7 +11,7 @@ project=$(cd "$(dirname "$0")" && pwd)
     cd "$project"
     tools/setup.sh
     # What another checkout has compiled serves here, too.
-export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
     echo "run: building"
     cmake --preset release > /dev/null
     cmake --build --preset release --target zktest mkchecklist mkstreams zkbench vclock vclock_run

@@ -8,12 +8,12 @@
 #include "framework/case/ladder.h"
 #include "framework/case/prompt.h"
 #include "framework/case/wait.h"
-#include "framework/modules.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_filter.h"
 #include "platform/qlx_tuner.h"
 #include "testcase/demux/demux_harness.h"
 #include "testcase/demux/demux_request.h"
+#include "testcase/modules.h"
 #include "testcase/tuner/tuner_harness.h"
 
 enum {

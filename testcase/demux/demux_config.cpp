@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "environment/conf_reader.h"
+#include "environment/config_files.h"
 #include "framework/base/zk_log.h"
-#include "framework/platform_select.h"
 
 DemuxConfig g_tcDemuxConfig;
 

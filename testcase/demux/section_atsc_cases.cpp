@@ -6,12 +6,12 @@
 // not on the air. That is the PAT: they pass only where the stream has none.
 #include <iterator>
 
-#include "framework/modules.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_tuner.h"
 #include "testcase/demux/demux_harness.h"
 #include "testcase/demux/section_bodies.h"
 #include "testcase/demux/section_tables.h"
+#include "testcase/modules.h"
 
 static const SectionBench atscc0 = {&sectionAtscC, QLX_DEMUX_0, QLX_TUNER_0};
 static const SectionBench atscc1 = {&sectionAtscC, QLX_DEMUX_1, QLX_TUNER_1};

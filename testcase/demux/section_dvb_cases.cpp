@@ -6,12 +6,12 @@
 // information present/following); the others compare all bytes, from streams that hold them still.
 #include <iterator>
 
-#include "framework/modules.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_tuner.h"
 #include "testcase/demux/demux_harness.h"
 #include "testcase/demux/section_bodies.h"
 #include "testcase/demux/section_tables.h"
+#include "testcase/modules.h"
 
 static const SectionBench dvbc0 = {&sectionDvbC, QLX_DEMUX_0, QLX_TUNER_0};
 static const SectionBench dvbc1 = {&sectionDvbC, QLX_DEMUX_1, QLX_TUNER_1};

@@ -3,12 +3,12 @@
 // Tuner-3.
 #include <iterator>
 
-#include "framework/modules.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_tuner.h"
 #include "testcase/demux/demux_harness.h"
 #include "testcase/demux/section_bodies.h"
 #include "testcase/demux/section_tables.h"
+#include "testcase/modules.h"
 
 static const SectionBench isdbt0 = {&sectionIsdbT, QLX_DEMUX_0, QLX_TUNER_0};
 static const SectionBench isdbt1 = {&sectionIsdbT, QLX_DEMUX_1, QLX_TUNER_1};

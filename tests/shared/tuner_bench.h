@@ -9,7 +9,7 @@
 
 #include "environment/config_files.h"
 #include "environment/test_env.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "program/startup.h"
 #include "testcase/tuner/tuner_harness.h"
 #include "tests/shared/device.h"

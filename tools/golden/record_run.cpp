@@ -11,7 +11,7 @@
 
 #include <utility>
 
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "simulator/sim_control.h"
 
 namespace {

@@ -35,7 +35,7 @@
 
 #include "environment/conf_reader.h"
 #include "environment/config_files.h"
-#include "framework/tc_check.h"
+#include "framework/case/check.h"
 #include "platform/qlx_sys.h"
 #include "program/startup.h"
 #include "simulator/sim_control.h"
