@@ -230,9 +230,13 @@ void* TUNER_DVBS_BlindScanTuneCircleThread(void* argument) {
     const TunerScanThread& thread = *static_cast<TunerScanThread*>(argument);
     CaseContext tc = {thread.name};
     TunerScanEnd end = SCAN_FINISHED;
-    while (end == SCAN_FINISHED && thread.uCancelFlag == 0)
+    while (end != SCAN_FAILED && thread.uCancelFlag == 0) {
         end =
             tuner_scanBands(tc, QLX_TUNER_0, &thread.uCancelFlag, "All finished, circle again.\n");
+        // A library that cancels by itself may do so at once, and each time.
+        if (end == SCAN_CANCELED && !TC_EXPECT_TRUE(thread.uCancelFlag != 0))
+            sleep(1);
+    }
     if (thread.uCancelFlag != 0)
         zk_log("Cancel Falg true, Exit.\r\n");
     tc_endThread(tc.result);

@@ -373,6 +373,24 @@ TEST_F(TunerSatellite, ACancelMustFindTheScanRunning) {
     EXPECT_EQ(deviceState(), "");
 }
 
+TEST_F(TunerSatellite, TheCircleOfScansGoesOnUntilItsFlagIsSet) {
+    const char name[] = "TC_TUNER_DVBS_BlindScanTune_013";
+    EXPECT_EQ(runCase(name), PASS);
+    EXPECT_EQ(count(takeOutput(), "]All finished, circle again.\n"), 34u);
+    // A scan that ends as cancelled although nobody cancelled it fails the case, but the load on
+    // the tuner stays.
+    EXPECT_EQ(runCase(name, "QLX_TunerBlindScanNext call=1 return=0x10030E"), FAIL);
+    std::string out = takeOutput();
+    EXPECT_EQ(count(out, "]Blind scan canceled.\n"), 2u);
+    EXPECT_EQ(count(out, "]All finished, circle again.\n"), 34u);
+    EXPECT_EQ(count(out, "]expect 1, but actually 0  \n"), 1u);
+    EXPECT_NE(out.find("]GetSignalThread Status: 0 \r\n"), std::string::npos);
+    // Also where no scan is ever made, the circle does not spin.
+    EXPECT_EQ(runCase(name, "QLX_TunerBlindScanNext return=0x10030E"), FAIL);
+    EXPECT_EQ(count(takeOutput(), "]Blind scan canceled.\n"), 1206u);
+    EXPECT_EQ(deviceState(), "");
+}
+
 TEST_F(TunerSatellite, OneSlowReadingOfTwelveThousandFails) {
     const char name[] = "TC_TUNER_DVBS_BlindScanTune_013";
     EXPECT_EQ(runCase(name, "QLX_TunerGetSignalInfo call=7000 delay=500"), PASS);
