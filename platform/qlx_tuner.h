@@ -206,7 +206,7 @@ typedef struct QLX_TunerTuningParamsDvbS {
     uint32_t uUnicableChannelId;      /**< User band, from 1 as in ODU_Channel_change. */
     uint32_t uUnicableChannelFreqKHz; /**< Centre of the user band. */
     uint32_t uReserved;
-    uint32_t bKnownOffset;       /**< 1: uFrequency is exact; 0: the carrier may lie beside it. */
+    uint32_t bKnownOffset;       /**< 1: uFrequency is exact; 0: the carrier is searched for. */
     uint32_t bKnownSymbolRate;   /**< 1: uSymbolRate must match; 0: the demodulator finds it. */
     uint32_t ePolarization;      /**< QLX_Polarization. */
     uint32_t eLnbToneState;      /**< QLX_LnbToneState. */

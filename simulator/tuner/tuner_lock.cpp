@@ -43,6 +43,9 @@ const LockRule lockRules[] = {
 };
 // clang-format on
 
+/** What a satellite demodulator pulls in without a search, in kHz (bKnownOffset). */
+constexpr int64_t knownOffsetRange = 500;
+
 /** Half a channel: how far a carrier may lie off and still be what the tuner measures. */
 constexpr int64_t presenceRange = 3000;
 constexpr int64_t satellitePresenceRange = 15000;
@@ -63,6 +66,14 @@ uint32_t recognisedAs(const Transmitter& t) {
     if (t.system == QLX_TRANSMISSION_SYSTEM_DVB_S && t.fecType == QLX_FEC_TYPE_DVB_S2)
         return QLX_TRANSMISSION_SYSTEM_DVB_S2;
     return t.system;
+}
+
+/** How far from the tuned frequency the demodulator takes a carrier, in kHz. */
+int64_t captureRange(const LockRule& rule, const QLX_TunerTuningParams& record) {
+    if (satelliteSystem(rule.system) && record.stDvbS.bKnownOffset)
+        return knownOffsetRange;
+    bool exact = record.uTuneOption == QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
+    return exact ? rule.exactRange : rule.searchRange;
 }
 
 /** Distance of the carrier from the tuned frequency; false when the antenna does not give it. */
@@ -163,8 +174,7 @@ Decision decideLock(const QLX_TunerTuningParams& record, const Connector& connec
     const LockRule* rule = ruleOf(record.eTransmissionSystem);
     if (rule == nullptr || connector.carriers == nullptr)
         return decision;
-    bool exact = record.uTuneOption == QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
-    int64_t capture = exact ? rule->exactRange : rule->searchRange;
+    int64_t capture = captureRange(*rule, record);
     int64_t presence = satelliteSystem(rule->system) ? satellitePresenceRange : presenceRange;
     SatelliteAntenna::Source source = connector.antenna->sourceOf(connector.cableFrequency);
     for (const TransmitterPtr& carrier : *connector.carriers) {

@@ -62,6 +62,32 @@ TEST(TunerLock, SatelliteFrequencyOffsets) {
     }
 }
 
+TEST(TunerLock, AKnownOffsetIsNotSearchedFor) {
+    for (uint32_t option : {QLX_TUNER_TUNE_OPTION_DEFAULT, QLX_TUNER_TUNE_OPTION_OFF_NOMINAL}) {
+        for (int32_t offset : {-2000, -501, -500, 0, 500, 501, 2000}) {
+            SatelliteBench bench;
+            bench.record.uFrequency += offset;
+            bench.record.uTuneOption = option;
+            EXPECT_TRUE(bench.locks()) << offset;
+            bench.record.stDvbS.bKnownOffset = 1;
+            EXPECT_EQ(bench.locks(), offset >= -500 && offset <= 500) << offset;
+            EXPECT_EQ(bench.decide().offset, offset);
+        }
+    }
+    // In its place terrestrial records have their code rate.
+    sim::Transmitter carrier;
+    carrier.system = QLX_TRANSMISSION_SYSTEM_DVB_T;
+    carrier.frequency = 474000;
+    std::vector<sim::TransmitterPtr> carriers = {std::make_shared<const sim::Transmitter>(carrier)};
+    sim::SatelliteAntenna antenna;
+    QLX_TunerTuningParams record = {};
+    record.eTransmissionSystem = carrier.system;
+    record.uFrequency = 474300;
+    record.uTuneOption = QLX_TUNER_TUNE_OPTION_OFF_NOMINAL;
+    record.stDvbT.eFecRate = QLX_FEC_RATE_2_3;
+    EXPECT_FALSE(sim::decideLock(record, {&carriers, &antenna, record.uFrequency}).locked());
+}
+
 TEST(TunerLock, SatelliteSymbolRateModulationAndFec) {
     struct Row {
         uint32_t rate;
