@@ -451,7 +451,10 @@ int32_t QLX_TunerGetSignalInfo(uint32_t eTunerId, QLX_TunerSignalInfo* pstSignal
 
 /**
  * Switches the emergency alert mode of an ATSC 3.0 demodulator, in which it listens to the wake-up
- * bits alone. @param bEnable  QLX_TRUE or QLX_FALSE
+ * bits alone: it delivers no stream, and the signal information tells nothing of the L1 signalling
+ * and of pipes. The lock status stays. Tunings do not end the mode, QLX_TunerClose does; while
+ * another system is tuned it has no effect.
+ * @param bEnable  QLX_TRUE or QLX_FALSE
  */
 int32_t QLX_TunerSetEasMode(uint32_t eTunerId, uint32_t bEnable);
 

@@ -57,6 +57,8 @@ void setReception(uint32_t tuner, uint64_t sequence, const TransmitterPtr& trans
 void resetReceptions() {
     ReceptionState& s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
+    for (uint64_t& sequence : s.sequences)
+        sequence = 0;
     for (Reception& reception : s.receptions) {
         reception.locked = false;
         reception.transmitter = nullptr;

@@ -60,6 +60,16 @@ Decision decideNow(const Tuner& tuner) {
     return decideLock(tuner.record, connector);
 }
 
+/** Whether the demodulator listens to the wake-up bits alone. */
+bool inEasMode(const Tuner& tuner) {
+    return tuner.easMode && tuner.record.eTransmissionSystem == QLX_TRANSMISSION_SYSTEM_ATSC_T3;
+}
+
+/** The emission that demultiplexers get, null for none. */
+TransmitterPtr deliveredBy(const Tuner& tuner) {
+    return tuner.decision.locked() && !inEasMode(tuner) ? tuner.decision.carrier : nullptr;
+}
+
 /** On the tuner's thread: tells demultiplexers and program the decision, unless it is outdated. */
 void announce(Tuner& tuner, uint64_t sequence) {
     TunerFamily& family = tunerFamily();
@@ -69,10 +79,11 @@ void announce(Tuner& tuner, uint64_t sequence) {
     QLX_TunerCallback callback = tuner.callback;
     void* userData = tuner.userData;
     uint32_t status = tuner.decision.status;
-    TransmitterPtr carrier = tuner.decision.locked() ? tuner.decision.carrier : nullptr;
+    TransmitterPtr carrier = deliveredBy(tuner);
+    uint64_t number = ++tuner.reception;
     tuner.delivering = true;
     lock.unlock();
-    setReception(tuner.id, sequence, carrier);
+    setReception(tuner.id, number, carrier);
     if (callback != nullptr) {
         deliver("TunerEvent", format("tuner=%u", tuner.id), {value("status", &status)},
                 [&] { callback(tuner.id, userData, status, nullptr); });
@@ -114,27 +125,19 @@ void awaitDelivery(std::unique_lock<std::mutex>& lock, Tuner& tuner) {
     tunerFamily().changed.wait(lock, [&] { return !tuner.delivering; });
 }
 
-/** The tuner stops receiving. Returns the number for setReception. */
-uint64_t dropReception(Tuner& tuner) {
-    tuner.tuned = false;
-    tuner.deciding = false;
-    tuner.decision = Decision();
-    return ++tuner.sequence;
-}
-
 void closeTuner(std::unique_lock<std::mutex>& lock, Tuner& tuner) {
     if (!tuner.open)
         return;
     stopScan(lock, tuner);
     tuner.callback = nullptr;
-    uint64_t sequence = dropReception(tuner);
+    uint64_t number = leaveCarrier(tuner);
     tuner.record = {};
     tuner.easMode = false;
     tuner.antenna = SatelliteAntenna();
     tuner.open = false;
     awaitDelivery(lock, tuner);
     lock.unlock();
-    setReception(tuner.id, sequence, nullptr);
+    setReception(tuner.id, number, nullptr);
     lock.lock();
 }
 
@@ -204,6 +207,7 @@ SignalState signalState(const Tuner& tuner) {
     SignalState signal;
     signal.record = tuner.record;
     signal.decision = tuner.decision;
+    signal.easMode = inEasMode(tuner);
     signal.tuned = tuner.tuned;
     signal.lockedForMs = nowMs() - tuner.lockedAtMs;
     signal.timeNs = physicalTimeAtPowerOn * 1000000000 + nowUs() * 1000;
@@ -230,6 +234,14 @@ TunerFamily& tunerFamily() {
         return family;
     }();
     return *instance;
+}
+
+uint64_t leaveCarrier(Tuner& tuner) {
+    tuner.tuned = false;
+    tuner.deciding = false;
+    tuner.decision = Decision();
+    tuner.sequence++;
+    return ++tuner.reception;
 }
 
 int32_t tunerRefusal(TunerNeed need, uint32_t id) {
@@ -383,12 +395,11 @@ int32_t QLX_TunerSetTuningParam(uint32_t eTunerId, const QLX_TunerTuningParams* 
     Tuner& tuner = tunerFamily().tuners[eTunerId];
     if (tuner.scan.running)
         SIM_RETURN(QLX_FAILED);
+    uint64_t lost = sim::leaveCarrier(tuner);
     tuner.record = *pstTuningParams;
     tuner.tuned = true;
     tuner.deciding = true;
-    tuner.decision = sim::Decision();
-    uint64_t lost = ++tuner.sequence;
-    uint64_t sequence = ++tuner.sequence;
+    uint64_t sequence = tuner.sequence;
     sim::steerAntenna(tuner, simCall);
     tuner.events->post(&tuner, sim::board().number("TUNER", "LOCK_MS"),
                        [&tuner, sequence] { sim::decide(tuner, sequence, false); });
@@ -428,10 +439,18 @@ int32_t QLX_TunerGetSignalInfo(uint32_t eTunerId, QLX_TunerSignalInfo* pstSignal
 
 int32_t QLX_TunerSetEasMode(uint32_t eTunerId, uint32_t bEnable) {
     SIM_ENTRY("tuner=%u enable=%u", eTunerId, bEnable);
-    std::lock_guard<std::mutex> lock(tunerFamily().mutex);
+    std::unique_lock<std::mutex> lock(tunerFamily().mutex);
     if (int32_t refusal = tunerRefusal(TunerNeed::open, eTunerId))
         SIM_RETURN(refusal);
-    tunerFamily().tuners[eTunerId].easMode = bEnable != QLX_FALSE;
+    Tuner& tuner = tunerFamily().tuners[eTunerId];
+    bool before = sim::inEasMode(tuner);
+    tuner.easMode = bEnable != QLX_FALSE;
+    if (sim::inEasMode(tuner) == before)
+        SIM_RETURN(QLX_SUCCESS);
+    sim::TransmitterPtr carrier = sim::deliveredBy(tuner);
+    uint64_t number = ++tuner.reception;
+    lock.unlock();
+    sim::setReception(eTunerId, number, carrier);
     SIM_RETURN(QLX_SUCCESS);
 }
 

@@ -75,6 +75,9 @@ void fillCable2(const Transmitter& t, QLX_TunerDvbC2Info* info) {
 /** The signalling of the bootstrap, L1-Basic and L1-Detail (A/321, A/322). */
 void fillAtsc3(const SignalState& state, const Transmitter& t, QLX_TunerAtscT3Info* info) {
     info->uEaWakeUp = static_cast<uint8_t>(t.wakeUpBits);
+    // They are in the bootstrap, and nothing behind that is decoded.
+    if (state.easMode)
+        return;
     info->bLlsInThisRf = 1;
     info->uL1DetailBsid = static_cast<uint16_t>(t.systemId);
     size_t room = sizeof info->stL1DetailPlp / sizeof info->stL1DetailPlp[0];

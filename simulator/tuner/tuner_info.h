@@ -14,6 +14,8 @@ struct SignalState {
     QLX_TunerTuningParams record;
     Decision decision;
     bool tuned = false;
+    /** Of ATSC 3.0: listens to the wake-up bits alone. */
+    bool easMode = false;
     /** Milliseconds since the lock. */
     int64_t lockedForMs = 0;
     /** Time of the device's clock in nanoseconds. */

@@ -181,12 +181,9 @@ int32_t QLX_TunerBlindScanStart(uint32_t eTunerId, const QLX_TunerBlindScanParam
         tuner.scan.highBand = tuner.antenna.tone();
     }
     // The demodulator leaves the carrier that it was tuned to.
-    tuner.tuned = false;
-    tuner.deciding = false;
-    tuner.decision = sim::Decision();
-    uint64_t sequence = ++tuner.sequence;
+    uint64_t number = sim::leaveCarrier(tuner);
     lock.unlock();
-    sim::setReception(eTunerId, sequence, nullptr);
+    sim::setReception(eTunerId, number, nullptr);
     SIM_RETURN(QLX_SUCCESS);
 }
 

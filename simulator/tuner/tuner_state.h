@@ -49,7 +49,10 @@ struct Tuner {
     /** Rises with each change of what the tuner does; jobs of an earlier number are void. */
     uint64_t sequence = 0;
 
+    /** The program's wish; only a demodulator of ATSC 3.0 has the mode. */
     bool easMode = false;
+    /** Number of what demultiplexers get of the tuner, which rises with each change. */
+    uint64_t reception = 0;
     SatelliteAntenna antenna;
     int64_t cableFrequency = 0;
     BlindScan scan;
@@ -77,6 +80,10 @@ enum class TunerNeed {
 
 /** 0, or the code with which the state refuses the operation. Called with the mutex held. */
 int32_t tunerRefusal(TunerNeed need, uint32_t id);
+
+/** Leaves what the tuner was tuned to. Called with the mutex held; returns the number for
+ *  setReception, which is to be called without it. */
+uint64_t leaveCarrier(Tuner& tuner);
 
 /** Stops the scan and waits until no step runs; called by a scan's own callback, does not wait. */
 void stopScan(std::unique_lock<std::mutex>& lock, Tuner& tuner);

@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -312,6 +313,41 @@ TEST_F(SimTunerTime, SignallingOfAtsc3) {
     EXPECT_GE(milliseconds, 1000);
     EXPECT_EQ(second.uEaWakeUp, 3);
     EXPECT_EQ(ear_.next(0, 0), silence);
+}
+
+TEST_F(SimTunerTime, EmergencyAlertModeListensToTheWakeUpBitsAlone) {
+    QLX_TunerTuningParams record = recordOf(QLX_TRANSMISSION_SYSTEM_ATSC_T3, 0);
+    record.stAtscT3.uPlpNum = 1;
+    record.stAtscT3.uPlpId[0] = 0;
+    EXPECT_EQ(tune(0, record), QLX_TUNER_STATUS_PLP_LOCKED);
+    EXPECT_TRUE(sim::receptionOf(0).locked);
+    EXPECT_EQ(QLX_TunerSetEasMode(0, QLX_TRUE), 0);
+    EXPECT_FALSE(sim::receptionOf(0).locked) << "no stream in the mode";
+    EXPECT_EQ(qlx_sim_event("air ATSC-T3 EAS=2"), 0);
+    QLX_TunerAtscT3Info heard;
+    memset(&heard, 0, sizeof heard);
+    heard.uEaWakeUp = 2;
+    QLX_TunerSignalInfo info = infoOf(0);
+    EXPECT_EQ(info.eLockStatus, static_cast<uint32_t>(QLX_TUNER_STATUS_PLP_LOCKED));
+    EXPECT_EQ(memcmp(&info.stDigital.stAtscT3, &heard, sizeof heard), 0);
+    // A tuning does not end the mode, another call does.
+    EXPECT_EQ(tune(0, record), QLX_TUNER_STATUS_PLP_LOCKED);
+    EXPECT_FALSE(sim::receptionOf(0).locked);
+    EXPECT_EQ(QLX_TunerSetEasMode(0, QLX_FALSE), 0);
+    EXPECT_TRUE(sim::receptionOf(0).locked);
+    EXPECT_EQ(infoOf(0).stDigital.stAtscT3.uL1DetailPlpNum, 4);
+    EXPECT_EQ(infoOf(0).stDigital.stAtscT3.bAllPlpsLocked, 1u);
+    EXPECT_EQ(ear_.next(0, 0), silence) << "the mode is no tuning";
+    // Other systems have no such mode; closing the tuner ends it.
+    EXPECT_EQ(tune(0, recordOf(QLX_TRANSMISSION_SYSTEM_ATSC_T, 0)), locked);
+    uint64_t change = sim::receptionOf(0).change;
+    EXPECT_EQ(QLX_TunerSetEasMode(0, QLX_TRUE), 0);
+    EXPECT_EQ(sim::receptionOf(0).change, change);
+    EXPECT_EQ(QLX_TunerClose(0), 0);
+    EXPECT_EQ(QLX_TunerOpen(0), 0);
+    EXPECT_EQ(QLX_TunerRegisterCallback(0, &ear_, Ear::callback), 0);
+    EXPECT_EQ(tune(0, record), QLX_TUNER_STATUS_PLP_LOCKED);
+    EXPECT_TRUE(sim::receptionOf(0).locked);
 }
 
 TEST_F(SimTunerTime, TheSupplyOfTheLnbHoldsTheCarrier) {
