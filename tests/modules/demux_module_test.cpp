@@ -20,7 +20,7 @@
 #include "testcase/tuner/tuner_harness.h"
 #include "tests/shared/bench_folder.h"
 #include "tests/shared/demux_streams.h"
-#include "tests/shared/device.h"
+#include "tests/shared/module_bench.h"
 
 namespace {
 
@@ -38,17 +38,10 @@ const uint32_t FAIL = TC_FAILURE;
 
 /** A bench whose DVB-C main channel plays a loop of 100 ms: two PAT, an SDT in two sections of
  *  versions 3 and 4, and a section with a damaged CRC. */
-class DemuxModule : public testing::Test {
+class DemuxModule : public ModuleBench {
  protected:
     void SetUp() override {
-        int32_t platform = 5;
-        snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
-        get_common_config(&g_configFile);
-        set_platform(&g_configFile, &platform);
-        testing::internal::CaptureStdout();
-        zk_testConfig = {};
-        zk_loadEnvironment();
-        qlx_sim_reset();
+        ModuleBench::SetUp();
         writeStream();
         ASSERT_EQ(Demux_TestSetup(), PASS);
         snprintf(g_tcDemuxConfig.stDvbcTs.tsFilePath[0], DEMUX_TS_PATH_SIZE, "%s", path().c_str());
@@ -59,12 +52,7 @@ class DemuxModule : public testing::Test {
     void TearDown() override {
         EXPECT_EQ(Demux_TestTeardown(), PASS);
         EXPECT_EQ(deviceState(), "");
-        qlx_sim_record(0);
-        qlx_sim_reset();
-        takeOutput();
-        testing::internal::GetCapturedStdout();
-        if (HasFailure())
-            fputs(log_.c_str(), stderr);
+        ModuleBench::TearDown();
     }
 
     void writeStream() {
@@ -85,28 +73,8 @@ class DemuxModule : public testing::Test {
     std::string path() const {
         return folder_.path() + "/air.ts";
     }
-    std::string takeOutput() {
-        std::string text = testing::internal::GetCapturedStdout();
-        testing::internal::CaptureStdout();
-        log_ += text;
-        return text;
-    }
-    static void addFault(const std::string& line) {
-        EXPECT_EQ(qlx_sim_add_fault(line.c_str()), 0) << line;
-    }
-    static void event(const std::string& line) {
-        EXPECT_EQ(qlx_sim_event(line.c_str()), 0) << line;
-    }
-    /** Runs a case under a fault, which must act. */
     static uint32_t runCase(const std::string& name, const std::string& fault = "") {
-        if (!fault.empty())
-            addFault(fault);
-        uint32_t result = runCaseByName(DemuxModuleDvb, name);
-        if (!fault.empty()) {
-            EXPECT_GT(qlx_sim_faults_acted(), 0u) << name << " with " << fault;
-        }
-        qlx_sim_clear_faults();
-        return result;
+        return runCaseUnder(DemuxModuleDvb, name, fault);
     }
 
     /** Brings Demux-0 up on the stream, and takes it down. */
@@ -143,7 +111,6 @@ class DemuxModule : public testing::Test {
     std::string atRest_;
 
  private:
-    std::string log_;
 };
 
 /** The calls of a trace by name, without those of the tuner. */

@@ -12,7 +12,7 @@
 #include "framework/case/check.h"
 #include "platform/qlx_sys.h"
 #include "tests/shared/bench_folder.h"
-#include "tests/shared/device.h"
+#include "tests/shared/module_bench.h"
 #include "tests/shared/typed.h"
 
 namespace {
@@ -20,10 +20,7 @@ namespace {
 class DeviceCases : public testing::Test {
  protected:
     void SetUp() override {
-        int32_t platform = 5;
-        snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
-        get_common_config(&g_configFile);
-        set_platform(&g_configFile, &platform);
+        chooseShippedConfiguration();
         testing::internal::CaptureStdout();
         zk_test_load_feature();
         GPIOModule.setup();
@@ -41,15 +38,8 @@ class DeviceCases : public testing::Test {
     }
     uint32_t run(const std::string& name, const char* fault = nullptr) {
         qlx_sim_reset();
-        if (fault != nullptr) {
-            EXPECT_EQ(qlx_sim_add_fault(fault), 0);
-        }
-        uint32_t result =
-            runCaseByName(name.find("GPIO") != std::string::npos ? GPIOModule : I2CModule, name);
-        if (fault != nullptr) {
-            EXPECT_GT(qlx_sim_faults_acted(), 0u) << name << " with " << fault;
-        }
-        return result;
+        return runCaseUnder(name.find("GPIO") != std::string::npos ? GPIOModule : I2CModule, name,
+                            fault != nullptr ? fault : "");
     }
 
  private:

@@ -7,22 +7,29 @@
 #include <regex>
 #include <sstream>
 
+#include "testcase/tuner/tuner_harness.h"
 #include "testcase/tuner/tuner_satellite.h"
-#include "tests/shared/tuner_bench.h"
+#include "tests/shared/module_bench.h"
 
 namespace {
 
 const uint32_t PASS = TC_SUCCESS;
 const uint32_t FAIL = TC_FAILURE;
 
-class TunerCases : public TunerBench {};
+/** Cases of the module, each on the device as the one before has left it. */
+class TunerCases : public ModuleBench {
+ protected:
+    static uint32_t runCase(const std::string& name, const char* fault = nullptr) {
+        return runCaseUnder(TunerModule, name, fault != nullptr ? fault : "");
+    }
+};
 
-class TunerSatellite : public TunerBench {
+class TunerSatellite : public TunerCases {
  protected:
     void TearDown() override {
         if (!unicableFile_.empty())
             remove(unicableFile_.c_str());
-        TunerBench::TearDown();
+        TunerCases::TearDown();
     }
     /** Loads the board's parameters with a Unicable LNB in the place of the universal one. */
     void useUnicable() {

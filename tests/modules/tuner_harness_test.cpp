@@ -1,10 +1,12 @@
 // The tuner harness: the order of its calls and of their undoing, how long it waits for whom, and
 // what it believes of events and signal information.
+#include "testcase/tuner/tuner_harness.h"
+
 #include <dlfcn.h>
 #include <semaphore.h>
 #include <string.h>
 
-#include "tests/shared/tuner_bench.h"
+#include "tests/shared/module_bench.h"
 
 namespace {
 
@@ -24,7 +26,7 @@ extern "C" int sem_post(sem_t* semaphore) noexcept {
 
 namespace {
 
-class TunerHarness : public TunerBench {};
+class TunerHarness : public ModuleBench {};
 
 const uint32_t PASS = TC_SUCCESS;
 const uint32_t FAIL = TC_FAILURE;

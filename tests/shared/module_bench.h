@@ -1,6 +1,6 @@
-/* A bench for tests of the tuners: the shipped configuration, a device at rest, captured output. */
-#ifndef TESTS_SHARED_TUNER_BENCH_H
-#define TESTS_SHARED_TUNER_BENCH_H
+/* A bench for tests of modules: the shipped configuration, a device at rest, captured output. */
+#ifndef TESTS_SHARED_MODULE_BENCH_H
+#define TESTS_SHARED_MODULE_BENCH_H
 
 #include <gtest/gtest.h>
 #include <sys/time.h>
@@ -11,16 +11,34 @@
 #include "environment/test_env.h"
 #include "framework/case/check.h"
 #include "program/startup.h"
-#include "testcase/tuner/tuner_harness.h"
 #include "tests/shared/device.h"
 
-class TunerBench : public testing::Test {
+/** Points the program's configuration at the shipped one, of the board that tests stand on. */
+inline void chooseShippedConfiguration() {
+    int32_t platform = 5;
+    snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
+    get_common_config(&g_configFile);
+    set_platform(&g_configFile, &platform);
+}
+
+/** Runs a case on the device as it is, under a fault that has to act. */
+inline uint32_t runCaseUnder(const TcModule& module, const std::string& name,
+                             const std::string& fault) {
+    if (!fault.empty()) {
+        EXPECT_EQ(qlx_sim_add_fault(fault.c_str()), 0) << fault;
+    }
+    uint32_t result = runCaseByName(module, name);
+    if (!fault.empty()) {
+        EXPECT_GT(qlx_sim_faults_acted(), 0u) << name << " with " << fault;
+    }
+    qlx_sim_clear_faults();
+    return result;
+}
+
+class ModuleBench : public testing::Test {
  protected:
     void SetUp() override {
-        int32_t platform = 5;
-        snprintf(g_configFile.commonDir, sizeof g_configFile.commonDir, "%s", "config/common");
-        get_common_config(&g_configFile);
-        set_platform(&g_configFile, &platform);
+        chooseShippedConfiguration();
         testing::internal::CaptureStdout();
         zk_testConfig = {};
         zk_loadEnvironment();
@@ -44,22 +62,11 @@ class TunerBench : public testing::Test {
         log_ += text;
         return text;
     }
-    static void addFault(const char* line) {
-        EXPECT_EQ(qlx_sim_add_fault(line), 0) << line;
+    static void addFault(const std::string& line) {
+        EXPECT_EQ(qlx_sim_add_fault(line.c_str()), 0) << line;
     }
-    static void event(const char* line) {
-        EXPECT_EQ(qlx_sim_event(line), 0) << line;
-    }
-    /** Runs an automatic case on a device at rest, under a fault. */
-    static uint32_t runCase(const std::string& name, const char* fault = nullptr) {
-        if (fault != nullptr)
-            addFault(fault);
-        uint32_t result = runCaseByName(TunerModule, name);
-        if (fault != nullptr) {
-            EXPECT_GT(qlx_sim_faults_acted(), 0u) << name << " with " << fault;
-        }
-        qlx_sim_clear_faults();
-        return result;
+    static void event(const std::string& line) {
+        EXPECT_EQ(qlx_sim_event(line.c_str()), 0) << line;
     }
     static int64_t nowMs() {
         timeval now;
