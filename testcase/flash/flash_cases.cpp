@@ -128,7 +128,7 @@ static void writeBeyondEnd(CaseContext& tc) {
 
 // clang-format off
 #define FLASH_VARIANTS(X) \
-    /* case                  flag  description                                  body */ \
+    /* case                   flag  description                                   body */ \
     X(TC_FLASH_Init_001,      AUTO, "test init / deinit",                         onFlash(__func__, nothing)) \
     X(TC_FLASH_WriteRead_001, AUTO, "test read whole FLASH with valid address",   onFlash(__func__, readWhole)) \
     X(TC_FLASH_WriteRead_002, AUTO, "test read FLASH with invalid address",       onFlash(__func__, readBeyondEnd)) \

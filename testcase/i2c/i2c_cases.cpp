@@ -118,6 +118,7 @@ static uint32_t openCloseBase(const char* name, const BusAndRate& variant) {
 
 // clang-format off
 #define OPEN_FAMILY(X) \
+    /* case            flag  description                        body */ \
     X(TC_I2C_Open_002, AUTO, "open I2C bus-0 with slow rate",   openCloseBase(__func__, BUS_AND_RATE(QLX_I2C_0,QLX_I2C_BUSRATE_SLOW,  FEATURE_I2C_BUS0,FEATURE_I2C_BUS_SLOW))) \
     X(TC_I2C_Open_003, AUTO, "open I2C bus-0 with normal rate", openCloseBase(__func__, BUS_AND_RATE(QLX_I2C_0,QLX_I2C_BUSRATE_NORMAL,FEATURE_I2C_BUS0,FEATURE_I2C_BUS_NORMAL))) \
     X(TC_I2C_Open_004, AUTO, "open I2C bus-0 with middle rate", openCloseBase(__func__, BUS_AND_RATE(QLX_I2C_0,QLX_I2C_BUSRATE_MIDDLE,FEATURE_I2C_BUS0,FEATURE_I2C_BUS_MIDDLE))) \
@@ -152,6 +153,7 @@ static const uint32_t minusOne = static_cast<uint32_t>(-1);
 
 // clang-format off
 #define INVALID_FAMILY(X) \
+    /* case            flag  description                                           body */ \
     X(TC_I2C_Open_018, AUTO, "open invalid bus id (QLX_I2C_0 - 1)",                openInvalidBase(__func__, minusOne, 0)) \
     X(TC_I2C_Open_019, AUTO, "open invalid bus id (QLX_I2C_3 + 1)",                openInvalidBase(__func__, 8, 0)) \
     X(TC_I2C_Open_020, AUTO, "open invalid bus rate (QLX_I2C_BUSRATE_SLOW - 1)",   openInvalidBase(__func__, 0, minusOne)) \
@@ -178,6 +180,7 @@ static uint32_t openTwiceBase(const char* name, uint32_t eBusRate, ZkFeature rat
 
 // clang-format off
 #define TWICE_FAMILY(X) \
+    /* case            flag  description                              body */ \
     X(TC_I2C_Open_022, AUTO, "open I2C bus-0 twice with slow rate",   openTwiceBase(__func__, QLX_I2C_BUSRATE_SLOW,   FEATURE_I2C_BUS_SLOW)) \
     X(TC_I2C_Open_023, AUTO, "open I2C bus-0 twice with normal rate", openTwiceBase(__func__, QLX_I2C_BUSRATE_NORMAL, FEATURE_I2C_BUS_NORMAL)) \
     X(TC_I2C_Open_024, AUTO, "open I2C bus-0 twice with middle rate", openTwiceBase(__func__, QLX_I2C_BUSRATE_MIDDLE, FEATURE_I2C_BUS_MIDDLE)) \
@@ -236,9 +239,11 @@ static uint32_t configuredBase(const char* name, int64_t (*transfer)(CaseContext
 
 // clang-format off
 #define CONFIGURED_FAMILY(X) \
+    /* case                 flag  description                                                                            body */ \
     X(TC_I2C_ReadWrite_001, AUTO, "read data from specific I2C chip register, params of I2C config is from config file", configuredBase(__func__, readConfigured,  nullptr)) \
     X(TC_I2C_ReadWrite_002, AUTO, "write data to specific I2C chip register, params of I2C config is from config file",  configuredBase(__func__, writeConfigured, nullptr))
 #define TIMED_FAMILY(X) \
+    /* case                 flag  description                                                                                                        body */ \
     X(TC_I2C_ReadWrite_005, AUTO, "test consumption time of reading data from specific I2C chip register, params of I2C config is from config file", configuredBase(__func__, readConfigured,  "read")) \
     X(TC_I2C_ReadWrite_006, AUTO, "test consumption time of writing data to specific I2C chip register, params of I2C config is from config file",   configuredBase(__func__, writeConfigured, "writing"))
 // clang-format on
@@ -375,6 +380,7 @@ static uint32_t manualBase(const char* name, ManualBody transfer, const char* le
 
 // clang-format off
 #define MANUAL_FAMILY(X) \
+    /* case                 flag    description                                                                                  body */ \
     X(TC_I2C_ReadWrite_003, MANUAL, "write data to register of specific I2C chip with all the params manually entered by user",  manualBase(__func__, writeManual, "Input data length for writing")) \
     X(TC_I2C_ReadWrite_004, MANUAL, "read data from register of specific I2C chip with all the params manually entered by user", manualBase(__func__, readManual,  "Input data length for reading"))
 // clang-format on

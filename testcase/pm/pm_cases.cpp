@@ -61,6 +61,7 @@ static uint32_t powerOnModeBase(const char* name, uint32_t mode, const char* ann
 
 // clang-format off
 #define POWER_ON_MODE_VARIANTS(X) \
+    /* case                  flag  description                   body */ \
     X(TC_PM_PowerOnMode_001, AUTO, "set power on mode direct",   powerOnModeBase(__func__, QLX_SYS_COLDPOWERON_BOOTMODE_BOOT,       "set power on mode direct")) \
     X(TC_PM_PowerOnMode_002, AUTO, "set power on mode standby",  powerOnModeBase(__func__, QLX_SYS_COLDPOWERON_BOOTMODE_STANDBY,    "set power on mode standby")) \
     X(TC_PM_PowerOnMode_003, AUTO, "set power on mode remember", powerOnModeBase(__func__, QLX_SYS_COLDPOWERON_BOOTMODE_LASTSTATUS, "set power on mode remember"))
@@ -235,6 +236,7 @@ static uint32_t standbyRtcWakeUpBase(const char* name, uint32_t reason, const ch
 
 // clang-format off
 #define STR_RTC_WAKE_UP_VARIANTS(X) \
+    /* case                    flag  description                        body */ \
     X(TC_PM_STR_RTCWakeUp_001, AUTO, "RTC wakeup from STR, no reason",  strRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_NO_REASON,  "RTC_NO_REASON")) \
     X(TC_PM_STR_RTCWakeUp_002, AUTO, "RTC wakeup from STR, EPG update", strRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_EPG_UPDATE, "RTC_EPG_UPDATE")) \
     X(TC_PM_STR_RTCWakeUp_003, AUTO, "RTC wakeup from STR, EPG note",   strRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_EPG_NOTE,   "RTC_EPG_NOTE")) \
@@ -242,6 +244,7 @@ static uint32_t standbyRtcWakeUpBase(const char* name, uint32_t reason, const ch
     X(TC_PM_STR_RTCWakeUp_005, AUTO, "RTC wakeup from STR, recording",  strRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_RECORDING,  "RTC_RECORDING")) \
     X(TC_PM_STR_RTCWakeUp_006, AUTO, "RTC wakeup from STR, other",      strRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_OTHER,      "RTC_OTHER"))
 #define STANDBY_RTC_WAKE_UP_VARIANTS(X) \
+    /* case                        flag    description                            body */ \
     X(TC_PM_Standby_RTCWakeUp_001, MANUAL, "RTC wakeup from standby, no reason",  standbyRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_NO_REASON,  "RTC_NO_REASON")) \
     X(TC_PM_Standby_RTCWakeUp_002, MANUAL, "RTC wakeup from standby, EPG update", standbyRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_EPG_UPDATE, "RTC_EPG_UPDATE")) \
     X(TC_PM_Standby_RTCWakeUp_003, MANUAL, "RTC wakeup from standby, EPG note",   standbyRtcWakeUpBase(__func__, QLX_SYS_WAKEUP_REASON_RTC_EPG_NOTE,   "RTC_EPG_NOTE")) \

@@ -231,6 +231,7 @@ static uint32_t getKeypadLockBase(const char* name, const char* word) {
     X(TC_SYSTEM_SET_UART_ENABLED,        MANUAL, "disable the UART for 10s",            CUT_OFF("UART", QLX_SysSetUartEnabled)) \
     X(TC_SYSTEM_SET_PANEL_POWER,         MANUAL, "disable the panel power for 10s",     CUT_OFF("panel power", QLX_SysSetPanelPower))
 #define KEYPAD_LOCK_VARIANTS(X) \
+    /* case                              flag    description                             body */ \
     X(TC_SYSTEM_SET_KEYPAD_LOCK_ENABLE,  AUTO,   "set keypad lock enable in hotelmode",  setKeypadLockBase(__func__, "enable", 0)) \
     X(TC_SYSTEM_SET_KEYPAD_LOCK_DISABLE, AUTO,   "set keypad lock disable in hotelmode", setKeypadLockBase(__func__, "disable", 1)) \
     X(TC_SYSTEM_GET_KEYPAD_LOCK_ENABLE,  AUTO,   "get keypad lock enable in hotelmode",  getKeypadLockBase(__func__, "enable")) \
