@@ -22,8 +22,8 @@ struct Passage {
     bool rewound;
 };
 
-/** Clears the data, gives them their buffer, and opens the file. */
-static bool openPassage(const QLX_SectionFilterParams* pstConfigured,
+/** Clears the data, gives them their buffer, and opens the file for the operation `name`. */
+static bool openPassage(const char* name, const QLX_SectionFilterParams* pstConfigured,
                         const RequestInfo_st* pRequestInfo, SectionData_st* file_sectionData,
                         const char* path, Passage* passage) {
     printf("g_tsFilePath = %s \n", path);
@@ -35,7 +35,7 @@ static bool openPassage(const QLX_SectionFilterParams* pstConfigured,
     passage->rewound = false;
     passage->file = tsFileOpen(path);
     if (passage->file == nullptr) {
-        printf("[%s %d]:file handle is null.\n", __func__, __LINE__);
+        printf("[%s %d]:file handle is null.\n", name, __LINE__);
         return false;
     }
     return true;
@@ -81,7 +81,7 @@ void Demux_ReadTsData(const QLX_SectionFilterParams* pstConfigured,
     Packet_st packet;
     uint32_t bStarted = 0;
     uint8_t uLastCc = 0;
-    if (!openPassage(pstConfigured, pRequestInfo, file_sectionData, path, &passage))
+    if (!openPassage(__func__, pstConfigured, pRequestInfo, file_sectionData, path, &passage))
         return;
     while (nextPacket(&passage, &packet)) {
         if (DEMUX_AppendTSPacket(&packet, &passage.stFilter, file_sectionData, &bStarted,
@@ -101,7 +101,7 @@ void Demux_ReadTsPacketData(const QLX_SectionFilterParams* pstConfigured,
                             const char* path) {
     Passage passage;
     Packet_st packet;
-    if (!openPassage(pstConfigured, pRequestInfo, file_sectionData, path, &passage))
+    if (!openPassage(__func__, pstConfigured, pRequestInfo, file_sectionData, path, &passage))
         return;
     if (file_sectionData->pBuffer != nullptr && nextPacket(&passage, &packet)) {
         memcpy(file_sectionData->pBuffer, packet.buffer, packet.uSize);

@@ -278,8 +278,15 @@ TEST(DemuxReader, FilterOfARequestPutsTheTableIdWhereTheVersionBelongs) {
     request.uPid = 0x1ffb;
     request.tableId = 0xc7;
     request.uVersion = 3;
+    request.uTimeOutMs = 2500;
+    request.uBufferSize = 4096;
+    request.bContinuous = 1;
+    request.eCrcMode = QLX_SECTION_CRC_NO_CHECK;
     FilterParams_st filter;
     LoadFilterParams(nullptr, &request, &filter);
+    EXPECT_EQ(filter.uTimeOutMs, 2500u);
+    EXPECT_EQ(filter.uBufferSize, 4096u);
+    EXPECT_EQ(filter.bContinuous, 1u);
     EXPECT_EQ(filter.uPid, 0x1ffb);
     EXPECT_EQ(filter.eCrcMode, static_cast<uint32_t>(QLX_SECTION_CRC_CHECK));
     EXPECT_EQ(filter.au8Match[0], 0xc7);
@@ -541,9 +548,28 @@ TEST(DemuxReader, PacketDataAreTheFirstPacketOfThePid) {
     EXPECT_EQ(Bytes(data.pBuffer, data.pBuffer + data.uLength), packets[0].bytes());
     Demux_FreeTsData(&data);
     EXPECT_EQ(data.pBuffer, nullptr);
-    Demux_ReadTsPacketData(nullptr, &request, &data, "/nonexistent");
-    EXPECT_EQ(data.uLength, 0u);
-    Demux_FreeTsData(&data);
+}
+
+TEST(DemuxReader, AFileThatCannotBeReadIsToldByTheOperation) {
+    const struct {
+        void (*read)(const QLX_SectionFilterParams*, const RequestInfo_st*, SectionData_st*,
+                     const char*);
+        const char* told;
+    } operations[] = {
+        {Demux_ReadTsData, "g_tsFilePath = /nonexistent \n[Demux_ReadTsData "},
+        {Demux_ReadTsPacketData, "g_tsFilePath = /nonexistent \n[Demux_ReadTsPacketData "},
+    };
+    for (const auto& operation : operations) {
+        RequestInfo_st request{};
+        SectionData_st data;
+        testing::internal::CaptureStdout();
+        operation.read(nullptr, &request, &data, "/nonexistent");
+        const std::string out = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(out.find(operation.told), 0u) << out;
+        EXPECT_NE(out.find("]:file handle is null.\n"), std::string::npos) << out;
+        EXPECT_EQ(data.uLength, 0u);
+        Demux_FreeTsData(&data);
+    }
 }
 
 TEST(DemuxReader, ConfiguredFilterGivesThePid) {
