@@ -84,11 +84,14 @@ static uintptr_t eventValue(uint32_t eEvent, void* pData) {
     return 0;
 }
 
-static void logSection(const QLX_FilterData* data, uint8_t tableId) {
-    const uint32_t length = data->pBuffer != nullptr ? data->uLength : 0;
+/** Tells of delivered data; with `dump`, also their bytes. */
+static void logData(const QLX_FilterData* data, uint8_t tableId, bool dump) {
     zk_log("table 0x%02x, Demux_SectionFilterCb (data come), section data length: %d\n", tableId,
            static_cast<int>(data->uLength));
     zk_log("section data: %d \r\n", static_cast<int>(data->uLength));
+    if (!dump)
+        return;
+    const uint32_t length = data->pBuffer != nullptr ? data->uLength : 0;
     for (uint32_t i = 0; i < length; i++)
         printf("%02x ", data->pBuffer[i]);
     printf("\n");
@@ -108,8 +111,7 @@ static void recordEvent(uint32_t eEvent, RequestInfo_st* pRequestInfo, void* pDa
         record->eEvent = eEvent;
         if (eEvent == QLX_FILTER_EVENT_DATA_COME && pData != nullptr) {
             const QLX_FilterData* data = static_cast<const QLX_FilterData*>(pData);
-            if (dump)
-                logSection(data, pRequestInfo->tableId);
+            logData(data, pRequestInfo->tableId, dump);
             if (hasData(eEvent, data)) {
                 record->sectionData.uLength = data->uLength;
                 record->sectionData.pBuffer = copyData(data);

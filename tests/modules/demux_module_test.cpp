@@ -419,6 +419,29 @@ TEST(DemuxCallback, StoresWhatEachEventBrings) {
     EXPECT_EQ(info.eventRecord[5].uValue, 0u);
 }
 
+TEST(DemuxCallback, TellsAPacketAsASectionButForItsBytes) {
+    RequestInfo_st info{};
+    info.tableId = 0x42;
+    uint8_t packet[] = {0x47, 0xab, 0xcd, 0x10};
+    QLX_FilterData data = {packet, sizeof packet, 0};
+    std::string told[2];
+    for (int i = 0; i < 2; i++) {
+        testing::internal::CaptureStdout();
+        (i == 0 ? Demux_SectionFilterCb : Demux_PacketFilterCb)(QLX_FILTER_EVENT_DATA_COME, &info,
+                                                                &data);
+        std::istringstream lines(testing::internal::GetCapturedStdout());
+        for (std::string line; std::getline(lines, line);)
+            told[i] += line.substr(line.find(']') + 1) + "\n";
+        EXPECT_EQ(info.eventRecord[i].sectionData.uLength, sizeof packet);
+    }
+    EXPECT_EQ(told[1],
+              "table 0x42, Demux_SectionFilterCb 8\n"
+              "table 0x42, Demux_SectionFilterCb (data come), section data length: 4\n"
+              "section data: 4 \r\n");
+    EXPECT_EQ(told[0], told[1] + "47 ab cd 10 \n");
+    Demux_FreeEvents(&info);
+}
+
 // Wrappers for other modules.
 
 TEST_F(DemuxModule, TheStartOfADemultiplexerIsUndoneWhereItFails) {
