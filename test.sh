@@ -48,8 +48,8 @@ if [ -z "$quick" ]; then
     echo "test: preset asan"
     ctest --preset asan -j "$jobs" -LE slow
     build tsan --target device_tests module_tests
-    echo "test: preset tsan, the simulated device's core"
-    ctest --preset tsan -j "$jobs" -R '^(device.SimCore|modules.Storage)'
+    echo "test: preset tsan, the simulated device's core and who reads while callbacks write"
+    ctest --preset tsan -j "$jobs" -R '^(device.SimCore|modules.Storage|modules.DemuxRace)'
 fi
 echo "test: preset debug"
 ctest --preset debug -j "$jobs"

@@ -298,17 +298,20 @@ uint32_t Demux_RequestPes(uint32_t eDemuxId, PesRequestInfo_st* pRequestInfo) {
     return request(__func__, bench, pesSteps, pRequestInfo->uTimeOutMs, false);
 }
 
-static uint32_t recorded(const uint32_t* count) {
-    const uint32_t received = __atomic_load_n(count, __ATOMIC_ACQUIRE);
+static uint32_t recorded(uint32_t received) {
     return received < REQUEST_EVENT_MAX ? received : static_cast<uint32_t>(REQUEST_EVENT_MAX);
 }
 
+uint32_t Demux_EventCount(const RequestInfo_st* pRequestInfo) {
+    return __atomic_load_n(&pRequestInfo->eventReceivedCount, __ATOMIC_ACQUIRE);
+}
+
 uint32_t Demux_RecordedEvents(const RequestInfo_st* pRequestInfo) {
-    return recorded(&pRequestInfo->eventReceivedCount);
+    return recorded(Demux_EventCount(pRequestInfo));
 }
 
 bool Demux_ExpectOneData(CaseContext& tc, const RequestInfo_st* pRequestInfo) {
-    return TC_EXPECT_EQUAL(1, pRequestInfo->eventReceivedCount) &&
+    return TC_EXPECT_EQUAL(1, Demux_EventCount(pRequestInfo)) &&
            TC_EXPECT_EQUAL(QLX_FILTER_EVENT_DATA_COME, pRequestInfo->eventRecord[0].eEvent);
 }
 
@@ -324,7 +327,8 @@ void Demux_FreeEvents(RequestInfo_st* pRequestInfo) {
 }
 
 void Demux_FreePesEvents(PesRequestInfo_st* pRequestInfo) {
-    const uint32_t count = recorded(&pRequestInfo->eventReceivedCount);
+    const uint32_t count =
+        recorded(__atomic_load_n(&pRequestInfo->eventReceivedCount, __ATOMIC_ACQUIRE));
     for (uint32_t i = 0; i < count; i++) {
         PesEvent_st* record = &pRequestInfo->eventRecord[i];
         if (record->eEvent == QLX_FILTER_EVENT_DATA_COME) {
@@ -363,7 +367,7 @@ static bool requestRound(CaseContext& tc, DemuxThreadRequest_st* req, int32_t lo
     if (!TC_EXPECT_RET(Demux_RequestSection(req->demux_id, &req->req)))
         return false;
     zk_log("demux %u, loop %d, table: 0x%02x, eventReceivedCount: %d\n", req->demux_id, loop,
-           req->req.tableId, static_cast<int>(req->req.eventReceivedCount));
+           req->req.tableId, static_cast<int>(Demux_EventCount(&req->req)));
     return TC_EXPECT_TRUE(anyData(&req->req));
 }
 

@@ -3,8 +3,9 @@
  * fills, calls that make a filter, wait for its data and take it down again, and the bodies of
  * threads that do so many times.
  *
- * A record belongs to one filter at a time. The callback writes into it on a thread of the library;
- * the owner reads it once the wait has ended, and may rely on all of it after the filter's stop.
+ * A record belongs to one filter at a time. The callback writes into it on a thread of the library,
+ * and posts behind each event. While the filter runs the owner asks Demux_EventCount for the count,
+ * and reads an event behind the wait that took its post; after the filter's stop it reads all.
  */
 #ifndef TESTCASE_DEMUX_DEMUX_REQUEST_H
 #define TESTCASE_DEMUX_DEMUX_REQUEST_H
@@ -131,7 +132,9 @@ uint32_t Demux_RequestSectionWithMask(uint32_t eDemuxId, RequestInfo_st* pReques
 /** The same for a PES filter. */
 uint32_t Demux_RequestPes(uint32_t eDemuxId, PesRequestInfo_st* pRequestInfo);
 
-/** How many of the events are in the record. */
+/** How many events have come; also while the filter runs. */
+uint32_t Demux_EventCount(const RequestInfo_st* pRequestInfo);
+/** How many of them are in the record. */
 uint32_t Demux_RecordedEvents(const RequestInfo_st* pRequestInfo);
 /** Demands exactly one event, and that with data. Yields whether it holds. */
 bool Demux_ExpectOneData(CaseContext& tc, const RequestInfo_st* pRequestInfo);

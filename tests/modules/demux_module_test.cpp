@@ -563,6 +563,16 @@ TEST_F(DemuxModule, AllTablesAsksForThoseOfTheFeaturesOnly) {
               calls.rfind("QLX_DemuxCreateSectionFilter"));
 }
 
+/** Cases that look at their events while a filter runs: what the thread sanitizer holds. */
+class DemuxRace : public DemuxModule {};
+
+TEST_F(DemuxRace, EventsAreLookedAtWhileTheFilterRuns) {
+    // With a stop that only says so, the count goes on behind it.
+    EXPECT_EQ(runCase("TC_DEMUX_SectionDvbc_004", "QLX_SectionFilterStop call=1 return=0"), FAIL);
+    EXPECT_EQ(runCase("TC_DEMUX_SectionDvbc_006"), PASS);
+    EXPECT_EQ(runCase("TC_DEMUX_SectionDvbc_003"), PASS);
+}
+
 TEST_F(DemuxModule, ASetUpWithoutTunersFails) {
     EXPECT_EQ(Demux_TestTeardown(), PASS);
     addFault("QLX_TunerInit call=1 return=77");
