@@ -15,6 +15,6 @@ project=$(cd "$(dirname "$0")" && pwd)
     echo "run: building"
     cmake --preset release > /dev/null
     cmake --build --preset release --target zktest mkchecklist mkstreams zkbench vclock vclock_run
-    echo "run: starting the bench"
+    echo "run: starting the runner"
 )
 exec "$project/build/release/zkbench" --source "$project" "$@"

@@ -4,7 +4,7 @@
 #define COMMON_EXIT_CODES_H
 
 enum ExitCode {
-    /** Done; of the bench: the run was completed, whatever its verdicts. */
+    /** Done; of the runner: the run was completed, whatever its verdicts. */
     EXIT_DONE = 0,
     /** Not done; standard error says why. */
     EXIT_FAILED = 1,

@@ -18,7 +18,7 @@ def run_tool(tool, *words):
 
 class OptionsTest(unittest.TestCase):
     def test_help_is_an_answer_and_no_mistake(self):
-        for tool in ("mkchecklist", "mkstreams", "torture"):
+        for tool in ("mkchecklist", "mkstreams", "torture", "zkbench", "zkreport", "goldencalls"):
             code, out, err = run_tool(tool, "--help")
             self.assertEqual((code, err), (0, ""), tool)
             self.assertIn("Usage: " + tool, out)
@@ -41,7 +41,7 @@ class OptionsTest(unittest.TestCase):
              "Directory does not exist: /nowhere/e"),
             (["torture", "--out", "/nowhere", "--limits", limits, "--exceptions", exceptions],
              "--limits"),
-            (["torture", "--out", "/nowhere", "--limits", limits], "/ is no bench"),
+            (["torture", "--out", "/nowhere", "--limits", limits], "/ is no bench folder"),
         ]
         for number in ("0", "-1", "two", "1x", "", "4294967296"):
             mistakes.append((["torture", "--out", "/nowhere", "--limits", limits, "--every",

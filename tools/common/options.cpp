@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -44,6 +45,9 @@ int readOptions(CLI::App* app, int argc, char** argv) {
     auto formatter = std::make_shared<HelpFormatter>();
     formatter->column_width(22);
     app->formatter(formatter);
+    // Not the path that it was called by.
+    if (app->get_name().empty() && argc > 0)
+        app->name(std::filesystem::path(argv[0]).filename());
     try {
         app->parse(argc, argv);
     } catch (const CLI::Success& wish) {

@@ -910,7 +910,7 @@ int parse(int argc, char** argv, Options* options) {
     options->limits = absolute(limits);
     std::error_code missing;
     if (!fs::is_directory(options->dir / "config", missing)) {
-        fprintf(stderr, "torture: %s is no bench: it has no config\n", options->dir.c_str());
+        fprintf(stderr, "torture: %s is no bench folder: it has no config\n", options->dir.c_str());
         return EXIT_USAGE;
     }
     return -1;
