@@ -185,17 +185,30 @@ static std::string variantFile(const Variant& variant) {
     return std::string("test_") + variant.name + ".ts";
 }
 
+/** A multiplex of which variants are made, and its good stream when that has been made. */
+struct VariantSource {
+    uint64_t hash = 0;
+    std::vector<Burst> bursts;
+    TransportStream good;
+};
+
 /** Makes the variants, or without the option only notes those that are there and current. */
 static void makeVariants(Run& run) {
-    const Multiplex& multiplex = run.lineUp.multiplexes.front();
-    uint64_t goodHash = inputsHash(inputsOf(run.lineUp, multiplex));
-    std::vector<Burst> bursts = tablesOf(run.lineUp, multiplex);
     EncodedContent encoded;
-    TransportStream good;
+    std::map<size_t, VariantSource> sources;
     for (size_t i = 0; i < variantCount; i++) {
-        std::string name = variantFile(variants[i]);
+        const Variant& variant = variants[i];
+        if (variant.multiplex >= run.lineUp.multiplexes.size())
+            continue;
+        const Multiplex& multiplex = run.lineUp.multiplexes[variant.multiplex];
+        VariantSource& source = sources[variant.multiplex];
+        if (source.bursts.empty()) {
+            source.hash = inputsHash(inputsOf(run.lineUp, multiplex));
+            source.bursts = tablesOf(run.lineUp, multiplex);
+        }
+        std::string name = variantFile(variant);
         fs::path file = fs::path(run.options.out) / name;
-        uint64_t hash = variantHash(goodHash, name);
+        uint64_t hash = variantHash(source.hash, name);
         Made made = {};
         if (isCurrent(file, hash, &made)) {
             run.made[name] = made;
@@ -204,12 +217,13 @@ static void makeVariants(Run& run) {
         if (!run.options.variants || !wanted(run, name))
             continue;
         std::string error;
-        if (good.packets.empty() && !makeStream(run.lineUp, multiplex, &encoded, &good, &error)) {
+        if (source.good.packets.empty() &&
+            !makeStream(run.lineUp, multiplex, &encoded, &source.good, &error)) {
             complain(run, name, error);
-            return;
+            continue;
         }
-        Bytes bytes = variants[i].make(multiplex, good, bursts);
-        made = {variants[i].packetBytes, bytes.size() / variants[i].packetBytes, good.packetTicks};
+        Bytes bytes = variant.make(multiplex, source.good, source.bursts);
+        made = {variant.packetBytes, bytes.size() / variant.packetBytes, source.good.packetTicks};
         if (writeStream(file, bytes, hash, made))
             run.made[name] = made;
         else
