@@ -14,14 +14,13 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
 #include <string>
 #include <thread>
 
+#include "tools/common/files.h"
 #include "tools/common/options.h"
 #include "tools/mkstreams/maker.h"
 
@@ -42,11 +41,6 @@ struct Made {
     size_t packets;
     int64_t packetTicks;
 };
-
-static std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
 
 /** Writes a file whole or not at all, so that it lasts. */
 static bool writeFile(const fs::path& path, const void* data, size_t size) {
@@ -76,7 +70,7 @@ static int64_t changeTime(const fs::path& file) {
 static bool isCurrent(const fs::path& file, uint64_t hash, Made* made) {
     uint64_t stamped = 0;
     int64_t changed = 0;
-    if (sscanf(readFile(stampPath(file)).c_str(), "%" SCNx64 " %zu %zu %" SCNd64 " %" SCNd64,
+    if (sscanf(readText(stampPath(file)).c_str(), "%" SCNx64 " %zu %zu %" SCNd64 " %" SCNd64,
                &stamped, &made->packetBytes, &made->packets, &made->packetTicks, &changed) != 5)
         return false;
     std::error_code failure;
@@ -292,7 +286,7 @@ static bool writeManifest(const Run& run) {
     put(head, "VARIANT_NUM", found);
     std::string text = head + body;
     fs::path path = fs::path(run.options.out) / "streams.cfg";
-    return readFile(path) == text || writeFile(path, text.data(), text.size());
+    return readText(path) == text || writeFile(path, text.data(), text.size());
 }
 
 int main(int argc, char** argv) {
