@@ -4,7 +4,7 @@
  * A record is described once, next to the family whose calls take it, within namespace sim:
  *
  *     SIM_RECORD(QLX_Source, SIM_MEMBER(QLX_Source, eSourceType),
- *                SIM_MEMBER(QLX_Source, uSourceIndex), SIM_MEMBER(QLX_Source, uReserved))
+ *                SIM_MEMBER(QLX_Source, uSourceIndex), SIM_MEMBER(QLX_Source, eInputClass))
  *
  * Kind and size of a member follow from its type. A variant of a union is a member with a condition
  * on the record. Whatever of a record is not described is found when its description is first used,

@@ -8,7 +8,7 @@
 namespace sim {
 
 SIM_RECORD(QLX_Source, SIM_MEMBER(QLX_Source, eSourceType), SIM_MEMBER(QLX_Source, uSourceIndex),
-           SIM_MEMBER(QLX_Source, uReserved))
+           SIM_MEMBER(QLX_Source, eInputClass))
 
 }  // namespace sim
 

@@ -251,7 +251,7 @@ static void expectSource(CaseContext& tc, const DemuxLink& link) {
     if (TC_EXPECT_RET(QLX_DemuxGetSourceConnection(eDemuxId, &stGetSource))) {
         TC_EXPECT_EQUAL(stSource.eSourceType, stGetSource.eSourceType);
         TC_EXPECT_EQUAL(stSource.uSourceIndex, stGetSource.uSourceIndex);
-        TC_EXPECT_EQUAL(stSource.uReserved, stGetSource.uReserved);
+        TC_EXPECT_EQUAL(stSource.eInputClass, stGetSource.eInputClass);
     }
 }
 
