@@ -38,6 +38,7 @@ const std::vector<Layer> layers = {
 
     // The device: its rooms know one another only where their hardware meets.
     {"simulator/stream", {}},
+    {"simulator/media", {"simulator/stream"}},
     {"simulator/core", {"platform"}},
     {"simulator/world", {"platform", "simulator/core", "simulator/stream"}},
     {"simulator/storage", {"platform", "simulator/core"}},
@@ -222,6 +223,7 @@ TEST(Tree, FunctionsFitAScreen) {
 TEST(Tree, DeclaredFunctionsAreUsed) {
     // Named with the reason why nothing in this tree calls them.
     const char* const laterModule = "part of a harness that modules call which are not built yet";
+    const char* const laterFamily = "decoders and outputs call it";
     const char* const control = "tests look at the device or change it through this";
     const std::map<std::string, std::string> exceptions = {
         {"Demux_ComparePacketData", laterModule},
@@ -253,6 +255,14 @@ TEST(Tree, DeclaredFunctionsAreUsed) {
         {"tsFilePlace", control},
         {"worldParts", control},
         {"zk_test_get_pvr_playback_channel_info", laterModule},
+        {"audioIndex", laterFamily},
+        {"decodePicture", laterFamily},
+        {"decodeSound", laterFamily},
+        {"nextUnit", laterFamily},
+        {"unitShown", laterFamily},
+        {"videoIndex", laterFamily},
+        {"writePng", laterFamily},
+        {"writeWav", laterFamily},
     };
     const std::regex declared("^(?:extern \"C\" )?[A-Za-z_][\\w:<>,*& ]*?[ *&](\\w+)\\(");
     const std::regex word("\\w+");
