@@ -22,7 +22,7 @@ extern "C" {
 #endif
 
 enum QLX_AFEError {
-    QLX_AFE_ERR_INVALID_PARA = 0x100B01,
+    QLX_AFE_ERR_INVALID_PARA = 0x101701,
 };
 
 enum QLX_AFETuneType {

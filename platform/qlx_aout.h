@@ -27,7 +27,7 @@ enum QLX_AOutDev {
 };
 
 enum QLX_AOutError {
-    QLX_AOUT_ERR_INVALID_PARA = 0x100801,
+    QLX_AOUT_ERR_INVALID_PARA = 0x100C01,
 };
 
 /** Sinks; each has the output device of its number less one. */

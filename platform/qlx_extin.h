@@ -18,7 +18,7 @@ extern "C" {
 #endif
 
 enum QLX_ExtInError {
-    QLX_EXTIN_ERR_INVALID_PARA = 0x100A01,
+    QLX_EXTIN_ERR_INVALID_PARA = 0x101601,
 };
 
 /** A port. */

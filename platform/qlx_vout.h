@@ -27,7 +27,7 @@ enum QLX_VOutDev {
 };
 
 enum QLX_VOutError {
-    QLX_VOUT_ERR_INVALID_PARA = 0x100701,
+    QLX_VOUT_ERR_INVALID_PARA = 0x100B01,
 };
 
 enum QLX_VOutEvent {

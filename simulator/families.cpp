@@ -12,7 +12,10 @@
     FAMILY(familyTeec)   \
     FAMILY(familyPM)     \
     FAMILY(familyDemux)  \
-    FAMILY(familyCI)
+    FAMILY(familyCI)     \
+    FAMILY(familyExtIn)  \
+    FAMILY(familyVOut)   \
+    FAMILY(familyAOut)
 
 namespace sim {
 

@@ -13,6 +13,7 @@
 #include "simulator/core/board.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/words.h"
+#include "simulator/world/keyed.h"
 #include "simulator/world/satellite.h"
 
 namespace sim {
@@ -53,30 +54,6 @@ AirState& state() {
     return *instance;
 }
 
-/** Sets a number of the transmitter; false for a word that is none. */
-template <uint32_t Transmitter::*field>
-bool setNumber(Transmitter& t, const std::string& word) {
-    int64_t number = 0;
-    bool good = readNumber(word, 0, UINT32_MAX, &number);
-    if (good)
-        t.*field = static_cast<uint32_t>(number);
-    return good;
-}
-
-template <bool Transmitter::*field>
-bool setFlag(Transmitter& t, const std::string& word) {
-    int64_t number = 0;
-    bool good = readNumber(word, 0, 1, &number);
-    if (good)
-        t.*field = number != 0;
-    return good;
-}
-
-template <double Transmitter::*field>
-bool setDecimal(Transmitter& t, const std::string& word) {
-    return readDecimal(word, &(t.*field));
-}
-
 /** DVB-S2 is DVB-S with another FEC, here as in tunings. */
 bool setSystem(Transmitter& t, const std::string& name) {
     uint32_t system = systemOfName(name);
@@ -108,58 +85,38 @@ bool setPipes(Transmitter& t, const std::string& list) {
     return true;
 }
 
-bool setStream(Transmitter& t, const std::string& file) {
-    t.stream = file;
-    return true;
-}
-
 bool setWakeUpBits(Transmitter& t, const std::string& word) {
-    bool good = setNumber<&Transmitter::wakeUpBits>(t, word);
+    bool good = setField<&Transmitter::wakeUpBits>(t, word);
     t.wakeUpBits &= 3;
     return good;
 }
 
-struct TransmitterKey {
-    const char* name;
-    /** False, with nothing changed, for a value that is none. */
-    bool (*set)(Transmitter& transmitter, const std::string& value);
-};
-
 /** The keys of a transmitter, the same in the board file and in the operator's events. */
-const TransmitterKey transmitterKeys[] = {
+const Key<Transmitter> transmitterKeys[] = {
     {"SYSTEM", setSystem},
-    {"ON", setFlag<&Transmitter::on>},
-    {"LEVEL", setDecimal<&Transmitter::levelDbm>},
-    {"CN", setDecimal<&Transmitter::noiseDb>},
-    {"MODULATION", setNumber<&Transmitter::modulation>},
-    {"SYMBOL_RATE", setNumber<&Transmitter::symbolRate>},
-    {"SPECTRUM", setNumber<&Transmitter::spectrum>},
-    {"BAND_WIDTH", setNumber<&Transmitter::bandWidth>},
-    {"FEC_TYPE", setNumber<&Transmitter::fecType>},
-    {"FEC_RATE", setNumber<&Transmitter::fecRate>},
-    {"GUARD_INTERVAL", setNumber<&Transmitter::guardInterval>},
-    {"TRANSMISSION_MODE", setNumber<&Transmitter::transmissionMode>},
-    {"CELL_ID", setNumber<&Transmitter::cellId>},
-    {"NETWORK_ID", setNumber<&Transmitter::networkId>},
-    {"SYSTEM_ID", setNumber<&Transmitter::systemId>},
+    {"ON", setField<&Transmitter::on>},
+    {"LEVEL", setField<&Transmitter::levelDbm>},
+    {"CN", setField<&Transmitter::noiseDb>},
+    {"MODULATION", setField<&Transmitter::modulation>},
+    {"SYMBOL_RATE", setField<&Transmitter::symbolRate>},
+    {"SPECTRUM", setField<&Transmitter::spectrum>},
+    {"BAND_WIDTH", setField<&Transmitter::bandWidth>},
+    {"FEC_TYPE", setField<&Transmitter::fecType>},
+    {"FEC_RATE", setField<&Transmitter::fecRate>},
+    {"GUARD_INTERVAL", setField<&Transmitter::guardInterval>},
+    {"TRANSMISSION_MODE", setField<&Transmitter::transmissionMode>},
+    {"CELL_ID", setField<&Transmitter::cellId>},
+    {"NETWORK_ID", setField<&Transmitter::networkId>},
+    {"SYSTEM_ID", setField<&Transmitter::systemId>},
     {"PLPS", setPipes},
     {"EAS", setWakeUpBits},
-    {"HORIZONTAL", setFlag<&Transmitter::horizontal>},
-    {"HIGH_BAND", setFlag<&Transmitter::highBand>},
-    {"POSITION", setNumber<&Transmitter::position>},
-    {"NOISE_FLOOR", setDecimal<&Transmitter::noiseFloorDbm>},
-    {"STRENGTH_OFFSET", setDecimal<&Transmitter::strengthOffset>},
-    {"STREAM", setStream},
+    {"HORIZONTAL", setField<&Transmitter::horizontal>},
+    {"HIGH_BAND", setField<&Transmitter::highBand>},
+    {"POSITION", setField<&Transmitter::position>},
+    {"NOISE_FLOOR", setField<&Transmitter::noiseFloorDbm>},
+    {"STRENGTH_OFFSET", setField<&Transmitter::strengthOffset>},
+    {"STREAM", setField<&Transmitter::stream>},
 };
-
-void applySection(Transmitter& transmitter, const std::string& section) {
-    for (const TransmitterKey& key : transmitterKeys) {
-        std::string value = board().text(section, key.name);
-        if (board().has(section, key.name) && !key.set(transmitter, value))
-            complain("board file: '%s' is no %s for section %s", value.c_str(), key.name,
-                     section.c_str());
-    }
-}
 
 void addPipe(Transmitter& transmitter, uint8_t id, uint32_t modulation) {
     for (const Pipe& pipe : transmitter.pipes) {
@@ -188,7 +145,7 @@ void applyTuningSection(Transmitter& t, const Cfg& platform, const Cfg& common) 
     t.priority = value("TUNER_PRIORITY");
     t.horizontal = value("TUNER_POLARIZATION") == QLX_POLARIZATION_HORIZONTAL;
     t.highBand = value("TUNER_LNB_TONESTATE") == QLX_LNB_TONE_STATE_22KHZ;
-    applySection(t, section);
+    applySection(t, section, transmitterKeys);
     if (t.system != QLX_TRANSMISSION_SYSTEM_ATSC_T3)
         return;
     for (uint32_t i = 0; i < value("TUNER_PLP_NUM") && i < 4; i++) {
@@ -220,7 +177,8 @@ void loadChannels(const SystemRow& row, const Transmitter& pattern,
                                                 (*transmitters)[place].streamId != t.streamId))
             place++;
         if (place == transmitters->size()) {
-            applySection(t, std::string(row.name) + "/" + std::to_string(t.frequency));
+            applySection(t, std::string(row.name) + "/" + std::to_string(t.frequency),
+                         transmitterKeys);
             transmitters->push_back(t);
         }
         (*transmitters)[place].channels.push_back(i);
@@ -237,7 +195,7 @@ std::vector<Transmitter> loadTransmitters() {
         Transmitter t;
         t.system = system;
         t.listedSystem = system;
-        applySection(t, "AIR");
+        applySection(t, "AIR", transmitterKeys);
         applyTuningSection(t, platform, common);
         return t;
     };
@@ -259,7 +217,7 @@ std::vector<Transmitter> loadTransmitters() {
         t.frequency = static_cast<uint32_t>(board().number(section, "FREQUENCY"));
         t.tsId = static_cast<uint32_t>(board().number(section, "TS_ID"));
         t.streamId = static_cast<uint32_t>(board().number(section, "STREAM_ID"));
-        applySection(t, section);
+        applySection(t, section, transmitterKeys);
         transmitters.push_back(t);
     }
     return transmitters;
@@ -298,23 +256,6 @@ void resetCables() {
         unplugged = false;
 }
 
-/** Applies the words "KEY=VALUE" to a transmitter; complains of one that is none. */
-bool applyChanges(Words words, Transmitter* t) {
-    for (std::string word; words.next(&word);) {
-        std::string name, value;
-        bool good = false;
-        if (partWord(word, '=', &name, &value)) {
-            for (const TransmitterKey& key : transmitterKeys)
-                good = good || (name == key.name && key.set(*t, value));
-        }
-        if (good)
-            continue;
-        complain("event air: '%s' is no KEY=VALUE of a transmitter", word.c_str());
-        return false;
-    }
-    return true;
-}
-
 /** "NAME KEY=VALUE ...", with NAME a system, or a system and a frequency. */
 bool changeTransmitters(Words& words) {
     std::string name, system, place;
@@ -325,7 +266,7 @@ bool changeTransmitters(Words& words) {
     std::string changes = words.rest();
     Transmitter tried;
     if ((one && !readNumber(place, 0, UINT32_MAX, &frequency)) ||
-        !applyChanges(Words(changes), &tried))
+        !applyChanges(tried, "air", Words(changes), transmitterKeys))
         return false;
     AirState& s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
@@ -336,7 +277,7 @@ bool changeTransmitters(Words& words) {
             continue;
         any = true;
         Transmitter changed = *transmitter;
-        applyChanges(Words(changes), &changed);
+        applyChanges(changed, "air", Words(changes), transmitterKeys);
         transmitter = std::make_shared<const Transmitter>(std::move(changed));
     }
     if (!any)
@@ -389,7 +330,7 @@ bool cablePlugged(uint32_t tuner) {
 
 std::vector<std::string> transmitterKeyNames() {
     std::vector<std::string> names;
-    for (const TransmitterKey& key : transmitterKeys)
+    for (const Key<Transmitter>& key : transmitterKeys)
         names.push_back(key.name);
     return names;
 }

@@ -38,7 +38,7 @@ struct SignalSource {
     bool open = false;
     /** Whether a signal is received and stable. */
     bool locked = false;
-    /** Device time (nowMs) since which `locked` is as it is. */
+    /** Device time (nowMs) since which it is locked; 0 while it is not. */
     int64_t sinceMs = 0;
     /** What the source calls itself in its picture: "HDMI 1", "ATV 471.25 MHz". */
     std::string name;

@@ -57,8 +57,11 @@ std::string chapter(const std::string& document, const std::string& heading) {
     return document.substr(begin, document.find("\n## ", begin + 1) - begin);
 }
 
-/** "TUNER3" and "USER_BAND5" as the documents write them. */
+/** "TUNER3", "USER_BAND5" and "HDMI/1" as the documents write them. */
 std::string numbered(const std::string& name) {
+    static const std::regex port("^(HDMI|CVBS|YPBPR|VGA)/[0-9]+$");
+    if (std::regex_match(name, port))
+        return name.substr(0, name.find('/'));
     return std::regex_replace(name, std::regex("^(TUNER|TRANSMITTER|USER_BAND)[0-9]+$"), "$1n");
 }
 
@@ -87,8 +90,10 @@ std::map<std::string, Words> documentedKeys(const std::string& document) {
 TEST(SimDocuments, EveryBoardKeyIsInTheDefaultBoardAndTold) {
     std::string document = readTree("docs/board-file.md");
     auto told = documentedKeys(chapter(document, "## Device"));
-    for (auto& [section, keys] : documentedKeys(chapter(document, "## Tuners")))
-        told[section].insert(keys.begin(), keys.end());
+    for (const char* heading : {"## Tuners", "## Inputs"}) {
+        for (auto& [section, keys] : documentedKeys(chapter(document, heading)))
+            told[section].insert(keys.begin(), keys.end());
+    }
     auto keys = boardKeys();
     ASSERT_GT(told.size(), 12u);
     for (const auto& [section, names] : told) {

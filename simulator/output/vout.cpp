@@ -1,0 +1,256 @@
+// Video outputs: which source each shows, where, and whether it does.
+//
+// State rules: initialisation is a flag, and its end closes everything. Opening needs a source that
+// is up; an open output that is opened again changes over to the new source and stays as it is in
+// all else. Closing, disabling and unregistering are a success in any state, muting needs the
+// service alone; the rest needs an open output.
+#include <mutex>
+
+#include "platform/qlx_vout.h"
+#include "simulator/core/family.h"
+#include "simulator/core/sim.h"
+#include "simulator/core/source_record.h"
+#include "simulator/demux/demux.h"
+#include "simulator/world/signal_source.h"
+
+namespace sim {
+
+SIM_RECORD(QLX_VOutRect, SIM_MEMBER(QLX_VOutRect, x), SIM_MEMBER(QLX_VOutRect, y),
+           SIM_MEMBER(QLX_VOutRect, uWidth), SIM_MEMBER(QLX_VOutRect, uHeight),
+           SIM_MEMBER(QLX_VOutRect, uReserved))
+
+}  // namespace sim
+
+namespace {
+
+struct Output {
+    bool open = false;
+    bool enabled = false;
+    bool frozen = false;
+    bool muted = true;
+    QLX_Source source = {};
+    QLX_VOutRect in = {};
+    QLX_VOutRect out = {};
+    uint32_t nonLinear = QLX_FALSE;
+    uint32_t dotToDot = QLX_FALSE;
+    QLX_VOutCallback callback = nullptr;
+};
+
+struct VOutState {
+    std::mutex mutex;
+    bool initialised = false;
+    Output outputs[QLX_VOUTDEV_NUMBER_MAX];
+};
+
+VOutState& state() {
+    static VOutState* instance = new VOutState;
+    return *instance;
+}
+
+/** Whether something delivers a picture of that kind, or could. */
+bool sourceUp(const QLX_Source& source) {
+    uint32_t index = 0;
+    switch (source.eSourceType) {
+        case QLX_SOURCE_TYPE_LOCAL_PLAYER:
+        case QLX_SOURCE_TYPE_STREAM_INJECT:
+            return true;
+        case QLX_SOURCE_TYPE_RECORD:
+        case QLX_SOURCE_TYPE_DEMUX:
+            while (index < sim::demuxCount && !sim::demuxView(index).open)
+                index++;
+            return index < sim::demuxCount;
+        default:
+            return sim::findOpenSource(source.eSourceType, source.uSourceIndex, &index);
+    }
+}
+
+/** What a call needs beyond an output that exists. */
+enum class Need { nothing, initialised, open };
+
+int32_t refusalOf(uint32_t output, Need need) {
+    if (output >= QLX_VOUTDEV_NUMBER_MAX)
+        return QLX_VOUT_ERR_INVALID_PARA;
+    if ((need != Need::nothing && !state().initialised) ||
+        (need == Need::open && !state().outputs[output].open))
+        return QLX_FAILED;
+    return QLX_SUCCESS;
+}
+
+}  // namespace
+
+int32_t QLX_VOutInit(void) {
+    SIM_ENTRY_NO_ARGUMENTS();
+    std::lock_guard<std::mutex> lock(state().mutex);
+    state().initialised = true;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+/** Called with the state locked. */
+static void end() {
+    state().initialised = false;
+    for (Output& output : state().outputs)
+        output = Output();
+}
+
+int32_t QLX_VOutDeInit(void) {
+    SIM_ENTRY_NO_ARGUMENTS();
+    std::lock_guard<std::mutex> lock(state().mutex);
+    end();
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutOpen(uint32_t eDevId, const QLX_Source* pstSource) {
+    SIM_ENTRY("output=%d source=%s", static_cast<int>(eDevId), sim::show(pstSource).c_str());
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (pstSource == nullptr)
+        SIM_RETURN(QLX_VOUT_ERR_INVALID_PARA);
+    if (int32_t refusal = refusalOf(eDevId, Need::initialised))
+        SIM_RETURN(refusal);
+    if (!sourceUp(*pstSource))
+        SIM_RETURN(QLX_FAILED);
+    state().outputs[eDevId].open = true;
+    state().outputs[eDevId].source = *pstSource;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutClose(uint32_t eDevId) {
+    SIM_ENTRY("output=%d", static_cast<int>(eDevId));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (int32_t refusal = refusalOf(eDevId, Need::nothing))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId] = Output();
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutRegisterCallback(uint32_t eDevId, void* pUserData, QLX_VOutCallback callback) {
+    SIM_ENTRY("output=%d userData=%s callback=%s", static_cast<int>(eDevId),
+              sim::showPointer(pUserData), sim::showPointer(callback));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (callback == nullptr)
+        SIM_RETURN(QLX_VOUT_ERR_INVALID_PARA);
+    if (int32_t refusal = refusalOf(eDevId, Need::open))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId].callback = callback;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutUnRegisterCallback(uint32_t eDevId, QLX_VOutCallback callback) {
+    SIM_ENTRY("output=%d callback=%s", static_cast<int>(eDevId), sim::showPointer(callback));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (int32_t refusal = refusalOf(eDevId, Need::nothing))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId].callback = nullptr;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutEnable(uint32_t eDevId) {
+    SIM_ENTRY("output=%d", static_cast<int>(eDevId));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (int32_t refusal = refusalOf(eDevId, Need::open))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId].enabled = true;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutDisable(uint32_t eDevId) {
+    SIM_ENTRY("output=%d", static_cast<int>(eDevId));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (int32_t refusal = refusalOf(eDevId, Need::nothing))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId].enabled = false;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutSetRect(uint32_t eDevId, const QLX_VOutRect* pstInRect,
+                        const QLX_VOutRect* pstOutRect, uint32_t bNonLinear, uint32_t bDotToDot) {
+    SIM_ENTRY("output=%d in=%s out=%s nonLinear=%u dotToDot=%u", static_cast<int>(eDevId),
+              sim::show(pstInRect).c_str(), sim::show(pstOutRect).c_str(), bNonLinear, bDotToDot);
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (pstInRect == nullptr || pstOutRect == nullptr)
+        SIM_RETURN(QLX_VOUT_ERR_INVALID_PARA);
+    if (int32_t refusal = refusalOf(eDevId, Need::open))
+        SIM_RETURN(refusal);
+    Output& output = state().outputs[eDevId];
+    output.in = *pstInRect;
+    output.out = *pstOutRect;
+    output.nonLinear = bNonLinear;
+    output.dotToDot = bDotToDot;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutGetRect(uint32_t eDevId, QLX_VOutRect* pstInRect, QLX_VOutRect* pstOutRect,
+                        uint32_t* pbNonLinear, uint32_t* pbDotToDot) {
+    SIM_ENTRY("output=%d in=%s out=%s nonLinear=%s dotToDot=%s", static_cast<int>(eDevId),
+              sim::showPointer(pstInRect), sim::showPointer(pstOutRect),
+              sim::showPointer(pbNonLinear), sim::showPointer(pbDotToDot));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (pstInRect == nullptr || pstOutRect == nullptr || pbNonLinear == nullptr ||
+        pbDotToDot == nullptr)
+        SIM_RETURN(QLX_VOUT_ERR_INVALID_PARA);
+    if (int32_t refusal = refusalOf(eDevId, Need::open))
+        SIM_RETURN(refusal);
+    const Output& output = state().outputs[eDevId];
+    *pstInRect = output.in;
+    *pstOutRect = output.out;
+    *pbNonLinear = output.nonLinear;
+    *pbDotToDot = output.dotToDot;
+    simCall.output({sim::value("in", pstInRect), sim::value("out", pstOutRect),
+                    sim::value("nonLinear", pbNonLinear), sim::value("dotToDot", pbDotToDot)});
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutSetMute(uint32_t eDevId, uint32_t bMute) {
+    SIM_ENTRY("output=%d mute=%u", static_cast<int>(eDevId), bMute);
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (int32_t refusal = refusalOf(eDevId, Need::initialised))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId].muted = bMute != QLX_FALSE;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutGetMute(uint32_t eDevId, uint32_t* pbMute) {
+    SIM_ENTRY("output=%d mute=%s", static_cast<int>(eDevId), sim::showPointer(pbMute));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (pbMute == nullptr)
+        SIM_RETURN(QLX_VOUT_ERR_INVALID_PARA);
+    if (int32_t refusal = refusalOf(eDevId, Need::initialised))
+        SIM_RETURN(refusal);
+    *pbMute = state().outputs[eDevId].muted ? QLX_TRUE : QLX_FALSE;
+    simCall.output({sim::value("mute", pbMute)});
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_VOutFreeze(uint32_t eDevId, uint32_t bFreeze) {
+    SIM_ENTRY("output=%d freeze=%u", static_cast<int>(eDevId), bFreeze);
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (int32_t refusal = refusalOf(eDevId, Need::open))
+        SIM_RETURN(refusal);
+    state().outputs[eDevId].frozen = bFreeze != QLX_FALSE;
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+static void reset() {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    end();
+}
+
+static void describe(std::string* out) {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (state().initialised)
+        *out += "VOut initialised\n";
+    for (uint32_t i = 0; i < QLX_VOUTDEV_NUMBER_MAX; i++) {
+        const Output& output = state().outputs[i];
+        if (output.open)
+            *out += sim::format("VOut %u open\n", i);
+        if (output.callback != nullptr)
+            *out += sim::format("VOut %u callback registered\n", i);
+        if (output.enabled)
+            *out += sim::format("VOut %u enabled\n", i);
+    }
+}
+
+namespace sim {
+
+extern const Family familyVOut = {reset, describe};
+
+}  // namespace sim
