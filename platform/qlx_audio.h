@@ -128,7 +128,7 @@ typedef struct QLX_AudioAttr {
     uint32_t eSourceType;
     /** Number of the tuner (ATV), the port (external inputs) or the demultiplexer. */
     uint32_t uSourceIndex;
-    /** QLX_VideoInputClass. */
+    /** QLX_InputClass. */
     uint32_t eInputClass;
 } QLX_AudioAttr;
 QLX_RECORD_SIZE(QLX_AudioAttr, 12);

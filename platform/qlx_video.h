@@ -52,13 +52,6 @@ enum QLX_VideoInputMode {
     QLX_VIDEO_INPUT_MODE_PVR = 5,
 };
 
-/** Kinds of connector, of external inputs. */
-enum QLX_VideoInputClass {
-    QLX_VIDEO_INPUT_CLASS_NONE = 0,
-    QLX_VIDEO_INPUT_CLASS_CVBS = 1,
-    QLX_VIDEO_INPUT_CLASS_YPBPR = 3,
-};
-
 /** Coded formats, one bit each. */
 enum QLX_VideoFormat {
     /** Nothing coded: external and analog sources. */
@@ -157,7 +150,7 @@ typedef struct QLX_VideoAttr {
     uint32_t eSourceType;
     /** Number of the tuner (ATV), the port (external inputs) or the demultiplexer. */
     uint32_t uSourceIndex;
-    /** QLX_VideoInputClass. */
+    /** QLX_InputClass. */
     uint32_t eInputClass;
     /** QLX_VideoInputMode. */
     uint32_t eInputMode;

@@ -12,6 +12,8 @@
     FAMILY(familyTeec)   \
     FAMILY(familyPM)     \
     FAMILY(familyDemux)  \
+    FAMILY(familyVideo)  \
+    FAMILY(familyAudio)  \
     FAMILY(familyCI)     \
     FAMILY(familyExtIn)  \
     FAMILY(familyVOut)   \
