@@ -17,7 +17,8 @@
     FAMILY(familyCI)     \
     FAMILY(familyExtIn)  \
     FAMILY(familyVOut)   \
-    FAMILY(familyAOut)
+    FAMILY(familyAOut)   \
+    FAMILY(familyAfe)
 
 namespace sim {
 

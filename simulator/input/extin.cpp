@@ -145,6 +145,8 @@ void tellProgram(bool all) {
     std::unique_lock<std::mutex> lock(f.mutex);
     QLX_ExtInCallback callback = f.callback;
     void* userData = f.userData;
+    if (callback == nullptr)
+        return;
     std::vector<Report> reports = newReports(f, all);
     lock.unlock();
     for (const Report& report : reports) {

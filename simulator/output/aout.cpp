@@ -3,6 +3,8 @@
 // State rules: initialisation is a flag, and its end closes everything. An open device may be
 // opened again; closing is a success in any state; volume, mute and description need the service
 // alone, for programs address a device whether its sink is in use or not.
+#include "simulator/output/aout.h"
+
 #include <mutex>
 
 #include "platform/qlx_aout.h"
@@ -137,6 +139,11 @@ static void describe(std::string* out) {
 }
 
 namespace sim {
+
+bool audioOutputsRun() {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    return state().initialised;
+}
 
 extern const Family familyAOut = {reset, describe};
 

@@ -12,7 +12,7 @@ namespace {
 
 /** The one list of the parts. */
 const WorldPart* const parts[] = {
-    &cablePart, &airPart, &broadcastPart, &wakeUpPart, &phonePart, &inputPart,
+    &cablePart, &airPart, &broadcastPart, &wakeUpPart, &phonePart, &inputPart, &stationPart,
 };
 
 struct Listeners {

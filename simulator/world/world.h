@@ -36,6 +36,7 @@ extern const WorldPart broadcastPart;
 extern const WorldPart wakeUpPart;
 extern const WorldPart phonePart;
 extern const WorldPart inputPart;
+extern const WorldPart stationPart;
 
 /**
  * An event: "cable 0 out", or "in 500 cable 0 out" for one that comes 500 ms later by itself. When

@@ -59,7 +59,7 @@ std::string chapter(const std::string& document, const std::string& heading) {
 
 /** "TUNER3", "USER_BAND5" and "HDMI/1" as the documents write them. */
 std::string numbered(const std::string& name) {
-    static const std::regex port("^(HDMI|CVBS|YPBPR|VGA)/[0-9]+$");
+    static const std::regex port("^(HDMI|CVBS|YPBPR|VGA|ATV)/[0-9]+$");
     if (std::regex_match(name, port))
         return name.substr(0, name.find('/'));
     return std::regex_replace(name, std::regex("^(TUNER|TRANSMITTER|USER_BAND)[0-9]+$"), "$1n");
@@ -90,7 +90,7 @@ std::map<std::string, Words> documentedKeys(const std::string& document) {
 TEST(SimDocuments, EveryBoardKeyIsInTheDefaultBoardAndTold) {
     std::string document = readTree("docs/board-file.md");
     auto told = documentedKeys(chapter(document, "## Device"));
-    for (const char* heading : {"## Tuners", "## Inputs"}) {
+    for (const char* heading : {"## Tuners", "## Inputs and analog stations"}) {
         for (auto& [section, keys] : documentedKeys(chapter(document, heading)))
             told[section].insert(keys.begin(), keys.end());
     }

@@ -52,6 +52,7 @@ const std::vector<Layer> layers = {
      {"platform", "simulator/core", "simulator/stream", "simulator/media", "simulator/world",
       "simulator/demux"}},
     {"simulator/output", {"platform", "simulator/core", "simulator/world", "simulator/demux"}},
+    {"simulator/analog", {"platform", "simulator/core", "simulator/world", "simulator/output"}},
     {"simulator", {"simulator/core", "simulator/world"}},
 
     {"vclock", {"common"}},
