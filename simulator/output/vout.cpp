@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "platform/qlx_vout.h"
+#include "simulator/av/decoder.h"
 #include "simulator/core/family.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/source_record.h"
@@ -47,8 +48,11 @@ VOutState& state() {
     return *instance;
 }
 
-/** Whether something delivers a picture of that kind, or could. */
+/** Whether something delivers a picture of that kind, or could. With a decoder open its source is
+ *  up, and programs name another number than the decoder's. */
 bool sourceUp(const QLX_Source& source) {
+    if (sim::anyVideoDecoderOpen())
+        return true;
     uint32_t index = 0;
     switch (source.eSourceType) {
         case QLX_SOURCE_TYPE_LOCAL_PLAYER:
