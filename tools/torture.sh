@@ -3,7 +3,6 @@
 set -e
 cd "$(dirname "$0")/.."
 tools/torture_bench.sh build/release build/torture/bench
-build/release/torture --dir build/torture/bench --out build/torture/limits \
-    --limits tests/torture/limits
-exec build/release/torture --dir build/torture/bench --out build/torture/results --resume \
-    --exceptions tests/torture/exceptions --answers tests/torture/answers.txt "$@"
+torture="build/release/torture --dir build/torture/bench --golden tests/golden --lists tests/torture"
+$torture --out build/torture/limits --limits
+exec $torture --out build/torture/results --resume "$@"

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Lays out the bench for the torture run: tools/torture_bench.sh BUILD BENCH
 # BUILD is a built preset. Beside the usual bench, the device has the key files that
-# tests/torture/answers.txt names, and one key in its store.
+# tests/golden/operator/Factory.txt names, and one key in its store.
 set -e
 build=$1
 bench=$2

@@ -5,7 +5,8 @@ import unittest
 
 import bench
 
-TORTURE_LISTS = os.path.join(bench.SOURCE, "tests/torture")
+LISTS = os.path.join(bench.SOURCE, "tests/torture")
+GOLDEN = os.path.join(bench.SOURCE, "tests/golden")
 
 
 def run_tool(tool, *words):
@@ -24,8 +25,7 @@ class OptionsTest(unittest.TestCase):
             self.assertIn("Usage: " + tool, out)
 
     def test_a_mistake_is_named_and_nothing_is_done(self):
-        exceptions = os.path.join(TORTURE_LISTS, "exceptions")
-        limits = os.path.join(TORTURE_LISTS, "limits")
+        torture = ["torture", "--out", "/nowhere", "--golden", GOLDEN]
         mistakes = [
             (["mkchecklist"], "name the workbook to write"),
             (["mkchecklist", "--bogus"], "--bogus"),
@@ -36,16 +36,14 @@ class OptionsTest(unittest.TestCase):
             (["mkchecklist", "--list", "--failed", "/nowhere/r.xls"],
              "cannot read /nowhere/r.xls: No such file or directory"),
             (["mkstreams", "--config", "/nowhere"], "--out"),
-            (["torture", "--out", "/nowhere"], "--exceptions or --limits"),
-            (["torture", "--out", "/nowhere", "--exceptions", "/nowhere/e"],
-             "Directory does not exist: /nowhere/e"),
-            (["torture", "--out", "/nowhere", "--limits", limits, "--exceptions", exceptions],
-             "--limits"),
-            (["torture", "--out", "/nowhere", "--limits", limits], "/ is no bench folder"),
+            (["torture", "--out", "/nowhere", "--lists", LISTS], "--golden"),
+            (torture, "--lists"),
+            (torture + ["--lists", "/nowhere/l"], "Directory does not exist: /nowhere/l"),
+            (torture + ["--lists", LISTS], "/ is no bench folder"),
         ]
         for number in ("0", "-1", "two", "1x", "", "4294967296"):
-            mistakes.append((["torture", "--out", "/nowhere", "--limits", limits, "--every",
-                              number], "--every: %s is no whole number" % number))
+            mistakes.append((torture + ["--lists", LISTS, "--every", number],
+                             "--every: %s is no whole number" % number))
         for words, expected in mistakes:
             code, out, err = run_tool(*words)
             self.assertEqual((code, out), (2, ""), words)

@@ -7,7 +7,7 @@ import bench
 
 TORTURE = os.path.join(bench.BUILD, "torture")
 LISTS = os.path.join(bench.SOURCE, "tests/torture")
-# Each N-th automatic case of the registry; chosen so that a run stays below two minutes.
+# Each N-th case of the registry; chosen so that a run stays below two minutes.
 EVERY = "17"
 
 
@@ -15,20 +15,20 @@ class TortureTest(bench.BenchTest):
     def run_tool(self, *words):
         subprocess.run([os.path.join(bench.SOURCE, "tools/torture_bench.sh"), bench.BUILD,
                         self.path("bench")], check=True, stdout=subprocess.DEVNULL)
-        done = subprocess.run([TORTURE, "--dir", self.path("bench"), "--out", self.path("out")] +
-                              list(words), stdout=subprocess.PIPE, universal_newlines=True)
+        done = subprocess.run([TORTURE, "--dir", self.path("bench"), "--out", self.path("out"),
+                               "--golden", os.path.join(bench.SOURCE, "tests/golden"),
+                               "--lists", LISTS] + list(words), stdout=subprocess.PIPE, universal_newlines=True)
         report = self.path("out/report.txt")
         details = self.read(report) if os.path.exists(report) else ""
         self.assertEqual(done.returncode, 0, done.stdout + details)
         return done.stdout
 
     def test_every_fault_of_a_sample_is_caught(self):
-        out = self.run_tool("--exceptions", os.path.join(LISTS, "exceptions"),
-                            "--answers", os.path.join(LISTS, "answers.txt"), "--every", EVERY)
+        out = self.run_tool("--every", EVERY)
         self.assertIn("every fault is caught", out)
 
     def test_limits_turn_at_their_millisecond(self):
-        self.run_tool("--limits", os.path.join(LISTS, "limits"))
+        self.run_tool("--limits")
 
 
 if __name__ == "__main__":

@@ -69,7 +69,7 @@ const std::vector<Layer> layers = {
       "tools/common"}},
     {"tools/torture",
      {"common", "platform", "framework/case", "environment", "testcase", "program", "simulator",
-      "tools/common"}},
+      "tools/common", "tools/golden"}},
 };
 
 struct Source {

@@ -1,0 +1,31 @@
+/* What the workers' results say, against the lists. docs/torture.md lists the report's words. */
+#ifndef TOOLS_TORTURE_JUDGE_H
+#define TOOLS_TORTURE_JUDGE_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tools/torture/lists.h"
+
+namespace torture {
+
+/** A subject and the file of its results, which ends with "done". */
+struct Result {
+    Subject subject;
+    std::filesystem::path file;
+};
+
+/** Whether a file of results is complete. */
+bool isDone(const std::filesystem::path& file);
+
+/** Judges all results, in the order of the modules: writes what is wrong into the report, and
+ * prints a table by module.
+ *  @param whole  whether all cases took part, so that a line of a list that nothing needs is wrong
+ *  @return whether nothing is wrong */
+bool judge(const std::vector<Result>& results, Lists* lists, bool whole,
+           const std::filesystem::path& report);
+
+}  // namespace torture
+
+#endif
