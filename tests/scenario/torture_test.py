@@ -1,4 +1,4 @@
-"""A deterministic sample of the torture run, and all time limits."""
+"""A deterministic sample of the torture run and of the time limits."""
 import os
 import subprocess
 import unittest
@@ -7,8 +7,9 @@ import bench
 
 TORTURE = os.path.join(bench.BUILD, "torture")
 LISTS = os.path.join(bench.SOURCE, "tests/torture")
-# Each N-th case of the registry; chosen so that a run stays below two minutes.
-EVERY = "17"
+# Each N-th case of a module, and of each line of the limits. The sanitizers take longer, and look at
+# the same code in each case of a family.
+EVERY, EVERY_LIMIT = ("97", "1000") if os.environ.get("ZK_SANITIZE") else ("31", "5")
 
 
 class TortureTest(bench.BenchTest):
@@ -28,7 +29,7 @@ class TortureTest(bench.BenchTest):
         self.assertIn("every fault is caught", out)
 
     def test_limits_turn_at_their_millisecond(self):
-        self.run_tool("--limits")
+        self.run_tool("--limits", "--every", EVERY_LIMIT)
 
 
 if __name__ == "__main__":

@@ -224,18 +224,20 @@ bool planLimits(const Options& options, const Modules& modules, const Lists& lis
     size_t number = 0;
     for (const Limit& limit : lists.limits) {
         const TcModule* module = findModule(modules, limit.module);
-        bool found = false;
+        unsigned found = 0;
         for (uint32_t i = 0; i < module->caseCount; i++) {
             const TcCase& testCase = module->cases[i];
             if (testCase.autoFlag != AUTO ||
                 fnmatch(limit.casePattern.c_str(), testCase.name, 0) != 0)
                 continue;
-            found = true;
+            // Of each line at least the first.
+            if (found++ % options.every != 0)
+                continue;
             fs::path out = options.out / ("limit_" + std::to_string(number++));
             if (fnmatch(options.pattern.c_str(), testCase.name, 0) == 0)
                 jobs->push_back({{module, &testCase, -1, ""}, &limit, out});
         }
-        if (!found) {
+        if (found == 0) {
             printf("LIMIT   no such case of %s: %s\n", module->name, limit.text.c_str());
             good = false;
         }
@@ -313,7 +315,7 @@ int parse(int argc, char** argv, Options* options) {
         ->type_name("NAME");
     app.add_option("--name", options->pattern, "Only cases whose name matches")
         ->type_name("PATTERN");
-    app.add_option("--every", options->every, "Only each N-th of those")
+    app.add_option("--every", options->every, "Only each N-th of a module, or of a limit's line")
         ->type_name("N")
         ->check(wholeNumber(1, UINT_MAX));
     app.add_option("--jobs", options->jobs, "Workers at a time (as many as processors)")
