@@ -149,14 +149,13 @@ void considerStream(const DecoderKind& kind, Decoder& decoder, int64_t now, Step
     uint8_t damage = unit_damaged;
     if (!run.decoding()) {
         auto first = nextUnit(stream, index, run.fromUs, unit_access | unit_decoded);
-        if (first.has_value())
-            step->consider(first->arrivedUs + decodeUs, takePicture, *first);
-        else if (!run.uselessTold) {
+        if (!first.has_value()) {
             int64_t come = nextPacketUs(stream, run.pid, run.fromUs);
-            if (come != never)
+            if (!run.uselessTold && come != never)
                 step->consider(come + decodeUs, takeUseless);
             return;
         }
+        step->consider(first->arrivedUs + decodeUs, takePicture, *first);
         // Without a picture only what decoding could begin at is tried.
         damage |= unit_access;
     } else {

@@ -9,6 +9,7 @@
 #include "simulator/av/decoder_state.h"
 
 #include <utility>
+#include <vector>
 
 #include "simulator/core/board.h"
 
@@ -85,9 +86,20 @@ void wakeRunning(DecoderFamily& family) {
     }
 }
 
+/** All families that there are; none is ever destroyed. */
+struct Families {
+    std::mutex mutex;
+    std::vector<DecoderFamily*> all;
+};
+Families& families() {
+    static Families* instance = new Families;
+    return *instance;
+}
+
 void wakeAll() {
-    wakeRunning(videoFamily());
-    wakeRunning(audioFamily());
+    std::lock_guard<std::mutex> lock(families().mutex);
+    for (DecoderFamily* family : families().all)
+        wakeRunning(*family);
 }
 
 const SignalListener onSignal{[](uint32_t, uint32_t) { wakeAll(); }};
@@ -105,6 +117,10 @@ DecoderFamily::DecoderFamily(const DecoderKind& decoderKind) : kind(decoderKind)
         return true;
     }();
     (void)listening;
+    {
+        std::lock_guard<std::mutex> lock(families().mutex);
+        families().all.push_back(this);
+    }
     for (uint32_t number = 0; number < maxDecoders; number++) {
         decoders[number].number = number;
         // The names last as long as the threads.

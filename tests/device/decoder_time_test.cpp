@@ -1,0 +1,630 @@
+// What decoders report and when, to the millisecond: on a stream whose index is made by hand, and
+// on signals of inputs.
+//
+// The stream is a loop of 4.8 s. A picture of 40 ms takes 80 packets of 0.5 ms, of which the first
+// 40 are its own; every twelfth one can be decoded by itself, and each is shown 200 ms after it has
+// begun to come.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/qlx_demux.h"
+#include "platform/qlx_videosync.h"
+#include "simulator/av/decoder_state.h"
+#include "simulator/tuner/reception.h"
+#include "simulator/world/air.h"
+#include "simulator/world/world.h"
+#include "tests/shared/decoder_log.h"
+#include "tests/shared/demux_streams.h"
+#include "tests/shared/device.h"
+
+namespace {
+
+using namespace decoder_test;
+using sim::Decoder;
+using sim::DecoderFamily;
+
+constexpr uint16_t esPid = 0x100;
+constexpr uint16_t clockPid = 0x101;
+constexpr uint16_t otherPid = 0x102;
+constexpr uint32_t packetTicks = 13500;
+constexpr uint32_t unitPackets = 80;
+constexpr uint32_t unitCount = 120;
+constexpr uint32_t groupUnits = 12;
+constexpr int64_t unitMs = 40;
+constexpr int64_t loopMs = unitCount * unitMs;
+constexpr int64_t shownAfterMs = 200;
+/** Of the default board. */
+constexpr int64_t startMs = 5;
+constexpr int64_t decodeMs = 40;
+constexpr int64_t lossMs = 500;
+constexpr int64_t signalMs = 200;
+/** From the beginning of a picture that can be decoded to the first one shown. */
+constexpr int64_t firstMs = unitMs / 2 + decodeMs;
+
+sim::VideoFormat format(uint16_t width, uint16_t height) {
+    sim::VideoFormat format;
+    format.width = width;
+    format.height = height;
+    format.frameRate = {25, 1};
+    format.displayAspect = {16, 9};
+    return format;
+}
+
+/** What decoding is to find in the stream. A test changes it before it plays. */
+struct Found {
+    sim::VideoIndex index;
+
+    Found() {
+        for (uint32_t i = 0; i < unitCount; i++) {
+            sim::AccessUnit unit = {};
+            unit.first = i * unitPackets;
+            unit.last = unit.first + unitPackets / 2 - 1;
+            unit.pts = static_cast<uint64_t>(i * unitMs + shownAfterMs) * 90;
+            if (i % groupUnits == 0)
+                unit.flags = sim::unit_access | sim::unit_decoded;
+            index.units.push_back(unit);
+        }
+        index.changes.push_back({0, format(720, 576)});
+    }
+};
+Found found;
+
+/** The video decoders, but for what the index is. */
+DecoderFamily& family() {
+    static DecoderFamily* instance = [] {
+        static sim::DecoderKind kind = sim::videoFamily().kind;
+        kind.index = [](const sim::TsStreamPtr&, uint16_t pid, uint32_t) {
+            std::shared_ptr<const sim::EsUnits> index;
+            if (pid == esPid)
+                index = std::make_shared<const sim::VideoIndex>(found.index);
+            return index;
+        };
+        return new DecoderFamily(kind);
+    }();
+    return *instance;
+}
+
+class SimDecoderTime : public testing::Test {
+ protected:
+    void SetUp() override {
+        qlx_sim_reset();
+        found = Found();
+        log_.clear();
+        char name[] = "/tmp/decoder_test.XXXXXX";
+        folder_ = mkdtemp(name);
+        file_ = folder_ + "/air.ts";
+        writeStream();
+        QLX_Source tuner = {QLX_SOURCE_TYPE_TUNER, 0, 0};
+        ASSERT_EQ(QLX_DemuxInit(), 0);
+        ASSERT_EQ(QLX_DemuxOpen(0), 0);
+        ASSERT_EQ(QLX_DemuxConnectSource(0, &tuner), 0);
+        ASSERT_EQ(QLX_DemuxStart(0), 0);
+        receive(true);
+        sim::DecoderSource source = {QLX_SOURCE_TYPE_DEMUX, 0, 0, 1};
+        sim::decodersInit(family());
+        ASSERT_EQ(sim::decoderOpen(family(), 0, &source), 0);
+        ASSERT_EQ(sim::decoderRegister(family(), 0, &log_, onVideo), 0);
+    }
+    void TearDown() override {
+        sim::resetDecoders(family());
+        receive(false);
+        qlx_sim_reset();
+        unlink(file_.c_str());
+        rmdir(folder_.c_str());
+    }
+
+    void writeStream() {
+        demux_test::StreamMaker maker;
+        while (maker.count < unitCount * unitPackets) {
+            uint32_t at = maker.count % unitPackets;
+            if (at < unitPackets / 2)
+                maker.packet(esPid, at == 0, demux_test::Bytes(184, 0));
+            else if (at == unitPackets / 2)
+                maker.clock(clockPid, uint64_t{maker.count} * packetTicks);
+            else
+                maker.nulls(1);
+        }
+        FILE* file = fopen(file_.c_str(), "wb");
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(fwrite(maker.bytes.data(), 1, maker.bytes.size(), file), maker.bytes.size());
+        fclose(file);
+    }
+
+    /** Lets tuner 0 receive the stream, or nothing. */
+    void receive(bool received) {
+        static uint64_t sequence = UINT64_C(1) << 41;
+        auto transmitter = std::make_shared<sim::Transmitter>();
+        transmitter->stream = file_;
+        sim::setReception(0, ++sequence, received ? transmitter : nullptr);
+    }
+
+    /** Waits for that time of a loop; answers it as device time. */
+    static int64_t awaitLoop(int64_t ms) {
+        int64_t now = sim::nowUs();
+        int64_t at = (now / 1000 / loopMs) * loopMs + ms;
+        while (at * 1000 <= now)
+            at += loopMs;
+        std::this_thread::sleep_for(std::chrono::microseconds(at * 1000 - now));
+        return at;
+    }
+    static int32_t start(uint32_t pid = esPid) {
+        return sim::decoderStart(family(), 0, QLX_VIDEO_FORMAT_MPEG2, pid);
+    }
+    static int32_t stop() {
+        return sim::decoderStop(family(), 0);
+    }
+    std::string names() const {
+        return namesOf(log_.all(), true);
+    }
+    /** Time of the first event of that kind after `since`. */
+    int64_t msOf(uint32_t event, int64_t since) const {
+        return log_.first(event).ms - since;
+    }
+    static uint64_t pts() {
+        std::lock_guard<std::mutex> lock(family().mutex);
+        auto moment = sim::shownMoment(*family().decoders[0].run);
+        return moment.has_value() ? moment->pts : 0;
+    }
+    static uint64_t stc() {
+        std::lock_guard<std::mutex> lock(family().mutex);
+        return sim::streamClock(*family().decoders[0].run);
+    }
+    static void setMode(const QLX_SyncParams& params) {
+        std::lock_guard<std::mutex> lock(family().mutex);
+        Decoder& decoder = family().decoders[0];
+        decoder.syncSet = true;
+        decoder.sync = params;
+        sim::refreshSync(family().kind, decoder);
+        sim::wakeDecoder(family(), decoder);
+    }
+    /** Starts just before a picture that can be decoded, and waits until all has settled. */
+    int64_t play() {
+        int64_t at = awaitLoop(groupUnits * unitMs - 100);
+        EXPECT_EQ(start(), 0);
+        sim::sleepMs(1000);
+        EXPECT_EQ(names(), "start frame present sync");
+        log_.clear();
+        return at;
+    }
+
+    Log log_;
+    std::string folder_;
+    std::string file_;
+};
+
+TEST_F(SimDecoderTime, TheFirstPictureFollowsFromTheStream) {
+    struct {
+        int64_t startAt;
+        int64_t accessAt;
+    } rows[] = {
+        {100, 480}, {479, 480}, {480, 480}, {481, 960}, {4700, 4800},
+    };
+    for (const auto& row : rows) {
+        log_.clear();
+        int64_t at = awaitLoop(row.startAt);
+        ASSERT_EQ(start(), 0);
+        sim::sleepMs(1500);
+        int64_t access = row.accessAt - row.startAt;
+        EXPECT_EQ(names(), "start frame present sync") << row.startAt;
+        EXPECT_EQ(msOf(QLX_EVENT_VIDEO_START_DONE, at), startMs) << row.startAt;
+        EXPECT_EQ(msOf(QLX_EVENT_VIDEO_FRAME_READY, at), access + firstMs) << row.startAt;
+        EXPECT_EQ(msOf(QLX_EVENT_VIDEO_INFO_CHANGE, at), access + firstMs) << row.startAt;
+        EXPECT_EQ(msOf(QLX_EVENT_VIDEO_SYNC_DONE, at), access + shownAfterMs) << row.startAt;
+        QLX_VideoDecInfo info = log_.first(QLX_EVENT_VIDEO_INFO_CHANGE).video;
+        EXPECT_EQ(info.uFrameWidth, 720);
+        EXPECT_EQ(info.uFrameRate, 25u);
+        EXPECT_EQ(info.eFrameAspect, static_cast<uint32_t>(QLX_VIDEO_ASPECT_16_9));
+        EXPECT_EQ(info.eVideoFormat, static_cast<uint32_t>(QLX_VIDEO_FORMAT_MPEG2));
+        log_.clear();
+        EXPECT_EQ(stop(), 0);
+        EXPECT_EQ(names(), "absent stop") << "before the stop returns";
+    }
+}
+
+TEST_F(SimDecoderTime, AnHourOfOneChannelIsSilent) {
+    play();
+    uint64_t last = 0;
+    // A picture that waits for its time is shown first; then a picture each 40 ms.
+    for (int i = 0; i < 9000; i++) {
+        uint64_t now = pts();
+        ASSERT_GT(now, last) << i;
+        if (last != 0) {
+            ASSERT_EQ(now - last, 400u * 90) << i;
+        }
+        // The picture on the screen began at most a picture's length ago.
+        ASSERT_LT(stc() - now, static_cast<uint64_t>(unitMs) * 90) << i;
+        last = now;
+        sim::sleepMs(400);
+    }
+    EXPECT_EQ(names(), "");
+}
+
+TEST_F(SimDecoderTime, ANewFormatIsToldWhenItIsShown) {
+    found.index.changes.push_back({5 * groupUnits, format(1920, 1080)});
+    found.index.units[0].flags |= sim::unit_newFormat;
+    found.index.units[5 * groupUnits].flags |= sim::unit_newFormat;
+    play();
+    int64_t at = awaitLoop(0);
+    log_.clear();
+    sim::sleepMs(loopMs + 300);
+    std::vector<Told> log = log_.all();
+    ASSERT_EQ(names(), "present present present");
+    EXPECT_EQ(log[0].ms - at, shownAfterMs);
+    EXPECT_EQ(log[0].video.uFrameWidth, 720);
+    EXPECT_EQ(log[1].ms - at, 5 * groupUnits * unitMs + shownAfterMs);
+    EXPECT_EQ(log[1].video.uFrameWidth, 1920);
+    EXPECT_EQ(log[2].ms - at, loopMs + shownAfterMs);
+    EXPECT_EQ(log[2].video.uFrameWidth, 720);
+}
+
+TEST_F(SimDecoderTime, DataThatDoNotDecodeAreToldOnce) {
+    for (sim::AccessUnit& unit : found.index.units)
+        unit.flags = unit.first % 3 == 0 ? sim::unit_damaged | sim::unit_access : 0;
+    found.index.changes.clear();
+    int64_t at = awaitLoop(480);
+    EXPECT_EQ(start(), 0);
+    sim::sleepMs(60000);
+    EXPECT_EQ(names(), "start error");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_DECODE_ERROR, at), 1 + decodeMs) << "with the first packet";
+    EXPECT_EQ(pts(), 0u);
+    EXPECT_EQ(stc(), 0u);
+    EXPECT_EQ(stop(), 0);
+    EXPECT_EQ(names(), "start error absent stop");
+}
+
+TEST_F(SimDecoderTime, WhatNeverComesIsNoError) {
+    for (uint32_t pid : {8888u, uint32_t{otherPid}}) {
+        log_.clear();
+        EXPECT_EQ(start(pid), 0);
+        sim::sleepMs(10000);
+        EXPECT_EQ(names(), "start") << pid;
+        EXPECT_EQ(stop(), 0);
+        EXPECT_EQ(names(), "start absent stop") << pid;
+        EXPECT_EQ(stop(), 0);
+        EXPECT_EQ(names(), "start absent stop") << "a stop of a stopped one tells nothing";
+    }
+}
+
+TEST_F(SimDecoderTime, DamageIsToldSparingly) {
+    // One picture in a loop, which is shorter than the pause; then all.
+    found.index.units[100].flags |= sim::unit_damaged;
+    play();
+    int64_t at = awaitLoop(3000);
+    sim::sleepMs(3 * loopMs);
+    EXPECT_EQ(names(), "error error");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_DECODE_ERROR, at), 1000 + firstMs);
+    EXPECT_EQ(log_.all().back().ms - at, 2 * loopMs + 1000 + firstMs);
+    stop();
+    log_.clear();
+    for (sim::AccessUnit& unit : found.index.units)
+        unit.flags |= sim::unit_damaged;
+    EXPECT_EQ(start(), 0);
+    sim::sleepMs(31000);
+    EXPECT_LE(log_.all().size(), 4u + 31 / 5 + 1) << names();
+    EXPECT_GE(log_.all().size(), 4u + 31 / 5) << names();
+}
+
+TEST_F(SimDecoderTime, LostReceptionFreezesThePictureAndEndsIt) {
+    play();
+    int64_t at = awaitLoop(2000);
+    receive(false);
+    sim::sleepMs(lossMs - 50);
+    EXPECT_EQ(names(), "lost") << "the last picture is kept";
+    uint64_t frozen = pts();
+    sim::sleepMs(40);
+    EXPECT_EQ(pts(), frozen);
+    sim::sleepMs(1000);
+    EXPECT_EQ(names(), "lost absent");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_SYNC_LOST, at), 0);
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_INFO_CHANGE, at), lossMs);
+    log_.clear();
+    at = awaitLoop(400);
+    receive(true);
+    sim::sleepMs(1000);
+    EXPECT_EQ(names(), "present sync") << "the first picture is told once for a start";
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_INFO_CHANGE, at), 80 + firstMs);
+    log_.clear();
+    // A short interruption: the picture stands still and goes on.
+    at = awaitLoop(400);
+    receive(false);
+    sim::sleepMs(10);
+    receive(true);
+    sim::sleepMs(1000);
+    EXPECT_EQ(names(), "lost sync");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_SYNC_DONE, at), 80 + shownAfterMs);
+}
+
+TEST_F(SimDecoderTime, AChangedByteOnTheAirDoesNotInterrupt) {
+    play();
+    // The index of the changed stream has a smaller picture from the next loop on.
+    found.index.changes[0].format = format(352, 288);
+    EXPECT_TRUE(sim::changeWorld("stream " + file_ + " byte 1000 55"));
+    sim::sleepMs(10);
+    EXPECT_EQ(names(), "present");
+    EXPECT_EQ(log_.all()[0].video.uFrameWidth, 352);
+    log_.clear();
+    found.index.changes.clear();
+    for (sim::AccessUnit& unit : found.index.units)
+        unit.flags = sim::unit_access | sim::unit_damaged;
+    EXPECT_TRUE(sim::changeWorld("stream " + file_ + " byte 1000 56"));
+    sim::sleepMs(5000);
+    EXPECT_EQ(names(), "lost error absent") << "nothing decodes any more";
+    log_.clear();
+    found = Found();
+    EXPECT_TRUE(sim::changeWorld("stream " + file_ + " intact"));
+    sim::sleepMs(2000);
+    EXPECT_EQ(names(), "present sync");
+}
+
+TEST_F(SimDecoderTime, AnInterruptedDemultiplexerBeginsAnew) {
+    play();
+    EXPECT_EQ(QLX_DemuxStop(0), 0);
+    EXPECT_EQ(QLX_DemuxStart(0), 0);
+    sim::sleepMs(1500);
+    EXPECT_EQ(names(), "lost sync");
+    EXPECT_EQ(QLX_DemuxClose(0), 0);
+    sim::sleepMs(1500);
+    EXPECT_EQ(names(), "lost sync lost absent");
+    EXPECT_EQ(stop(), 0);
+    EXPECT_EQ(names(), "lost sync lost absent stop") << "the absence is told once";
+}
+
+TEST_F(SimDecoderTime, PauseAndResume) {
+    play();
+    EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
+    uint64_t held = pts();
+    uint64_t clock = stc();
+    sim::sleepMs(10000);
+    EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
+    EXPECT_EQ(pts(), held);
+    EXPECT_EQ(stc(), clock);
+    EXPECT_EQ(sim::decoderPause(family(), 0, false), 0);
+    EXPECT_EQ(pts() - held, 10000u * 90) << "with what is on the air";
+    sim::sleepMs(2000);
+    EXPECT_EQ(names(), "") << "and without a first picture";
+}
+
+TEST_F(SimDecoderTime, AFlushBeginsAnew) {
+    play();
+    int64_t at = awaitLoop(400);
+    EXPECT_EQ(sim::decoderFlush(family(), 0), 0);
+    sim::sleepMs(1000);
+    EXPECT_EQ(names(), "lost frame sync");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_FRAME_READY, at), 80 + firstMs);
+}
+
+TEST_F(SimDecoderTime, NothingRunsTogetherWithoutTheClock) {
+    awaitLoop(400);
+    EXPECT_EQ(start(), 0);
+    setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, otherPid});
+    sim::sleepMs(5000);
+    EXPECT_EQ(names(), "start frame present");
+    // A clock reference comes every 40 ms, at the end of a picture.
+    int64_t at = awaitLoop(400);
+    setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, clockPid});
+    sim::sleepMs(100);
+    EXPECT_EQ(names(), "start frame present sync");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_SYNC_DONE, at), 21);
+    log_.clear();
+    setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, otherPid});
+    sim::sleepMs(100);
+    EXPECT_EQ(names(), "lost");
+    setMode({QLX_VIDEOSYNC_MODE_FREE_RUN, 0, 0});
+    sim::sleepMs(100);
+    EXPECT_EQ(names(), "lost sync");
+    setMode({QLX_VIDEOSYNC_MODE_AUDIO_MASTER, otherPid, 0});
+    sim::sleepMs(100);
+    EXPECT_EQ(names(), "lost sync lost") << "no sound to follow";
+}
+
+/** Does something to its decoder from inside a callback, at one kind of event. */
+struct Meddler {
+    Log log;
+    uint32_t event;
+    std::function<int32_t()> call;
+    int32_t result = -1;
+
+    static void callback(uint32_t number, void* userData, uint32_t event, void* data) {
+        auto* self = static_cast<Meddler*>(userData);
+        onVideo(number, &self->log, event, data);
+        if (event == self->event && self->result == -1)
+            self->result = self->call();
+    }
+};
+
+TEST_F(SimDecoderTime, CallbacksMayCallTheDecoder) {
+    struct {
+        const char* what;
+        std::function<int32_t()> call;
+        const char* names;
+    } rows[] = {
+        {"stop", [] { return stop(); }, "start frame present absent stop"},
+        {"close", [] { return sim::decoderClose(family(), 0); }, "start frame present absent stop"},
+        {"deinit", [] { return sim::decodersDeInit(family()); }, "start frame present absent stop"},
+        {"unregister", [] { return sim::decoderUnRegister(family(), 0, Meddler::callback); },
+         "start frame present"},
+        {"flush", [] { return sim::decoderFlush(family(), 0); }, "start frame present frame sync"},
+    };
+    for (const auto& row : rows) {
+        static Meddler meddler;
+        meddler.log.clear();
+        meddler.result = -1;
+        meddler.event = QLX_EVENT_VIDEO_INFO_CHANGE;
+        meddler.call = row.call;
+        sim::resetDecoders(family());
+        sim::DecoderSource source = {QLX_SOURCE_TYPE_DEMUX, 0, 0, 1};
+        sim::decodersInit(family());
+        ASSERT_EQ(sim::decoderOpen(family(), 0, &source), 0);
+        ASSERT_EQ(sim::decoderRegister(family(), 0, &meddler, Meddler::callback), 0);
+        EXPECT_EQ(start(), 0);
+        sim::sleepMs(3000);
+        EXPECT_EQ(meddler.result, 0) << row.what;
+        EXPECT_EQ(namesOf(meddler.log.all(), true), row.names) << row.what;
+    }
+}
+
+TEST_F(SimDecoderTime, FaultsReachTheEvents) {
+    qlx_sim_add_fault("VideoEvent with=event=4 drop");
+    qlx_sim_add_fault("VideoEvent with=event=16 call=1 set=eVideoPresent:2");
+    qlx_sim_add_fault("VideoEvent with=event=32 set=data:7");
+    EXPECT_EQ(start(), 0);
+    sim::sleepMs(1500);
+    EXPECT_EQ(names(), "start absent sync");
+    EXPECT_EQ(log_.first(QLX_EVENT_VIDEO_INFO_CHANGE).video.eVideoPresent, 2u);
+    EXPECT_EQ(log_.first(QLX_EVENT_VIDEO_SYNC_DONE).word, 7u);
+}
+
+class SimDecoderSignal : public testing::Test {
+ protected:
+    void SetUp() override {
+        qlx_sim_reset();
+        set(true, true);
+        QLX_VideoInit();
+        QLX_AudioInit();
+        QLX_VideoAttr video = {QLX_SOURCE_TYPE_AV_CVBS, 0, QLX_INPUT_CLASS_CVBS, 0};
+        QLX_AudioAttr audio = {QLX_SOURCE_TYPE_AV_CVBS, 0, QLX_INPUT_CLASS_CVBS};
+        ASSERT_EQ(QLX_VideoOpen(0, &video), 0);
+        ASSERT_EQ(QLX_AudioOpen(0, &audio), 0);
+        ASSERT_EQ(QLX_VideoRegisterCallback(0, &video_, onVideo), 0);
+        ASSERT_EQ(QLX_AudioRegisterCallback(0, &audio_, onAudio), 0);
+    }
+    void TearDown() override {
+        set(false, false);
+        qlx_sim_reset();
+    }
+    void set(bool open, bool locked) {
+        if (locked != source_.locked)
+            source_.sinceMs = sim::nowMs();
+        source_.open = open;
+        source_.locked = locked;
+        sim::setSignalSource(QLX_SOURCE_TYPE_AV_CVBS, 0, source_);
+    }
+
+    sim::SignalSource source_ = {
+        false, false, 0, "CVBS 0", {720, 576, 30000, 1001, true, 4, 3}, {2, 48000, 1000}};
+    Log video_;
+    Log audio_;
+};
+
+TEST_F(SimDecoderSignal, APictureIsMeasuredAndFollowed) {
+    int64_t at = sim::nowMs();
+    EXPECT_EQ(QLX_VideoStart(0, QLX_VIDEO_FORMAT_NONE, 0), 0);
+    EXPECT_EQ(QLX_AudioStart(0, QLX_AUDIO_FORMAT_NONE, 0), 0);
+    sim::sleepMs(1000);
+    EXPECT_EQ(namesOf(video_.all(), true), "start frame present");
+    EXPECT_EQ(namesOf(audio_.all(), false), "present");
+    EXPECT_EQ(video_.first(QLX_EVENT_VIDEO_INFO_CHANGE).ms - at, startMs + signalMs);
+    QLX_VideoDecInfo picture = video_.first(QLX_EVENT_VIDEO_INFO_CHANGE).video;
+    EXPECT_EQ(picture.uFrameRate, 29u);
+    EXPECT_EQ(picture.bInterlaced, 1u);
+    EXPECT_EQ(picture.eFrameAspect, static_cast<uint32_t>(QLX_VIDEO_ASPECT_4_3));
+    EXPECT_EQ(picture.eVideoFormat, 0u);
+    QLX_AudioDecInfo sound = audio_.first(QLX_EVENT_AUDIO_INFO_CHANGE).audio;
+    EXPECT_EQ(sound.eAudioFormat, 0u);
+    EXPECT_EQ(sound.eChannelInfo, static_cast<uint32_t>(QLX_AUDIO_CHANNEL_2_0));
+    video_.clear();
+    audio_.clear();
+    source_.picture.height = 480;
+    source_.sound.channels = 0;
+    set(true, true);
+    sim::sleepMs(1000);
+    EXPECT_EQ(namesOf(video_.all(), true), "present");
+    EXPECT_EQ(video_.all()[0].video.uFrameHeight, 480);
+    EXPECT_EQ(namesOf(audio_.all(), false), "absent") << "a source without sound";
+    video_.clear();
+    audio_.clear();
+    set(true, false);
+    sim::sleepMs(1000);
+    EXPECT_EQ(namesOf(video_.all(), true), "absent");
+    source_.sound.channels = 1;
+    set(true, true);
+    sim::sleepMs(1000);
+    EXPECT_EQ(namesOf(video_.all(), true), "absent present");
+    EXPECT_EQ(namesOf(audio_.all(), false), "present");
+    EXPECT_EQ(QLX_VideoStop(0), 0);
+    EXPECT_EQ(QLX_AudioStop(0), 0);
+    EXPECT_EQ(namesOf(video_.all(), true), "absent present absent stop");
+    EXPECT_EQ(namesOf(audio_.all(), false), "present absent stop");
+}
+
+TEST_F(SimDecoderSignal, WhatIsToldIsAnsweredToo) {
+    EXPECT_EQ(QLX_VideoStart(0, 0, 0), 0);
+    EXPECT_EQ(QLX_AudioStart(0, 0, 0), 0);
+    QLX_VideoInfo info = {};
+    for (uint32_t type : {3u, 4u, 5u}) {
+        EXPECT_EQ(QLX_VideoGetVideoInfo(0, type, &info), 0);
+        EXPECT_EQ(info.eParamType, type);
+        EXPECT_EQ(info.eStatus, 0u) << type << " before there is a picture";
+    }
+    EXPECT_EQ(QLX_VideoGetVideoInfo(0, QLX_VIDEO_PARAMTYPE_GET_DECINFO, &info), 0);
+    EXPECT_EQ(info.stVideoDecInfo.eVideoPresent, static_cast<uint32_t>(QLX_VIDEO_NOT_PRESENT));
+    EXPECT_EQ(info.stVideoDecInfo.eVideoAttrB, 4u);
+    sim::sleepMs(500);
+    for (uint32_t type : {3u, 5u}) {
+        EXPECT_EQ(QLX_VideoGetVideoInfo(0, type, &info), 0);
+        EXPECT_EQ(info.eStatus, 1u) << type;
+    }
+    EXPECT_EQ(QLX_VideoGetVideoInfo(0, QLX_VIDEO_PARAMTYPE_GET_DECINFO, &info), 0);
+    QLX_VideoDecInfo told = video_.first(QLX_EVENT_VIDEO_INFO_CHANGE).video;
+    EXPECT_EQ(memcmp(&info.stVideoDecInfo, &told, sizeof told), 0);
+    QLX_AudioInfo sound = {};
+    EXPECT_EQ(QLX_AudioGetAudioInfo(0, QLX_AUDIO_PARAMTYPE_DEC_STATUS, &sound), 0);
+    EXPECT_EQ(sound.eStatus, 1u);
+    EXPECT_EQ(QLX_AudioGetAudioInfo(0, QLX_AUDIO_PARAMTYPE_DIGITAL_AUDIO_INFO, &sound), 0);
+    EXPECT_EQ(sound.stAudioDecInfo.audioPresent, 1u);
+}
+
+TEST_F(SimDecoderSignal, ASoundTellsWhatIsChosen) {
+    EXPECT_EQ(QLX_AudioStart(0, 0, 0), 0);
+    sim::sleepMs(500);
+    audio_.clear();
+    EXPECT_EQ(QLX_AudioSetDigitalAudioMode(0, QLX_AUDIO_DIGITAL_MODE_TRACK_B), 0);
+    sim::sleepMs(10);
+    ASSERT_EQ(namesOf(audio_.all(), false), "present");
+    EXPECT_EQ(audio_.all()[0].audio.eAudioAttrA,
+              static_cast<uint32_t>(QLX_AUDIO_DIGITAL_MODE_TRACK_B));
+    EXPECT_EQ(QLX_AudioSetDigitalAudioMode(0, QLX_AUDIO_DIGITAL_MODE_TRACK_B), 0);
+    sim::sleepMs(10);
+    EXPECT_EQ(audio_.all().size(), 1u) << "the same is not told again";
+    // A flush of sound is an end and a new beginning.
+    audio_.clear();
+    EXPECT_EQ(QLX_AudioFlush(0), 0);
+    sim::sleepMs(1000);
+    EXPECT_EQ(namesOf(audio_.all(), false), "absent present");
+}
+
+TEST_F(SimDecoderSignal, OutputsSeeWhatIsPlayed) {
+    EXPECT_TRUE(sim::anyVideoDecoderOpen());
+    EXPECT_EQ(sim::videoShown(1).open, false);
+    EXPECT_EQ(sim::videoShown(0).origin.kind, sim::DecoderOrigin::Kind::nothing);
+    EXPECT_EQ(QLX_VideoStart(0, 0, 0), 0);
+    EXPECT_EQ(QLX_AudioStart(0, 0, 0), 0);
+    EXPECT_EQ(QLX_AudioSetVolume(0, QLX_AUDIO_SOURCE_MAIN, 50), 0);
+    EXPECT_EQ(QLX_AudioSetMute(0, QLX_AUDIO_SOURCE_PLAYER, QLX_TRUE), 0);
+    sim::sleepMs(500);
+    sim::VideoShown shown = sim::videoShown(0);
+    EXPECT_TRUE(shown.open);
+    EXPECT_EQ(shown.origin.kind, sim::DecoderOrigin::Kind::signal);
+    EXPECT_EQ(shown.origin.signalKind, static_cast<uint32_t>(QLX_SOURCE_TYPE_AV_CVBS));
+    EXPECT_EQ(shown.info.uFrameWidth, 720);
+    sim::AudioPlayed played = sim::audioPlayed(0);
+    EXPECT_EQ(played.origin.kind, sim::DecoderOrigin::Kind::signal);
+    EXPECT_EQ(played.volume, 50u);
+    EXPECT_FALSE(played.muted) << "another source of the decoder is";
+    EXPECT_EQ(QLX_AudioPause(0), 0);
+    EXPECT_TRUE(sim::audioPlayed(0).paused);
+    set(true, false);
+    sim::sleepMs(10);
+    EXPECT_EQ(sim::videoShown(0).origin.kind, sim::DecoderOrigin::Kind::signal) << "frozen";
+    EXPECT_EQ(sim::audioPlayed(0).origin.kind, sim::DecoderOrigin::Kind::nothing) << "silent";
+}
+
+}  // namespace
