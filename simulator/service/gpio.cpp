@@ -1,4 +1,5 @@
-// GPIO: every pin number exists; what is driven is what is read.
+// GPIO: every pin number exists; what is driven is what is read. Two pins lead to the amplifier
+// (amplifier.h).
 //
 // State rules: initialisation is a flag. Reading and driving need it; the not-initialised check
 // comes before that of the arguments.
@@ -8,6 +9,7 @@
 #include "platform/qlx_gpio.h"
 #include "simulator/core/family.h"
 #include "simulator/core/sim.h"
+#include "simulator/service/amplifier.h"
 
 namespace {
 
@@ -58,6 +60,7 @@ int32_t QLX_GPIOSetValue(uint32_t pin, int32_t level) {
     if (level != 0 && level != 1)
         SIM_RETURN(QLX_GPIO_ERR_INVALID_PARA);
     state().levels[pin] = level;
+    sim::amplifierPin(pin, level);
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -65,6 +68,7 @@ static void reset() {
     std::lock_guard<std::mutex> lock(state().mutex);
     state().initialised = false;
     state().levels.clear();
+    sim::resetAmplifier();
 }
 
 static void describe(std::string* out) {

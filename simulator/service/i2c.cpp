@@ -2,7 +2,7 @@
 //
 // A chip keeps what is written to its registers. One that is not on the board does not acknowledge.
 // The board takes its chips from the same configuration as the cases, so an address there that is
-// wrong for the hardware does not show here.
+// wrong for the hardware does not show here. The amplifier is a chip of its own (amplifier.h).
 //
 // State rules: initialisation is a flag, its end closes all buses. A bus opens once, and carries
 // transfers while it is open.
@@ -15,6 +15,7 @@
 #include "simulator/core/board.h"
 #include "simulator/core/family.h"
 #include "simulator/core/sim.h"
+#include "simulator/service/amplifier.h"
 
 namespace sim {
 
@@ -45,17 +46,13 @@ I2CState& state() {
     return *instance;
 }
 
-/** Chips on the board: the test chip and the amplifier of the platform's common configuration, and
- *  those that the board file lists as CHIP0=0xBAA of section I2C (B the bus, AA the address). */
+/** Chips on the board beside the amplifier: the test chip of the platform's common configuration,
+ * and those that the board file lists as CHIP0=0xBAA of section I2C (B the bus, AA the address). */
 bool chipExists(uint32_t bus, uint8_t address) {
     sim::Cfg common;
     common.load(sim::platformFile("common_config.cfg"));
-    auto named = [&](const char* section, const char* key) {
-        return common.has(section, key) && common.number(section, key) == address;
-    };
-    if (common.number("IIC", "IIC_DEV_BUS_ID") == bus && named("IIC", "IIC_DEV_ADDR"))
-        return true;
-    if (bus == QLX_I2C_0 && named("AMP", "AMP_I2C_ADDR"))
+    if (common.number("IIC", "IIC_DEV_BUS_ID") == bus && common.has("IIC", "IIC_DEV_ADDR") &&
+        common.number("IIC", "IIC_DEV_ADDR") == address)
         return true;
     for (int i = 0;; i++) {
         std::string key = "CHIP" + std::to_string(i);
@@ -69,7 +66,7 @@ bool chipExists(uint32_t bus, uint8_t address) {
 bool transferAllowed(uint32_t busId, const QLX_I2CConfig* config) {
     return state().initialised && busId < busCount && state().open[busId] && config != nullptr &&
            config->registerAddressLength <= maxRegisterAddressLength &&
-           chipExists(busId, config->chipAddress);
+           (sim::amplifierAt(busId, config->chipAddress) || chipExists(busId, config->chipAddress));
 }
 
 uint32_t firstRegister(const QLX_I2CConfig& config) {
@@ -77,6 +74,27 @@ uint32_t firstRegister(const QLX_I2CConfig& config) {
     for (uint32_t i = 0; i < config.registerAddressLength; i++)
         address |= static_cast<uint32_t>(config.registerAddress[i]) << (8 * i);
     return address;
+}
+
+/** False when the chip does not acknowledge. */
+bool readChip(uint32_t bus, const QLX_I2CConfig& config, uint8_t* data, uint32_t size) {
+    uint32_t first = firstRegister(config);
+    if (sim::amplifierAt(bus, config.chipAddress))
+        return sim::amplifierRead(first, data, size);
+    auto& registers = state().registers[{bus, config.chipAddress}];
+    for (uint32_t i = 0; i < size; i++)
+        data[i] = registers[(first + i) % registerSpace];
+    return true;
+}
+
+bool writeChip(uint32_t bus, const QLX_I2CConfig& config, const uint8_t* data, uint32_t size) {
+    uint32_t first = firstRegister(config);
+    if (sim::amplifierAt(bus, config.chipAddress))
+        return sim::amplifierWrite(first, data, size);
+    auto& registers = state().registers[{bus, config.chipAddress}];
+    for (uint32_t i = 0; i < size; i++)
+        registers[(first + i) % registerSpace] = data[i];
+    return true;
 }
 
 }  // namespace
@@ -123,10 +141,8 @@ int32_t QLX_I2CRead(uint32_t busId, const QLX_I2CConfig* config, uint32_t buffer
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!transferAllowed(busId, config) || buffer == nullptr || readLength == nullptr)
         SIM_RETURN(QLX_FAILED);
-    auto& registers = state().registers[{busId, config->chipAddress}];
-    uint32_t first = firstRegister(*config);
-    for (uint32_t i = 0; i < bufferLength; i++)
-        buffer[i] = registers[(first + i) % registerSpace];
+    if (!readChip(busId, *config, buffer, bufferLength))
+        SIM_RETURN(QLX_FAILED);
     *readLength = bufferLength;
     simCall.output(
         {sim::bytesValue("buffer", buffer, bufferLength), sim::marked("length", readLength)});
@@ -142,10 +158,8 @@ int32_t QLX_I2CWrite(uint32_t busId, const QLX_I2CConfig* config, const uint8_t*
     std::lock_guard<std::mutex> lock(state().mutex);
     if (!transferAllowed(busId, config) || data == nullptr || writtenLength == nullptr)
         SIM_RETURN(QLX_FAILED);
-    auto& registers = state().registers[{busId, config->chipAddress}];
-    uint32_t first = firstRegister(*config);
-    for (uint32_t i = 0; i < dataLength; i++)
-        registers[(first + i) % registerSpace] = data[i];
+    if (!writeChip(busId, *config, data, dataLength))
+        SIM_RETURN(QLX_FAILED);
     *writtenLength = dataLength;
     simCall.output({sim::marked("length", writtenLength)});
     SIM_RETURN(QLX_SUCCESS);

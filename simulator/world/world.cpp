@@ -3,6 +3,7 @@
 #include <mutex>
 #include <utility>
 
+#include "simulator/core/capture.h"
 #include "simulator/core/outside.h"
 #include "simulator/core/sim.h"
 
@@ -69,6 +70,8 @@ bool changeWorld(const std::string& event) {
     words.next(&what);
     if (what == "in")
         return announce(words);
+    if (what == "capture")
+        return capture(words);
     for (const WorldPart* part : parts) {
         if (what != part->word)
             continue;

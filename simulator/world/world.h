@@ -40,7 +40,8 @@ extern const WorldPart stationPart;
 
 /**
  * An event: "cable 0 out", or "in 500 cable 0 out" for one that comes 500 ms later by itself. When
- * it returns, all who listen have been told.
+ * it returns, all who listen have been told. "capture WHAT FILE" changes nothing, and writes what
+ * there is to be seen (core/capture.h).
  * @return false when no part of the world knows the event
  */
 bool changeWorld(const std::string& event);

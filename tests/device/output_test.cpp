@@ -10,6 +10,7 @@
 #include "platform/qlx_demux.h"
 #include "platform/qlx_display.h"
 #include "platform/qlx_extin.h"
+#include "platform/qlx_video.h"
 #include "platform/qlx_vout.h"
 #include "tests/shared/device.h"
 
@@ -101,6 +102,13 @@ TEST_F(SimOutput, AVideoOutputNeedsASourceOfItsKind) {
     EXPECT_EQ(QLX_ExtInClose(&hdmi0), 0);
     EXPECT_EQ(openOn(0, QLX_SOURCE_TYPE_HDMI, 0), QLX_FAILED);
     EXPECT_EQ(QLX_VOutOpen(0, nullptr), invalid);
+    // With a decoder open its source is up, whatever the program names.
+    QLX_VideoAttr attr = {QLX_SOURCE_TYPE_DEMUX, 3, 0, 1};
+    EXPECT_EQ(QLX_VideoInit(), 0);
+    EXPECT_EQ(QLX_VideoOpen(1, &attr), 0);
+    EXPECT_EQ(openOn(2, QLX_SOURCE_TYPE_HDMI, 0), 0);
+    EXPECT_EQ(QLX_VideoDeInit(), 0);
+    EXPECT_EQ(QLX_VOutClose(2), 0);
     EXPECT_EQ(deviceState(),
               "Demux initialised\nDemux 3 open\nExtIn initialised\n"
               "VOut initialised\nVOut 0 open\nVOut 1 open\n");

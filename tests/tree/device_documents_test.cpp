@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "simulator/core/board.h"
+#include "simulator/core/capture.h"
 #include "simulator/world/air.h"
 #include "simulator/world/wake_up.h"
 #include "simulator/world/world.h"
@@ -148,16 +149,19 @@ TEST(SimDocuments, EveryEventIsTold) {
     std::string document = readTree("docs/simulator-events.md");
     // Events stand in the tables' first column, or as a pattern on a line of its own.
     Words told = findAll(document, "\n(?:\\| `|    (?!export))([a-z]+) [A-Z0-9]");
-    Words known = {"in"};
+    Words known = {"in", "capture"};
     for (const sim::WorldPart* part : sim::worldParts())
         known.insert(part->word);
-    EXPECT_EQ(known.size(), sim::worldParts().size() + 1) << "two parts with one word";
+    EXPECT_EQ(known.size(), sim::worldParts().size() + 2) << "two parts with one word";
     told.insert("in");
     EXPECT_EQ(told, known);
     Words sources;
     for (const sim::WakeUpSource& source : sim::wakeUpSources())
         sources.insert(source.name);
     EXPECT_EQ(findAll(chapter(document, "## Power"), "\n\\| `([a-z]+)` \\|"), sources);
+    std::vector<std::string> captures = sim::captureWords();
+    EXPECT_EQ(findAll(chapter(document, "## What can be looked at"), "\n\\| `([a-z]+)[^`]*` \\|"),
+              Words(captures.begin(), captures.end()));
 }
 
 TEST(SimDocuments, EnvironmentVariablesAreThoseOfTheArchitecture) {

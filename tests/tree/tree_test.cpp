@@ -256,6 +256,7 @@ TEST(Tree, DeclaredFunctionsAreUsed) {
         {"qlx_sim_faults_acted", control},
         {"reloadBoard", control},
         {"tc_pass", laterModule},
+        {"captureWords", control},
         {"channelsOf", control},
         {"transmitterKeyNames", control},
         {"tsFilePlace", control},
