@@ -170,10 +170,10 @@ TEST_F(TunerCases, ASweepNeedsTwoChannelsAndAnAnswerToEach) {
 }
 
 TEST_F(TunerCases, AWalkAgainstTheClockMayTakeASecondAStep) {
-    // 26 s of 56 s are used: ten locks, and silence of the others until the demodulator gives up.
+    // 25.6 s of 56 s are used: twelve locks, and silence of the others until the demodulator ends.
     const char name[] = "TC_TUNER_ATSCT_Tuning_031";
-    EXPECT_EQ(runCase(name, "QLX_TunerGetSignalInfo call=56 delay=29999"), PASS);
-    EXPECT_EQ(runCase(name, "QLX_TunerGetSignalInfo call=56 delay=30000"), FAIL);
+    EXPECT_EQ(runCase(name, "QLX_TunerGetSignalInfo call=56 delay=30399"), PASS);
+    EXPECT_EQ(runCase(name, "QLX_TunerGetSignalInfo call=56 delay=30400"), FAIL);
     takeOutput();
     event("air ATSC-T ON=0");
     EXPECT_EQ(runCase(name), PASS) << "it is the time that counts, not the channels";

@@ -126,17 +126,6 @@ INSTANTIATE_TEST_SUITE_P(OnTheAir, Agreement,
                              return name.substr(0, name.find('.'));
                          });
 
-Bytes variantOf(const std::string& name) {
-    const Multiplex& multiplex = multiplexOf("dvbt_main.ts");
-    for (size_t i = 0; i < variantCount; i++) {
-        if (name == variants[i].name)
-            return variants[i].make(multiplex, streamOf("dvbt_main.ts"),
-                                    tablesOf(shippedLineUp(), multiplex));
-    }
-    ADD_FAILURE() << "no variant " << name;
-    return Bytes();
-}
-
 TEST(AgreementOfVariants, ChangedDamagedAndPaddedTablesAreDeliveredAsTheyAre) {
     for (const char* name : {"version_changes", "crc_damaged", "adaptation"}) {
         Bytes stream = variantOf(name);

@@ -39,6 +39,18 @@ const TransportStream& streamOf(const std::string& file) {
     return stream;
 }
 
+Bytes variantOf(const std::string& name) {
+    for (size_t i = 0; i < variantCount; i++) {
+        if (name != variants[i].name)
+            continue;
+        const Multiplex& multiplex = shippedLineUp().multiplexes[variants[i].multiplex];
+        return variants[i].make(multiplex, streamOf(multiplex.file),
+                                tablesOf(shippedLineUp(), multiplex));
+    }
+    ADD_FAILURE() << "no variant " << name;
+    return Bytes();
+}
+
 Bytes tableStreamOf(const Multiplex& multiplex) {
     MultiplexInput input = {tablesOf(shippedLineUp(), multiplex), {}, 0x1FFF, loopTicks(multiplex)};
     TransportStream stream;

@@ -18,6 +18,9 @@ const Multiplex& multiplexOf(const std::string& file);
 /** The stream of a file, made on first use. */
 const TransportStream& streamOf(const std::string& file);
 
+/** A stream for tests. */
+Bytes variantOf(const std::string& name);
+
 /** The tables of a multiplex alone, as a stream: quickly made. */
 Bytes tableStreamOf(const Multiplex& multiplex);
 

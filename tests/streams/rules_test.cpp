@@ -203,18 +203,8 @@ INSTANTIATE_TEST_SUITE_P(LineUp, OnAir,
 
 /* The streams for tests ------------------------------------------------------------------------ */
 
-Bytes variant(const char* name) {
-    const Multiplex& multiplex = multiplexOf("dvbt_main.ts");
-    for (size_t i = 0; i < variantCount; i++)
-        if (std::string(variants[i].name) == name)
-            return variants[i].make(multiplex, streamOf("dvbt_main.ts"),
-                                    tablesOf(shippedLineUp(), multiplex));
-    ADD_FAILURE() << name;
-    return Bytes();
-}
-
 TEST(Variants, VersionsChangeInTheMiddle) {
-    Bytes bytes = variant("version_changes");
+    Bytes bytes = variantOf("version_changes");
     const Bytes& good = streamOf("dvbt_main.ts").packets;
     ASSERT_EQ(bytes.size(), good.size());
     size_t middle = bytes.size() / packetSize / 2;
@@ -238,7 +228,7 @@ TEST(Variants, VersionsChangeInTheMiddle) {
 }
 
 TEST(Variants, DamagedSectionsFailTheirCrcAlone) {
-    Bytes bytes = variant("crc_damaged");
+    Bytes bytes = variantOf("crc_damaged");
     for (unsigned pid : {16u, 17u, 18u, 31u}) {
         size_t damaged = 0;
         for (const ReceivedSection& section : sectionsOf(bytes, pid))
@@ -251,7 +241,7 @@ TEST(Variants, DamagedSectionsFailTheirCrcAlone) {
 }
 
 TEST(Variants, ContinuityIsBroken) {
-    Bytes bytes = variant("discontinuous");
+    Bytes bytes = variantOf("discontinuous");
     std::map<unsigned, unsigned> counters;
     std::map<unsigned, int> gaps;
     int duplicates = 0;
@@ -271,7 +261,7 @@ TEST(Variants, ContinuityIsBroken) {
 }
 
 TEST(Variants, SectionsBeginBehindAdaptationFields) {
-    Bytes bytes = variant("adaptation");
+    Bytes bytes = variantOf("adaptation");
     const Multiplex& multiplex = multiplexOf("dvbt_main.ts");
     std::vector<PacketView> packets = packetsOf(bytes);
     size_t begun = 0;
@@ -291,7 +281,7 @@ TEST(Variants, SectionsBeginBehindAdaptationFields) {
 }
 
 TEST(Variants, LongPacketsAreTheGoodOnes) {
-    Bytes bytes = variant("packets_204");
+    Bytes bytes = variantOf("packets_204");
     const Bytes& good = streamOf("dvbt_main.ts").packets;
     ASSERT_EQ(bytes.size() / 204, good.size() / packetSize);
     for (size_t i = 0; i < good.size() / packetSize; i++)

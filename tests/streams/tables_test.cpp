@@ -50,12 +50,14 @@ TEST(Tables, NetworkOfDvb) {
         const char* file;
         const char* delivery;
         unsigned network;
+        unsigned multiplexes;
     };
-    for (const Row& row : {Row{"dvbt_main.ts", "5a", 0x3001}, Row{"dvbs_main.ts", "43", 0x70},
-                           Row{"dvbc_main.ts", "44", 0x2001}}) {
+    for (const Row& row :
+         {Row{"dvbt_main.ts", "5a", 0x3001, 12}, Row{"dvbs_main.ts", "43", 0x70, 9},
+          Row{"dvbc_main.ts", "44", 0x2001, 12}}) {
         // All three networks send the same transport streams.
         std::string streams;
-        for (unsigned i = 0; i < 9; i++)
+        for (unsigned i = 0; i < row.multiplexes; i++)
             streams += " " + text(0x401 + i) + "/12289 [41 " + row.delivery + "]";
         EXPECT_EQ(tablesOn(row.file, 16),
                   (Lines{"nit 40 " + text(row.network) + " [40]" + streams,
@@ -66,7 +68,7 @@ TEST(Tables, NetworkOfDvb) {
 
 TEST(Tables, ServicesOfDvb) {
     Lines lines = {"bat 4097 [47] 1025/12289 [41]", "sdt 42 1025 12289 1001sp [48]"};
-    for (unsigned i = 1; i < 9; i++)
+    for (unsigned i = 1; i < 12; i++)
         lines.insert("sdt 46 " + text(1025 + i) + " 12289 " + text(1001 + i) +
                      (i == 1   ? "sp"
                       : i == 8 ? "pc"

@@ -93,7 +93,7 @@ TEST_F(Tool, MakesTheSameBytesAndOnlyWhatChanged) {
     other.replace(other.find("PMT_PID=0x0220"), 14, "PMT_PID=0x0230");
     std::ofstream(channels) << other;
     EXPECT_EQ(run(arguments_).said, "dvbt_hd.ts: 6400 packets\n");
-    text.replace(text.find("FREQUENCY=482000"), 16, "FREQUENCY=538000");
+    text.replace(text.find("FREQUENCY=482000"), 16, "FREQUENCY=562000");
     std::ofstream(channels) << text;
     EXPECT_EQ(run(arguments_).said, both);
 }
@@ -104,7 +104,7 @@ TEST_F(Tool, RemovesWhatItMadeAndNobodyNames) {
     std::ofstream(out / "mine.ts") << "not made here";
     fs::path channels = folder_ / "config/common/channel_dvb_t.cfg";
     std::string text = contents(channels);
-    text.replace(text.find("CHANNEL_NUM=9"), 13, "CHANNEL_NUM=1");
+    text.replace(text.find("CHANNEL_NUM=12"), 14, "CHANNEL_NUM=1");
     std::ofstream(channels) << text;
     // With one multiplex less the network's tables are others, and so is what variants are made of.
     Outcome outcome = run(arguments_);

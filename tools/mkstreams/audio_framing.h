@@ -15,7 +15,9 @@ Bytes adtsFrame(const Bytes& accessUnit, int channels);
  *  `highEfficiency` the unit is of 24 kHz and signalled as the core of HE-AAC at 48 kHz. */
 Bytes latmFrame(const Bytes& accessUnit, int channels, bool highEfficiency);
 
-/** AC-4 sync frame number `count` of a stream (ETSI TS 103 190-1, annex G). */
+/** AC-4 sync frame number `count` of a stream (ETSI TS 103 190-1, annex G; TS 103 190-2). Its table
+ *  of contents tells twelve presentations: stereo in English, Spanish and Chinese in turn, and the
+ *  last one, of index 11, 5.1 in English. There is no sound in its substreams. */
 Bytes ac4Frame(size_t count);
 
 }  // namespace mkstreams

@@ -108,45 +108,60 @@ static Bytes videoDescriptors(const Multiplex& multiplex, const Channel& channel
     Bytes descriptors;
     if (multiplex.standard->family != Family::Atsc)
         putTag(descriptors, 0);
-    if (videoSpec(multiplex, channel).captions) {
-        // Caption service 1 in English, and the captions of line 21, field 1 (A/65, 6.9.2).
-        Bytes body = {0xC0 | 2, 'e', 'n', 'g', 0xC1, 0x3F, 0x3F, 'e', 'n', 'g', 0x7E, 0x3F, 0x3F};
+    bool captions = !videoSpecs(multiplex, channel).front().captions.empty();
+    if (captions && multiplex.standard->family == Family::Atsc) {
+        // Services 1, 2 and 8, and line 21 in both fields (A/65, 6.9.2).
+        static const struct {
+            const char* language;
+            unsigned service;
+        } services[] = {{"eng", 0xC1}, {"spa", 0xC2}, {"deu", 0xC8}, {"eng", 0x7E}, {"spa", 0x7F}};
+        Bytes body = {0xC0 | 5};
+        for (const auto& service : services) {
+            putText(body, service.language);
+            put8(body, service.service);
+            put16(body, 0x3FFF);  // for no beginners, and any shape of the picture
+        }
         putDescriptor(descriptors, 0x86, body);
     }
     return descriptors;
 }
 
-/** AC-3 audio stream descriptor (A/52 annex A). */
-static Bytes atscAc3Descriptor(int channels, bool description) {
+/** AC-3 audio stream descriptor (A/52 annex A). Sound that changes is told by its upper limit. */
+static Bytes atscAc3Descriptor(const std::vector<AudioSpec>& specs, bool description) {
+    int most = specs.back().channels;
+    bool exact = specs.size() == 1;
     BitWriter bits;
-    bits.put(0, 3);                        // 48 kHz
-    bits.put(8, 5);                        // bsid
-    bits.put(channels == 6 ? 14 : 10, 6);  // 384 or 192 kbit/s
-    bits.put(0, 2);                        // surround not indicated
-    bits.put(description ? 2 : 0, 3);      // bsmod: complete main, or visually impaired
-    bits.put(channels == 6 ? 7 : 2, 4);    // 3/2 or 2/0
-    bits.put(1, 1);                        // full service
-    bits.put(0, 8);                        // langcod
+    bits.put(0, 3);                                // 48 kHz
+    bits.put(8, 5);                                // bsid
+    bits.put(exact ? 0 : 1, 1);                    // this bit rate, or at most this
+    bits.put(most == 6 ? 14 : 10, 5);              // 384 or 192 kbit/s
+    bits.put(0, 2);                                // surround not indicated
+    bits.put(description ? 2 : 0, 3);              // bsmod: complete main, or visually impaired
+    bits.put(!exact ? 13 : most == 6 ? 7 : 2, 4);  // at most 6 channels; 3/2; 2/0
+    bits.put(1, 1);                                // full service
+    bits.put(0, 8);                                // langcod
     Bytes descriptor;
     putDescriptor(descriptor, 0x81, bits.bytes());
     return descriptor;
 }
 
 /** Stream type of a sound format, and the descriptor that names it, where one is needed. */
-static Component audioFormat(Family family, const AudioSpec& spec, bool description) {
+static Component audioFormat(Family family, const std::vector<AudioSpec>& specs, bool description) {
     bool dvb = family == Family::Dvb;
-    switch (spec.format) {
+    int most = specs.back().channels;
+    switch (specs.front().format) {
         case AUDIO_AC3:
             if (dvb)
                 return {0x06, 0, {0x6A, 1, 0x0F}};
-            return {0x81, 0, atscAc3Descriptor(spec.channels, description)};
+            return {0x81, 0, atscAc3Descriptor(specs, description)};
         case AUDIO_EAC3:
             if (dvb)
                 return {0x06, 0, {0x7A, 1, 0x0F}};
             return {0x87, 0, registration("EAC3")};
         case AUDIO_AAC:
             if (dvb)
-                return {0x11, 0, {0x7C, 2, 0x51, 0x7F}};
+                // AAC profile of level 2 or, for more than two channels, 4.
+                return {0x11, 0, {0x7C, 2, static_cast<uint8_t>(most > 2 ? 0x52 : 0x51), 0x7F}};
             return {0x0F, 0, {}};
         case AUDIO_HEAAC:
             return {0x11, 0, dvb ? Bytes{0x7C, 2, 0x58, 0x7F} : Bytes{}};
@@ -162,7 +177,8 @@ static void addAudio(const Multiplex& multiplex, const Channel& channel,
     Family family = multiplex.standard->family;
     for (unsigned i = 0; i < channel.audio.size(); i++) {
         const AudioComponent& audio = channel.audio[i];
-        Component format = audioFormat(family, audioSpec(multiplex, channel, i), audio.description);
+        Component format =
+            audioFormat(family, audioSpecs(multiplex, channel, i), audio.description);
         Component component = {format.streamType, audio.pid, {}};
         component.language = language(family, audio.description ? 0 : i);
         if (family == Family::Atsc && audio.format == AUDIO_AC3)

@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "tools/mkstreams/captions.h"
 #include "tools/mkstreams/content.h"
 #include "tools/mkstreams/private_data.h"
-#include "tools/mkstreams/user_data.h"
 
 namespace mkstreams {
 
@@ -52,24 +52,27 @@ static std::string joined(std::initializer_list<int64_t> values) {
 
 static std::string keyOf(const VideoSpec& s) {
     return joined({s.format, s.width, s.height, s.interlaced, s.rate, s.scale, s.aspectX, s.aspectY,
-                   s.gop, s.segment, s.hlg, s.afd, s.captions, s.tint});
+                   s.gop, s.segment, static_cast<int>(s.range), s.afd, s.letterbox, s.tint,
+                   frameTicks(s)}) +
+           s.captions;
 }
 
-static bool makeVideo(const VideoSpec& spec, int64_t duration, EncodedContent* encoded,
+/** Appends pictures from a time in the loop to another, repeating a coded segment. */
+static bool makeVideo(const VideoSpec& spec, int64_t from, int64_t to, EncodedContent* encoded,
                       PesStream* stream, std::string* error) {
     std::vector<CodedPicture>& pictures = encoded->pictures[keyOf(spec)];
-    CaptionSource captions;
-    if (spec.captions)
-        captions = captionData;
-    if (pictures.empty() && !encodeVideo(spec, captions, &pictures, error))
-        return false;
+    if (pictures.empty()) {
+        std::vector<Bytes> captions;
+        if (!spec.captions.empty())
+            captions = captionLoop(spec.captions, static_cast<size_t>(spec.segment));
+        if (!encodeVideo(spec, captions, &pictures, error))
+            return false;
+    }
     int64_t frame = frameTicks(spec);
-    int64_t segmentTicks = frame * spec.segment;
-    for (int64_t segment = 0; segment * segmentTicks < duration; segment++) {
+    for (int64_t segment = from; segment < to; segment += frame * spec.segment) {
         for (const CodedPicture& picture : pictures) {
-            int64_t begin = pictureDelay + segment * segmentTicks;
-            int64_t dts = begin + picture.decodeTime * frame;
-            int64_t pts = begin + picture.presentationTime * frame;
+            int64_t dts = pictureDelay + segment + picture.decodeTime * frame;
+            int64_t pts = pictureDelay + segment + picture.presentationTime * frame;
             int64_t earliest = dts - pictureDelay - picturePrefetch;
             stream->packets.push_back({pesPacket(streamIdVideo, pts, dts, picture.data),
                                        earliest < 0 ? 0 : earliest, dts - margin,
@@ -79,19 +82,21 @@ static bool makeVideo(const VideoSpec& spec, int64_t duration, EncodedContent* e
     return true;
 }
 
-/** A sound component of a channel. */
+/** What a sound component plays for a part of the loop. */
 struct Sound {
     AudioSpec spec;
     AacFraming framing;
     unsigned component;
-    size_t frames; /**< in the loop */
+    size_t frames;
 };
 
 static std::string keyOf(const Sound& sound) {
     return joined({sound.spec.format, sound.spec.channels, sound.spec.tone,
-                   static_cast<int>(sound.framing), static_cast<int64_t>(sound.frames)});
+                   static_cast<int>(sound.framing), static_cast<int64_t>(sound.frames),
+                   frameTicks(sound.spec)});
 }
 
+/** Appends frames of sound behind those that are there. */
 static bool makeSound(const Sound& sound, EncodedContent* encoded, PesStream* stream,
                       std::string* error) {
     const AudioSpec& spec = sound.spec;
@@ -102,14 +107,19 @@ static bool makeSound(const Sound& sound, EncodedContent* encoded, PesStream* st
         spec.format == AUDIO_AC3 || spec.format == AUDIO_EAC3 || spec.format == AUDIO_AC4;
     uint8_t streamId =
         isPrivate ? PES_STREAM_ID_PRIVATE_1 : static_cast<uint8_t>(streamIdAudio + sound.component);
-    for (size_t k = 0; k < frames.size(); k++) {
-        int64_t pts = soundDelay + static_cast<int64_t>(k) * frameTicks(spec);
-        // The last ones may come a little sooner: the very last takes up to 16 packets.
-        int64_t prefetch = soundPrefetch + (k + 3 < frames.size() ? 0 : lastPrefetch);
-        stream->packets.push_back({pesPacket(streamId, pts, pts, frames[k]),
-                                   pts - prefetch - margin, pts - margin, false});
+    for (const Bytes& frame : frames) {
+        int64_t pts = soundDelay + static_cast<int64_t>(stream->packets.size()) * frameTicks(spec);
+        stream->packets.push_back({pesPacket(streamId, pts, pts, frame),
+                                   pts - soundPrefetch - margin, pts - margin, false});
     }
     return true;
+}
+
+/** The last frames may come a little sooner: the very last takes up to 16 packets. */
+static void hastenLast(PesStream* stream) {
+    size_t count = stream->packets.size();
+    for (size_t k = count - std::min<size_t>(count, 3); k < count; k++)
+        stream->packets[k].earliest -= lastPrefetch;
 }
 
 /** Spreads data over the loop: each piece of every cycle in a PES packet of its own. */
@@ -133,16 +143,41 @@ static void planPrivate(uint16_t pid, int64_t duration, const PrivateSource& sou
                       }});
 }
 
+static void planVideo(const Multiplex& multiplex, const Channel& channel, int64_t duration,
+                      std::vector<StreamPlan>* plans) {
+    std::vector<VideoSpec> specs = videoSpecs(multiplex, channel);
+    std::string content = "video";
+    for (const VideoSpec& spec : specs)
+        content += " " + keyOf(spec);
+    plans->push_back({channel.videoPid, content,
+                      [=](EncodedContent* encoded, PesStream* stream, std::string* error) {
+                          auto count = static_cast<int64_t>(specs.size());
+                          for (int64_t i = 0; i < count; i++)
+                              if (!makeVideo(specs[static_cast<size_t>(i)], duration * i / count,
+                                             duration * (i + 1) / count, encoded, stream, error))
+                                  return false;
+                          return true;
+                      }});
+}
+
 static void planSound(const Multiplex& multiplex, const Channel& channel, unsigned component,
                       int64_t duration, std::vector<StreamPlan>* plans) {
-    AudioSpec spec = audioSpec(multiplex, channel, component);
+    std::vector<Sound> parts;
+    std::string content = "sound " + std::to_string(component);
+    std::vector<AudioSpec> specs = audioSpecs(multiplex, channel, component);
     bool dvb = multiplex.standard->family == Family::Dvb;
-    Sound sound = {spec, dvb ? AacFraming::Latm : AacFraming::Adts, component,
-                   static_cast<size_t>(duration / frameTicks(spec))};
-    plans->push_back({channel.audio[component].pid,
-                      "sound " + keyOf(sound) + joined({component, frameTicks(spec)}),
+    for (const AudioSpec& spec : specs) {
+        auto frames = static_cast<size_t>(duration / frameTicks(spec)) / specs.size();
+        parts.push_back({spec, dvb ? AacFraming::Latm : AacFraming::Adts, component, frames});
+        content += " " + keyOf(parts.back());
+    }
+    plans->push_back({channel.audio[component].pid, content,
                       [=](EncodedContent* encoded, PesStream* stream, std::string* error) {
-                          return makeSound(sound, encoded, stream, error);
+                          for (const Sound& part : parts)
+                              if (!makeSound(part, encoded, stream, error))
+                                  return false;
+                          hastenLast(stream);
+                          return true;
                       }});
 }
 
@@ -153,13 +188,8 @@ static bool isPlanned(const std::vector<StreamPlan>& plans, uint16_t pid) {
 
 void planStreams(const Multiplex& multiplex, const Channel& channel, int64_t duration,
                  std::vector<StreamPlan>* plans) {
-    if (channel.videoPid != 0) {
-        VideoSpec spec = videoSpec(multiplex, channel);
-        plans->push_back({channel.videoPid, "video " + keyOf(spec) + joined({frameTicks(spec)}),
-                          [=](EncodedContent* encoded, PesStream* stream, std::string* error) {
-                              return makeVideo(spec, duration, encoded, stream, error);
-                          }});
-    }
+    if (channel.videoPid != 0)
+        planVideo(multiplex, channel, duration, plans);
     for (unsigned i = 0; i < channel.audio.size(); i++)
         planSound(multiplex, channel, i, duration, plans);
     Family family = multiplex.standard->family;

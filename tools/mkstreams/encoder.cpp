@@ -51,8 +51,11 @@ static const uint8_t bars[8][3] = {{180, 128, 128}, {162, 44, 142}, {131, 156, 4
 /** Colour of a place in a picture, plane 0 to 2, in the coordinates of the luminance. */
 static unsigned sampleAt(const VideoSpec& spec, int64_t frame, int x, int y, int plane) {
     int cell = std::max(16, spec.width / 45 / 16 * 16);
+    int bar = spec.letterbox ? (spec.height / 8 + 8) / 16 * 16 : 0;
+    if (y < bar || y >= spec.height - bar)
+        return plane == 0 ? 16 : 128;
     int column = x / cell;
-    int row = y / cell;
+    int row = (y - bar) / cell;
     int columns = spec.width / cell;
     // The row of squares counts the frames of the segment, the lowest bit at the right.
     if (row == 1 && column >= columns - 12 && column < columns - 2) {
@@ -62,13 +65,14 @@ static unsigned sampleAt(const VideoSpec& spec, int64_t frame, int x, int y, int
     // The box moves by a cell a frame and is back where it began at the end of the segment.
     if (row >= 4 && row < 6 && column == static_cast<int>(frame % spec.segment % columns))
         return plane == 0 ? 210 : plane == 1 ? 90 + 4 * spec.tint : 166 - 4 * spec.tint;
-    unsigned bar = static_cast<unsigned>(x / ((spec.width / 8 + 15) / 16 * 16)) + spec.tint;
-    return bars[bar % 8][plane];
+    unsigned colour = static_cast<unsigned>(x / ((spec.width / 8 + 15) / 16 * 16)) + spec.tint;
+    return bars[colour % 8][plane];
 }
 
 /** Draws a picture cell by cell: all structure lies on a raster of 16 by 16 samples. */
 static void drawPicture(const VideoSpec& spec, int64_t frame, AVFrame* picture) {
-    int bytesPerSample = spec.hlg ? 2 : 1;
+    bool deep = spec.range != Range::Standard;
+    int bytesPerSample = deep ? 2 : 1;
     for (int plane = 0; plane < 3; plane++) {
         int shift = plane == 0 ? 0 : 1;
         int size = 16 >> shift;
@@ -83,7 +87,7 @@ static void drawPicture(const VideoSpec& spec, int64_t frame, AVFrame* picture) 
             }
             for (int x = 0; x < width; x++) {
                 unsigned value = sampleAt(spec, frame, x << shift, y << shift, plane);
-                if (spec.hlg) {
+                if (deep) {
                     // 10 bits, little end first.
                     line[2 * x] = static_cast<uint8_t>(value << 2);
                     line[2 * x + 1] = static_cast<uint8_t>(value >> 6);
@@ -113,6 +117,12 @@ static const VideoCodec videoCodecs[] = {
 };
 // clang-format on
 
+/** A mastering display of 1000 cd/m2 with the primaries of DCI-P3 (units of 0.00002 and 0.0001
+ *  cd/m2), and the brightest sample and frame in cd/m2. */
+static const char staticMetadata[] =
+    ":master-display=G(13250,34500)B(7500,3000)R(34000,16000)WP(15635,16450)L(10000000,50)"
+    ":max-cll=1000,400";
+
 static void setPrivateOptions(const VideoSpec& spec, AVCodecContext* context) {
     std::string keyint = std::to_string(spec.gop);
     std::string common = "keyint=" + keyint + ":min-keyint=" + keyint +
@@ -122,8 +132,12 @@ static void setPrivateOptions(const VideoSpec& spec, AVCodecContext* context) {
         av_opt_set(context->priv_data, "x264-params", (common + ":threads=1").c_str(), 0);
     } else if (spec.format == VIDEO_HEVC) {
         std::string params = common + ":pools=none:frame-threads=1:log-level=none:info=0";
-        if (spec.hlg)
-            params += ":colorprim=bt2020:transfer=arib-std-b67:colormatrix=bt2020nc:atc-sei=18";
+        if (spec.range != Range::Standard)
+            params += std::string(":colorprim=bt2020:colormatrix=bt2020nc") + staticMetadata;
+        if (spec.range == Range::Hlg)
+            params += ":transfer=arib-std-b67:atc-sei=18";
+        if (spec.range == Range::Pq)
+            params += ":transfer=smpte2084";
         av_opt_set(context->priv_data, "preset", "ultrafast", 0);
         av_opt_set(context->priv_data, "x265-params", params.c_str(), 0);
     } else {
@@ -132,15 +146,16 @@ static void setPrivateOptions(const VideoSpec& spec, AVCodecContext* context) {
     }
 }
 
-/** Colours of 625 lines, 525 lines, high definition, or HLG. */
+/** Colours of 625 lines, 525 lines, high definition, or BT.2100. */
 static void setColours(const VideoSpec& spec, AVCodecContext* context) {
     context->color_range = AVCOL_RANGE_MPEG;
     context->color_primaries = AVCOL_PRI_BT709;
     context->color_trc = AVCOL_TRC_BT709;
     context->colorspace = AVCOL_SPC_BT709;
-    if (spec.hlg) {
+    if (spec.range != Range::Standard) {
         context->color_primaries = AVCOL_PRI_BT2020;
-        context->color_trc = AVCOL_TRC_ARIB_STD_B67;
+        context->color_trc =
+            spec.range == Range::Hlg ? AVCOL_TRC_ARIB_STD_B67 : AVCOL_TRC_SMPTE2084;
         context->colorspace = AVCOL_SPC_BT2020_NCL;
     } else if (spec.height <= 576) {
         context->color_primaries = spec.height == 576 ? AVCOL_PRI_BT470BG : AVCOL_PRI_SMPTE170M;
@@ -165,8 +180,8 @@ static Context openVideo(const VideoSpec& spec, const VideoCodec& codec, std::st
     context->time_base = {spec.scale, spec.rate};
     context->framerate = {spec.rate, spec.scale};
     context->gop_size = spec.gop;
-    context->max_b_frames = spec.captions ? 0 : codec.bFrames;
-    context->pix_fmt = spec.hlg ? AV_PIX_FMT_YUV420P10 : AV_PIX_FMT_YUV420P;
+    context->max_b_frames = codec.bFrames;
+    context->pix_fmt = spec.range == Range::Standard ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV420P10;
     context->bit_rate =
         static_cast<int64_t>(spec.width) * spec.height / 1000 * codec.bitRatePerKilopixel;
     context->rc_max_rate = context->bit_rate;
@@ -197,7 +212,7 @@ static bool drainVideo(AVCodecContext* context, std::vector<CodedPicture>* pictu
     return code == AVERROR(EAGAIN) || code == AVERROR_EOF;
 }
 
-static bool encodePictures(const VideoSpec& spec, const CaptionSource& captions,
+static bool encodePictures(const VideoSpec& spec, const std::vector<Bytes>& captions,
                            AVCodecContext* context, std::vector<CodedPicture>* pictures) {
     for (int frame = 0; frame < spec.segment; frame++) {
         // A frame of its own each time: the encoder may keep it for a while.
@@ -212,8 +227,8 @@ static bool encodePictures(const VideoSpec& spec, const CaptionSource& captions,
         picture->interlaced_frame = spec.interlaced ? 1 : 0;
         picture->top_field_first = spec.interlaced ? 1 : 0;
         picture->pict_type = frame % spec.gop == 0 ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
-        if (captions) {
-            Bytes data = captions(frame);
+        if (!captions.empty()) {
+            const Bytes& data = captions[static_cast<size_t>(frame)];
             AVFrameSideData* side =
                 av_frame_new_side_data(picture.get(), AV_FRAME_DATA_A53_CC, data.size());
             if (side == nullptr)
@@ -226,7 +241,7 @@ static bool encodePictures(const VideoSpec& spec, const CaptionSource& captions,
     return avcodec_send_frame(context, nullptr) >= 0 && drainVideo(context, pictures);
 }
 
-bool encodeVideo(const VideoSpec& spec, const CaptionSource& captions,
+bool encodeVideo(const VideoSpec& spec, const std::vector<Bytes>& captions,
                  std::vector<CodedPicture>* pictures, std::string* error) {
     pictures->clear();
     const VideoCodec* codec =
@@ -286,7 +301,11 @@ static Context openAudio(const AudioSpec& spec, const AudioCodec& codec, std::st
     }
     context->sample_rate = codec.rate;
     context->sample_fmt = encoder->sample_fmts[0];
-    if (spec.channels == 6)
+    // AAC's configuration 6 names the rear channels after the back, AC-3 after the sides.
+    bool aac = spec.format == AUDIO_AAC || spec.format == AUDIO_HEAAC;
+    if (spec.channels == 6 && aac)
+        context->ch_layout = AV_CHANNEL_LAYOUT_5POINT1_BACK;
+    else if (spec.channels == 6)
         context->ch_layout = AV_CHANNEL_LAYOUT_5POINT1;
     else
         av_channel_layout_default(&context->ch_layout, spec.channels);
@@ -305,12 +324,19 @@ static Context openAudio(const AudioSpec& spec, const AudioCodec& codec, std::st
     return context;
 }
 
-/** A tone that fits whole into the frames of every format, at -20 dB, an octave up in the right. */
+/** A tone that fits whole into the frames of every format, at -20 dB: in each channel a multiple of
+ *  that of the left one, in the low frequency channel one low enough for it. */
 static double toneAt(const AudioSpec& spec, int rate, int64_t sample, int channel) {
     static const double pi = 3.14159265358979323846;
-    int frequency = 375 * (1 + static_cast<int>(spec.tone) % 5) * (channel == 1 ? 2 : 1);
-    int64_t phase = sample * frequency % rate;
-    return 0.1 * sin(2 * pi * static_cast<double>(phase) / rate);
+    static const int lowFrequency = 3;  // the fourth of FFmpeg's order of 5.1
+    static const int multiples[] = {1, 2, 3, 0, 4, 5};
+    // In quarters of a hertz.
+    int64_t frequency =
+        int64_t{4} * 375 * (1 + static_cast<int>(spec.tone) % 5) * multiples[channel];
+    if (channel == lowFrequency)
+        frequency = 375;
+    int64_t phase = sample * frequency % (int64_t{4} * rate);
+    return 0.1 * sin(pi / 2 * static_cast<double>(phase) / rate);
 }
 
 static void fillSound(const AudioSpec& spec, const AVCodecContext* context, int64_t first,

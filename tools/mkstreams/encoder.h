@@ -8,7 +8,6 @@
 #ifndef TOOLS_MKSTREAMS_ENCODER_H
 #define TOOLS_MKSTREAMS_ENCODER_H
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,11 +24,9 @@ struct CodedPicture {
     bool randomAccess;
 };
 
-/** cc_data of a picture (ATSC A/53 part 4, 6.2.3): triplets of cc_valid and type, and two bytes. */
-using CaptionSource = std::function<Bytes(int64_t frame)>;
-
-/** Encodes a segment of pictures. `captions` may be empty. On failure false and a message. */
-bool encodeVideo(const VideoSpec& spec, const CaptionSource& captions,
+/** Encodes a segment of pictures. `captions` has the cc_data of each (ATSC A/53 part 4, 6.2.3), in
+ *  the order of presentation, or is empty. On failure false and a message. */
+bool encodeVideo(const VideoSpec& spec, const std::vector<Bytes>& captions,
                  std::vector<CodedPicture>* pictures, std::string* error);
 
 /** How frames of AAC are framed in the stream. */

@@ -14,14 +14,13 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
 #include <string>
 #include <thread>
 
+#include "tools/common/files.h"
 #include "tools/common/options.h"
 #include "tools/mkstreams/maker.h"
 
@@ -42,11 +41,6 @@ struct Made {
     size_t packets;
     int64_t packetTicks;
 };
-
-static std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
 
 /** Writes a file whole or not at all, so that it lasts. */
 static bool writeFile(const fs::path& path, const void* data, size_t size) {
@@ -76,7 +70,7 @@ static int64_t changeTime(const fs::path& file) {
 static bool isCurrent(const fs::path& file, uint64_t hash, Made* made) {
     uint64_t stamped = 0;
     int64_t changed = 0;
-    if (sscanf(readFile(stampPath(file)).c_str(), "%" SCNx64 " %zu %zu %" SCNd64 " %" SCNd64,
+    if (sscanf(readText(stampPath(file)).c_str(), "%" SCNx64 " %zu %zu %" SCNd64 " %" SCNd64,
                &stamped, &made->packetBytes, &made->packets, &made->packetTicks, &changed) != 5)
         return false;
     std::error_code failure;
@@ -185,17 +179,30 @@ static std::string variantFile(const Variant& variant) {
     return std::string("test_") + variant.name + ".ts";
 }
 
+/** A multiplex of which variants are made, and its good stream when that has been made. */
+struct VariantSource {
+    uint64_t hash = 0;
+    std::vector<Burst> bursts;
+    TransportStream good;
+};
+
 /** Makes the variants, or without the option only notes those that are there and current. */
 static void makeVariants(Run& run) {
-    const Multiplex& multiplex = run.lineUp.multiplexes.front();
-    uint64_t goodHash = inputsHash(inputsOf(run.lineUp, multiplex));
-    std::vector<Burst> bursts = tablesOf(run.lineUp, multiplex);
     EncodedContent encoded;
-    TransportStream good;
+    std::map<size_t, VariantSource> sources;
     for (size_t i = 0; i < variantCount; i++) {
-        std::string name = variantFile(variants[i]);
+        const Variant& variant = variants[i];
+        if (variant.multiplex >= run.lineUp.multiplexes.size())
+            continue;
+        const Multiplex& multiplex = run.lineUp.multiplexes[variant.multiplex];
+        VariantSource& source = sources[variant.multiplex];
+        if (source.bursts.empty()) {
+            source.hash = inputsHash(inputsOf(run.lineUp, multiplex));
+            source.bursts = tablesOf(run.lineUp, multiplex);
+        }
+        std::string name = variantFile(variant);
         fs::path file = fs::path(run.options.out) / name;
-        uint64_t hash = variantHash(goodHash, name);
+        uint64_t hash = variantHash(source.hash, name);
         Made made = {};
         if (isCurrent(file, hash, &made)) {
             run.made[name] = made;
@@ -204,12 +211,13 @@ static void makeVariants(Run& run) {
         if (!run.options.variants || !wanted(run, name))
             continue;
         std::string error;
-        if (good.packets.empty() && !makeStream(run.lineUp, multiplex, &encoded, &good, &error)) {
+        if (source.good.packets.empty() &&
+            !makeStream(run.lineUp, multiplex, &encoded, &source.good, &error)) {
             complain(run, name, error);
-            return;
+            continue;
         }
-        Bytes bytes = variants[i].make(multiplex, good, bursts);
-        made = {variants[i].packetBytes, bytes.size() / variants[i].packetBytes, good.packetTicks};
+        Bytes bytes = variant.make(multiplex, source.good, source.bursts);
+        made = {variant.packetBytes, bytes.size() / variant.packetBytes, source.good.packetTicks};
         if (writeStream(file, bytes, hash, made))
             run.made[name] = made;
         else
@@ -292,7 +300,7 @@ static bool writeManifest(const Run& run) {
     put(head, "VARIANT_NUM", found);
     std::string text = head + body;
     fs::path path = fs::path(run.options.out) / "streams.cfg";
-    return readFile(path) == text || writeFile(path, text.data(), text.size());
+    return readText(path) == text || writeFile(path, text.data(), text.size());
 }
 
 int main(int argc, char** argv) {

@@ -45,7 +45,8 @@ bool makeStream(const LineUp& lineUp, const Multiplex& multiplex, EncodedContent
 struct Variant {
     const char* name;
     size_t packetBytes; /**< 188 or 204 */
-    /** Makes the bytes of the file out of the good stream of a multiplex and its tables. */
+    size_t multiplex;   /**< place of the multiplex in the line-up */
+    /** Makes the bytes of the file out of the good stream of the multiplex and its tables. */
     Bytes (*make)(const Multiplex& multiplex, const TransportStream& good,
                   const std::vector<Burst>& bursts);
 };

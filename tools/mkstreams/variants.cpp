@@ -122,10 +122,71 @@ static Bytes changeVersions(const Multiplex&, const TransportStream& good,
     return bytes;
 }
 
+/** Loses a packet, but not the clock that it may carry. */
+static void losePacket(uint8_t* packet) {
+    if (!ts_has_adaptation(packet) || ts_get_adaptation(packet) == 0 || !tsaf_has_pcr(packet)) {
+        ts_pad(packet);
+        return;
+    }
+    size_t end = TS_HEADER_SIZE + 1 + static_cast<size_t>(ts_get_adaptation(packet));
+    std::fill(packet + end, packet + packetSize, 0xFF);
+    packet[TS_HEADER_SIZE] = packetSize - TS_HEADER_SIZE - 1;
+    packet[3] = static_cast<uint8_t>(0x20 | (packet[3] & 0x0F));
+}
+
+/** The packets of the pictures of the first channel: visited with the number of the picture, the
+ *  number of the packet in it, and whether decoding can begin with the picture. */
+template <typename Visit>
+static Bytes visitPictures(const Multiplex& multiplex, const TransportStream& good, Visit visit) {
+    Bytes bytes = good.packets;
+    size_t picture = 0;
+    size_t number = 0;
+    bool access = false;
+    for (size_t at = 0; at < bytes.size(); at += packetSize) {
+        uint8_t* packet = bytes.data() + at;
+        if (ts_get_pid(packet) != multiplex.channels.front().videoPid || !ts_has_payload(packet))
+            continue;
+        if (ts_get_unitstart(packet)) {
+            picture++;
+            number = 0;
+            access = ts_has_adaptation(packet) && ts_get_adaptation(packet) > 0 &&
+                     tsaf_has_randomaccess(packet);
+        }
+        visit(packet, at, picture, number++, access);
+    }
+    return bytes;
+}
+
+/** Loses all pictures with which decoding can begin, in the first half of the loop. */
+static Bytes loseAccess(const Multiplex& multiplex, const TransportStream& good,
+                        const std::vector<Burst>&) {
+    return visitPictures(multiplex, good,
+                         [&](uint8_t* packet, size_t at, size_t, size_t, bool access) {
+                             if (access && at < good.packets.size() / 2)
+                                 losePacket(packet);
+                         });
+}
+
+/** Turns a bit in every seventh picture, and cuts every fifth off behind its first packet. */
+static Bytes damagePictures(const Multiplex& multiplex, const TransportStream& good,
+                            const std::vector<Burst>&) {
+    return visitPictures(multiplex, good,
+                         [](uint8_t* packet, size_t, size_t picture, size_t number, bool) {
+                             if (picture % 7 == 3)
+                                 packet[packetSize - 1] ^= 0x10;
+                             else if (picture % 5 == 2 && number > 0)
+                                 losePacket(packet);
+                         });
+}
+
 const Variant variants[] = {
-    {"version_changes", packetSize, changeVersions}, {"crc_damaged", packetSize, damageSections},
-    {"discontinuous", packetSize, breakContinuity},  {"adaptation", packetSize, addFields},
-    {"packets_204", 204, lengthenPackets},
+    {"version_changes", packetSize, 0, changeVersions},
+    {"crc_damaged", packetSize, 0, damageSections},
+    {"discontinuous", packetSize, 0, breakContinuity},
+    {"adaptation", packetSize, 0, addFields},
+    {"packets_204", 204, 0, lengthenPackets},
+    {"no_access", packetSize, 1, loseAccess},
+    {"pictures_damaged", packetSize, 1, damagePictures},
 };
 const size_t variantCount = sizeof(variants) / sizeof(variants[0]);
 

@@ -1,0 +1,169 @@
+#include "tests/streams/decoded.h"
+
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <algorithm>
+#include <tuple>
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/pixdesc.h>
+}
+
+namespace mkstreams {
+
+bool operator==(const Shape& a, const Shape& b) {
+    return std::tie(a.width, a.height, a.aspect.num, a.aspect.den, a.interlaced, a.transfer,
+                    a.primaries, a.depth, a.mastering, a.lightLevel, a.activeFormat, a.captions,
+                    a.rate, a.channels) == std::tie(b.width, b.height, b.aspect.num, b.aspect.den,
+                                                    b.interlaced, b.transfer, b.primaries, b.depth,
+                                                    b.mastering, b.lightLevel, b.activeFormat,
+                                                    b.captions, b.rate, b.channels);
+}
+
+namespace {
+
+/** Bytes in memory as FFmpeg reads them. */
+struct Reader {
+    Bytes bytes;
+    size_t at;
+};
+
+int readMore(void* opaque, uint8_t* to, int size) {
+    auto* reader = static_cast<Reader*>(opaque);
+    size_t count = std::min(static_cast<size_t>(size), reader->bytes.size() - reader->at);
+    if (count == 0)
+        return AVERROR_EOF;
+    std::copy_n(reader->bytes.begin() + static_cast<ptrdiff_t>(reader->at), count, to);
+    reader->at += count;
+    return static_cast<int>(count);
+}
+
+bool has(const AVFrame* frame, AVFrameSideDataType type) {
+    return av_frame_get_side_data(frame, type) != nullptr;
+}
+
+/** Keeps the sound of a frame with floating point samples in planes, as these decoders give it. */
+void noteSamples(const AVFrame* frame, Decoded* decoded) {
+    auto channels = static_cast<size_t>(frame->ch_layout.nb_channels);
+    if (frame->format != AV_SAMPLE_FMT_FLTP)
+        return;
+    if (decoded->samples.size() != channels)
+        decoded->samples.assign(channels, {});
+    for (size_t i = 0; i < channels; i++) {
+        std::vector<float>& samples = decoded->samples[i];
+        size_t before = samples.size();
+        samples.resize(before + static_cast<size_t>(frame->nb_samples));
+        memcpy(&samples[before], frame->extended_data[i],
+               static_cast<size_t>(frame->nb_samples) * sizeof(float));
+    }
+}
+
+void noteFrame(const AVFrame* frame, Decoded* decoded) {
+    decoded->frames++;
+    Shape shape = {};
+    shape.width = frame->width;
+    shape.height = frame->height;
+    shape.aspect = frame->sample_aspect_ratio;
+    shape.rate = frame->sample_rate;
+    shape.channels = frame->ch_layout.nb_channels;
+    if (frame->width > 0) {
+        shape.interlaced = frame->interlaced_frame != 0;
+        shape.transfer = frame->color_trc;
+        shape.primaries = frame->color_primaries;
+        shape.depth = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame->format))->comp[0].depth;
+        shape.mastering = has(frame, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA);
+        shape.lightLevel = has(frame, AV_FRAME_DATA_CONTENT_LIGHT_LEVEL);
+        shape.captions = has(frame, AV_FRAME_DATA_A53_CC);
+    } else {
+        noteSamples(frame, decoded);
+    }
+    AVFrameSideData* captions = av_frame_get_side_data(frame, AV_FRAME_DATA_A53_CC);
+    if (captions != nullptr)
+        decoded->captions.emplace_back(captions->data, captions->data + captions->size);
+    AVFrameSideData* format = av_frame_get_side_data(frame, AV_FRAME_DATA_AFD);
+    if (format != nullptr)
+        shape.activeFormat = format->data[0];
+    if (decoded->shapes.empty() || !(decoded->shapes.back().shape == shape))
+        decoded->shapes.push_back({shape, 0});
+    decoded->shapes.back().frames++;
+}
+
+void receive(AVCodecContext* context, Decoded* decoded) {
+    AVFrame* frame = av_frame_alloc();
+    while (avcodec_receive_frame(context, frame) == 0)
+        noteFrame(frame, decoded);
+    av_frame_free(&frame);
+}
+
+using Contexts = std::map<int, AVCodecContext*>;
+
+void openDecoders(AVFormatContext* format, Streams* streams, Contexts* contexts) {
+    for (unsigned i = 0; i < format->nb_streams; i++) {
+        AVStream* stream = format->streams[i];
+        (*streams)[stream->id] = {};
+        (*streams)[stream->id].codec = stream->codecpar->codec_id;
+        const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
+        AVMediaType type = stream->codecpar->codec_type;
+        if (codec == nullptr || (type != AVMEDIA_TYPE_VIDEO && type != AVMEDIA_TYPE_AUDIO))
+            continue;
+        AVCodecContext* context = avcodec_alloc_context3(codec);
+        avcodec_parameters_to_context(context, stream->codecpar);
+        context->err_recognition = AV_EF_CRCCHECK | AV_EF_BITSTREAM | AV_EF_BUFFER | AV_EF_EXPLODE;
+        context->thread_count = 1;
+        if (avcodec_open2(context, codec, nullptr) == 0)
+            (*contexts)[stream->id] = context;
+    }
+}
+
+void decodePackets(AVFormatContext* format, Streams* streams, Contexts* contexts) {
+    AVPacket* packet = av_packet_alloc();
+    while (av_read_frame(format, packet) == 0) {
+        int pid = format->streams[packet->stream_index]->id;
+        Decoded& decoded = (*streams)[pid];
+        decoded.times.push_back(packet->pts);
+        if ((packet->flags & AV_PKT_FLAG_KEY) != 0) {
+            if (decoded.lastAccess != 0)
+                decoded.longestGap = std::max(decoded.longestGap, packet->pts - decoded.lastAccess);
+            decoded.lastAccess = packet->pts;
+        }
+        if (contexts->count(pid) != 0) {
+            if (avcodec_send_packet((*contexts)[pid], packet) != 0)
+                decoded.errors++;
+            receive((*contexts)[pid], &decoded);
+        }
+        av_packet_unref(packet);
+    }
+    av_packet_free(&packet);
+}
+
+}  // namespace
+
+Streams decode(const Bytes& bytes) {
+    av_log_set_level(AV_LOG_ERROR);
+    Reader reader = {bytes, 0};
+    static const int bufferSize = 32768;
+    auto* buffer = static_cast<uint8_t*>(av_malloc(bufferSize));
+    AVIOContext* io =
+        avio_alloc_context(buffer, bufferSize, 0, &reader, readMore, nullptr, nullptr);
+    AVFormatContext* format = avformat_alloc_context();
+    format->pb = io;
+    Streams streams;
+    Contexts contexts;
+    EXPECT_EQ(avformat_open_input(&format, nullptr, av_find_input_format("mpegts"), nullptr), 0);
+    EXPECT_GE(avformat_find_stream_info(format, nullptr), 0);
+    openDecoders(format, &streams, &contexts);
+    decodePackets(format, &streams, &contexts);
+    for (auto& [pid, context] : contexts) {
+        avcodec_send_packet(context, nullptr);
+        receive(context, &streams[pid]);
+        avcodec_free_context(&context);
+    }
+    avformat_close_input(&format);
+    av_freep(&io->buffer);
+    avio_context_free(&io);
+    return streams;
+}
+
+}  // namespace mkstreams
