@@ -45,7 +45,8 @@ struct AccessUnit {
     uint32_t last;
     /** Presentation time stamp in loop 0, 90 kHz; noStamp: none. */
     uint64_t pts;
-    /** Bytes. */
+    /** Where it lies in the elementary stream of the loop, and how long it is. */
+    uint32_t offset;
     uint32_t size;
     /** Of UnitFlag. */
     uint8_t flags;

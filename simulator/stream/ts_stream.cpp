@@ -53,8 +53,8 @@ void moveClock(uint8_t* packet, uint64_t ticks) {
 }  // namespace
 
 TsStream::TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
-                   const std::vector<TsTableChange>& changes)
-    : byPid_(tsPidCount), continuityStep_(tsPidCount) {
+                   const std::vector<TsTableChange>& changes, TsOrigin origin)
+    : origin_(std::move(origin)), byPid_(tsPidCount), continuityStep_(tsPidCount) {
     splitPackets(std::move(content));
     indexPackets();
     packetTicks_ = packetTicks != 0 ? packetTicks : measuredTicks();

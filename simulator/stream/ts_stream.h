@@ -55,6 +55,14 @@ struct TsTableChange {
     uint8_t value;
 };
 
+/** Where a stream comes from. */
+struct TsOrigin {
+    /** Empty for one that is in no file. */
+    std::string path;
+    /** Whether it is as the file has it. */
+    bool intact = false;
+};
+
 class TsStream {
  public:
     /**
@@ -65,7 +73,11 @@ class TsStream {
      *                     what is changed
      */
     TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
-             const std::vector<TsTableChange>& changes = {});
+             const std::vector<TsTableChange>& changes = {}, TsOrigin origin = {});
+
+    const TsOrigin& origin() const {
+        return origin_;
+    }
 
     /** Packets of one loop; 0 when the file holds none, and nothing else may be asked then. */
     uint32_t packetCount() const {
@@ -105,6 +117,7 @@ class TsStream {
     void walk(uint16_t pid, Take take) const;
     bool moveCutStamps(uint32_t place, uint64_t loop, uint8_t* out) const;
 
+    TsOrigin origin_;
     // The packets, without what was between them.
     std::vector<uint8_t> data_;
     uint32_t packetCount_ = 0;

@@ -112,7 +112,9 @@ TsStreamPtr load(BroadcastState& s, const std::string& path, const struct stat& 
             complain("event stream: %s has no byte %llu", path.c_str(),
                      static_cast<unsigned long long>(offset));
     }
-    auto stream = std::make_shared<const TsStream>(std::move(content), packetTicks, damages.tables);
+    TsOrigin origin = {path, damages.bytes.empty() && damages.tables.empty()};
+    auto stream = std::make_shared<const TsStream>(std::move(content), packetTicks, damages.tables,
+                                                   std::move(origin));
     return stream->packetCount() > 0 ? stream : nullptr;
 }
 

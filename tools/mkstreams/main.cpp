@@ -22,6 +22,7 @@
 
 #include "tools/common/files.h"
 #include "tools/common/options.h"
+#include "tools/mkstreams/indexer.h"
 #include "tools/mkstreams/maker.h"
 
 using namespace mkstreams;
@@ -59,6 +60,10 @@ static fs::path stampPath(const fs::path& file) {
     return file.string() + ".stamp";
 }
 
+static fs::path indexPath(const fs::path& file) {
+    return file.string() + ".index";
+}
+
 /** The time of a file's last change, nanoseconds; a stamp is that of the very file that has it. */
 static int64_t changeTime(const fs::path& file) {
     struct stat status = {};
@@ -79,6 +84,8 @@ static bool isCurrent(const fs::path& file, uint64_t hash, Made* made) {
 }
 
 static bool writeStream(const fs::path& file, const Bytes& bytes, uint64_t hash, const Made& made) {
+    std::error_code ignored;
+    fs::remove(indexPath(file), ignored);
     if (!writeFile(file, bytes.data(), bytes.size()))
         return false;
     char stamp[120];
@@ -225,6 +232,20 @@ static void makeVariants(Run& run) {
     }
 }
 
+/** Lets decoders look at the streams that have no index, so that nobody who plays them has to. */
+static void makeIndexes(Run& run) {
+    std::set<std::string> seen;
+    for (const Multiplex& multiplex : run.lineUp.multiplexes) {
+        auto made = run.made.find(multiplex.file);
+        fs::path file = fs::path(run.options.out) / multiplex.file;
+        if (made == run.made.end() || !seen.insert(multiplex.file).second ||
+            hasIndex(indexPath(file)))
+            continue;
+        if (!makeIndex(file, static_cast<uint32_t>(made->second.packetTicks), multiplex))
+            complain(run, multiplex.file, "its pictures and sound cannot be indexed");
+    }
+}
+
 /** Removes what an earlier run made and neither the line-up nor the manifest names. */
 static void removeUnused(const Run& run) {
     std::set<std::string> used;
@@ -239,6 +260,7 @@ static void removeUnused(const Run& run) {
     for (const fs::path& stamp : unused) {
         std::error_code ignored;
         fs::remove(stamp.parent_path() / stamp.stem(), ignored);
+        fs::remove(indexPath(stamp.parent_path() / stamp.stem()), ignored);
         fs::remove(stamp, ignored);
         if (!run.options.quiet)
             printf("%s: removed\n", stamp.stem().c_str());
@@ -332,6 +354,7 @@ int main(int argc, char** argv) {
     fs::create_directories(run.options.out, failure);
     makeFiles(run);
     makeVariants(run);
+    makeIndexes(run);
     if (!writeManifest(run))
         complain(run, "streams.cfg", "cannot be written in " + run.options.out);
     if (run.good)

@@ -1,0 +1,22 @@
+/* Indexes of pictures and sound beside a stream, as the simulated device keeps them. */
+#ifndef TOOLS_MKSTREAMS_INDEXER_H
+#define TOOLS_MKSTREAMS_INDEXER_H
+
+#include <stdint.h>
+
+#include <string>
+
+#include "tools/mkstreams/line_up.h"
+
+namespace mkstreams {
+
+/** Whether that is an index file of this version, and sound. */
+bool hasIndex(const std::string& indexPath);
+
+/** Makes the index of a stream file, for all pictures and sound of its channels. False when there
+ * is none afterwards, or a component does not decode. */
+bool makeIndex(const std::string& path, uint32_t packetTicks, const Multiplex& multiplex);
+
+}  // namespace mkstreams
+
+#endif
