@@ -3,6 +3,7 @@
 # Safe to repeat. Options:
 #     --quick     only the debug build and its tests
 #     --torture   also the whole torture run, some minutes
+#     --mutants   also a sample of the mutants of each module
 #     --arm       also the device's architecture, in an emulator
 #     --browser   also the report's page in a browser
 #     --farm      also the examples of board farms, with LAVA and labgrid
@@ -10,6 +11,7 @@ set -e
 cd "$(dirname "$0")"
 quick=
 torture=
+mutants=
 arm=
 browser=
 farm=
@@ -17,10 +19,11 @@ for word in "$@"; do
     case $word in
     --quick) quick=1 ;;
     --torture) torture=1 ;;
+    --mutants) mutants=1 ;;
     --arm) arm=1 ;;
     --browser) browser=1 ;;
     --farm) farm=1 ;;
-    *) sed -n '2,8p' "$0" >&2; exit 2 ;;
+    *) sed -n '2,9p' "$0" >&2; exit 2 ;;
     esac
 done
 tools/setup.sh
@@ -56,6 +59,10 @@ ctest --preset debug -j "$jobs"
 if [ -n "$torture" ]; then
     build release
     tools/torture.sh
+fi
+if [ -n "$mutants" ]; then
+    echo "test: a sample of the mutants"
+    build/debug/mutate --sample 12 --seed 1
 fi
 if [ -n "$arm" ]; then
     tools/arm.sh

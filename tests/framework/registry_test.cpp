@@ -1,7 +1,10 @@
 // Holds the registry against the list of modules, which says what a platform certification must
 // contain and what of it is built: a row that gets lost is found.
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "testcase/modules.h"
@@ -58,6 +61,31 @@ TEST(Registry, OnlyAvDtvHasAFileForManualCases) {
             EXPECT_STREQ(module->configFile, "config/common/AVDtvModule.cfg");
         else
             EXPECT_EQ(module->configFile, nullptr) << module->name;
+    }
+}
+
+/** Order, flag and description of the rows decide what a checklist asks for and how it is read.
+ *  After a review: ZK_GOLDEN=write unit_tests --gtest_filter=Registry.* */
+TEST(Registry, RowsStandAsReviewed) {
+    const char* golden = getenv("ZK_GOLDEN");
+    for (const TcModule* module : testModules) {
+        std::string path = ZK_SOURCE_DIR "/tests/golden/rows/" + std::string(module->name) + ".txt";
+        std::string now;
+        for (uint32_t i = 0; i < module->caseCount; i++) {
+            const TcCase& row = module->cases[i];
+            now += std::string(row.name) + (row.autoFlag == AUTO ? "  AUTO    " : "  MANUAL  ") +
+                   row.description + "\n";
+        }
+        if (golden != nullptr && std::string(golden) == "write" && !now.empty())
+            std::ofstream(path) << now;
+        std::ifstream file(path);
+        std::istringstream lines(now);
+        std::string reviewed;
+        for (std::string line; std::getline(lines, line);) {
+            ASSERT_TRUE(std::getline(file, reviewed)) << path << " ends before " << line;
+            ASSERT_EQ(line, reviewed) << path;
+        }
+        EXPECT_FALSE(std::getline(file, reviewed)) << path << " alone has " << reviewed;
     }
 }
 
