@@ -1,7 +1,7 @@
 #!/bin/sh
 # All benchmarks, on the release build, as tables: report saves, start-up, stream reading, the
-# simulated demultiplexer, virtual time. Options are those of build/release/benchmarks, for instance
-# --benchmark_filter=Report or --benchmark_format=json.
+# simulated demultiplexer and decoders, virtual time. Options are those of build/release/benchmarks,
+# for instance --benchmark_filter=Report or --benchmark_format=json.
 set -e
 cd "$(dirname "$0")"
 tools/setup.sh >&2

@@ -151,9 +151,7 @@ bool ofSignal(const Decoder& decoder, const SignalSource& signal, DecoderInfo* i
 
 std::shared_ptr<const EsUnits> indexOf(const TsStreamPtr& stream, uint16_t pid, uint32_t format) {
     const Coding* coding = codingOf(format);
-    (void)stream;
-    (void)pid;
-    return coding == nullptr ? nullptr : nullptr;
+    return coding == nullptr ? nullptr : audioIndex(stream, pid, coding->coding);
 }
 
 Value infoValue(DecoderInfo* info) {

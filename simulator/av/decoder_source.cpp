@@ -104,7 +104,7 @@ bool feedGoesOn(const DecoderFeed& before, const DecoderFeed& now) {
     if (before.kind != now.kind)
         return false;
     if (now.kind == DecoderFeed::Kind::signal)
-        return before.signalIndex == now.signalIndex && before.signal.sinceMs == now.signal.sinceMs;
+        return before.signalIndex == now.signalIndex;
     if (now.kind == DecoderFeed::Kind::nothing || before.change == now.change)
         return true;
     // One step to another stream of the same tuner is one whose bytes the operator has changed; the

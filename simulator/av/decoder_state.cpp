@@ -282,6 +282,20 @@ int32_t decoderPause(DecoderFamily& family, uint32_t number, bool paused) {
     return QLX_SUCCESS;
 }
 
+int32_t decoderSetSync(DecoderFamily& family, uint32_t number, const QLX_SyncParams& params) {
+    std::lock_guard<std::mutex> lock(family.mutex);
+    int32_t refusal = refusalOf(family, number);
+    if (refusal != QLX_SUCCESS)
+        return refusal;
+    Decoder& decoder = family.decoders[number];
+    decoder.syncSet = true;
+    decoder.sync = params;
+    if (decoder.run != nullptr)
+        refreshSync(family.kind, decoder);
+    wakeDecoder(family, decoder);
+    return QLX_SUCCESS;
+}
+
 uint32_t decoderState(const Decoder& decoder) {
     if (decoder.run == nullptr)
         return QLX_VIDEO_STATE_STOPPED;

@@ -210,6 +210,7 @@ int32_t decoderStart(DecoderFamily& family, uint32_t number, uint32_t format, ui
 int32_t decoderStop(DecoderFamily& family, uint32_t number);
 int32_t decoderFlush(DecoderFamily& family, uint32_t number);
 int32_t decoderPause(DecoderFamily& family, uint32_t number, bool paused);
+int32_t decoderSetSync(DecoderFamily& family, uint32_t number, const QLX_SyncParams& params);
 /** QLX_VideoState, which QLX_AudioState is like. Called with the family locked. */
 uint32_t decoderState(const Decoder& decoder);
 void resetDecoders(DecoderFamily& family);

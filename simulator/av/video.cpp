@@ -191,9 +191,7 @@ bool ofSignal(const Decoder&, const SignalSource& signal, DecoderInfo* info) {
 
 std::shared_ptr<const EsUnits> indexOf(const TsStreamPtr& stream, uint16_t pid, uint32_t format) {
     const Coding* coding = codingOf(format);
-    (void)stream;
-    (void)pid;
-    return coding == nullptr ? nullptr : nullptr;
+    return coding == nullptr ? nullptr : videoIndex(stream, pid, coding->coding);
 }
 
 Value infoValue(DecoderInfo* info) {

@@ -8,9 +8,8 @@ namespace sim {
 SIM_RECORD(QLX_SyncParams, SIM_MEMBER(QLX_SyncParams, eSyncMode), SIM_MEMBER(QLX_SyncParams, uPid),
            SIM_MEMBER(QLX_SyncParams, uPcrPid))
 
-/** The refusal of a call, 0 when there is none. Called with the decoders locked. */
-static int32_t syncRefusalOf(uint32_t videoDev) {
-    int32_t refusal = refusalOf(videoFamily(), videoDev);
+/** The decoders' refusal as this family calls it. */
+static int32_t syncRefusal(int32_t refusal) {
     return refusal == videoFamily().kind.invalidPara ? QLX_VIDEOSYNC_ERR_INVALID_PARA : refusal;
 }
 
@@ -18,21 +17,10 @@ static int32_t syncRefusalOf(uint32_t videoDev) {
 
 int32_t QLX_VideoSyncSetMode(uint32_t eVideoDev, const QLX_SyncParams* pstSyncParams) {
     SIM_ENTRY("video=%d params=%s", static_cast<int>(eVideoDev), sim::show(pstSyncParams).c_str());
-    sim::DecoderFamily& family = sim::videoFamily();
-    std::lock_guard<std::mutex> lock(family.mutex);
     if (pstSyncParams == nullptr || pstSyncParams->eSyncMode > QLX_VIDEOSYNC_MODE_AUDIO_MASTER)
         SIM_RETURN(QLX_VIDEOSYNC_ERR_INVALID_PARA);
-    int32_t refusal = sim::syncRefusalOf(eVideoDev);
-    if (refusal != QLX_SUCCESS)
-        SIM_RETURN(refusal);
-    sim::Decoder& decoder = family.decoders[eVideoDev];
-    decoder.syncSet = true;
-    decoder.sync = *pstSyncParams;
-    if (decoder.run != nullptr) {
-        sim::refreshSync(family.kind, decoder);
-        sim::wakeDecoder(family, decoder);
-    }
-    SIM_RETURN(QLX_SUCCESS);
+    SIM_RETURN(
+        sim::syncRefusal(sim::decoderSetSync(sim::videoFamily(), eVideoDev, *pstSyncParams)));
 }
 
 int32_t QLX_VideoSyncGetSTC(uint32_t eVideoDev, uint64_t* puSTC) {
@@ -41,7 +29,7 @@ int32_t QLX_VideoSyncGetSTC(uint32_t eVideoDev, uint64_t* puSTC) {
     std::lock_guard<std::mutex> lock(family.mutex);
     if (puSTC == nullptr)
         SIM_RETURN(QLX_VIDEOSYNC_ERR_INVALID_PARA);
-    int32_t refusal = sim::syncRefusalOf(eVideoDev);
+    int32_t refusal = sim::syncRefusal(sim::refusalOf(family, eVideoDev));
     if (refusal != QLX_SUCCESS)
         SIM_RETURN(refusal);
     const sim::Decoder& decoder = family.decoders[eVideoDev];

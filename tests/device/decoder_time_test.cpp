@@ -1,9 +1,5 @@
-// What decoders report and when, to the millisecond: on a stream whose index is made by hand, and
-// on signals of inputs.
-//
-// The stream is a loop of 4.8 s. A picture of 40 ms takes 80 packets of 0.5 ms, of which the first
-// 40 are its own; every twelfth one can be decoded by itself, and each is shown 200 ms after it has
-// begun to come.
+// What decoders report and when, to the millisecond: on a stream whose index is made by hand
+// (tests/shared/decoder_stream.h), and on signals of inputs.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -17,30 +13,18 @@
 
 #include "platform/qlx_demux.h"
 #include "platform/qlx_videosync.h"
-#include "simulator/av/decoder_state.h"
 #include "simulator/tuner/reception.h"
 #include "simulator/world/air.h"
 #include "simulator/world/world.h"
 #include "tests/shared/decoder_log.h"
-#include "tests/shared/demux_streams.h"
+#include "tests/shared/decoder_stream.h"
 #include "tests/shared/device.h"
 
 namespace {
 
 using namespace decoder_test;
-using sim::Decoder;
 using sim::DecoderFamily;
 
-constexpr uint16_t esPid = 0x100;
-constexpr uint16_t clockPid = 0x101;
-constexpr uint16_t otherPid = 0x102;
-constexpr uint32_t packetTicks = 13500;
-constexpr uint32_t unitPackets = 80;
-constexpr uint32_t unitCount = 120;
-constexpr uint32_t groupUnits = 12;
-constexpr int64_t unitMs = 40;
-constexpr int64_t loopMs = unitCount * unitMs;
-constexpr int64_t shownAfterMs = 200;
 /** Of the default board. */
 constexpr int64_t startMs = 5;
 constexpr int64_t decodeMs = 40;
@@ -49,54 +33,15 @@ constexpr int64_t signalMs = 200;
 /** From the beginning of a picture that can be decoded to the first one shown. */
 constexpr int64_t firstMs = unitMs / 2 + decodeMs;
 
-sim::VideoFormat format(uint16_t width, uint16_t height) {
-    sim::VideoFormat format;
-    format.width = width;
-    format.height = height;
-    format.frameRate = {25, 1};
-    format.displayAspect = {16, 9};
-    return format;
-}
-
-/** What decoding is to find in the stream. A test changes it before it plays. */
-struct Found {
-    sim::VideoIndex index;
-
-    Found() {
-        for (uint32_t i = 0; i < unitCount; i++) {
-            sim::AccessUnit unit = {};
-            unit.first = i * unitPackets;
-            unit.last = unit.first + unitPackets / 2 - 1;
-            unit.pts = static_cast<uint64_t>(i * unitMs + shownAfterMs) * 90;
-            if (i % groupUnits == 0)
-                unit.flags = sim::unit_access | sim::unit_decoded;
-            index.units.push_back(unit);
-        }
-        index.changes.push_back({0, format(720, 576)});
-    }
-};
-Found found;
-
-/** The video decoders, but for what the index is. */
 DecoderFamily& family() {
-    static DecoderFamily* instance = [] {
-        static sim::DecoderKind kind = sim::videoFamily().kind;
-        kind.index = [](const sim::TsStreamPtr&, uint16_t pid, uint32_t) {
-            std::shared_ptr<const sim::EsUnits> index;
-            if (pid == esPid)
-                index = std::make_shared<const sim::VideoIndex>(found.index);
-            return index;
-        };
-        return new DecoderFamily(kind);
-    }();
-    return *instance;
+    return handMadeFamily();
 }
 
 class SimDecoderTime : public testing::Test {
  protected:
     void SetUp() override {
         qlx_sim_reset();
-        found = Found();
+        decodersFind() = decoderIndex();
         log_.clear();
         char name[] = "/tmp/decoder_test.XXXXXX";
         folder_ = mkdtemp(name);
@@ -122,19 +67,10 @@ class SimDecoderTime : public testing::Test {
     }
 
     void writeStream() {
-        demux_test::StreamMaker maker;
-        while (maker.count < unitCount * unitPackets) {
-            uint32_t at = maker.count % unitPackets;
-            if (at < unitPackets / 2)
-                maker.packet(esPid, at == 0, demux_test::Bytes(184, 0));
-            else if (at == unitPackets / 2)
-                maker.clock(clockPid, uint64_t{maker.count} * packetTicks);
-            else
-                maker.nulls(1);
-        }
+        const demux_test::Bytes bytes = decoderStream();
         FILE* file = fopen(file_.c_str(), "wb");
         ASSERT_NE(file, nullptr);
-        EXPECT_EQ(fwrite(maker.bytes.data(), 1, maker.bytes.size(), file), maker.bytes.size());
+        EXPECT_EQ(fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
         fclose(file);
     }
 
@@ -178,12 +114,7 @@ class SimDecoderTime : public testing::Test {
         return sim::streamClock(*family().decoders[0].run);
     }
     static void setMode(const QLX_SyncParams& params) {
-        std::lock_guard<std::mutex> lock(family().mutex);
-        Decoder& decoder = family().decoders[0];
-        decoder.syncSet = true;
-        decoder.sync = params;
-        sim::refreshSync(family().kind, decoder);
-        sim::wakeDecoder(family(), decoder);
+        EXPECT_EQ(sim::decoderSetSync(family(), 0, params), 0);
     }
     /** Starts just before a picture that can be decoded, and waits until all has settled. */
     int64_t play() {
@@ -229,6 +160,17 @@ TEST_F(SimDecoderTime, TheFirstPictureFollowsFromTheStream) {
     }
 }
 
+TEST_F(SimDecoderTime, AFirstPictureIsShownAheadOfItsTime) {
+    int64_t at = awaitLoop(400);
+    EXPECT_EQ(start(), 0);
+    sim::sleepMs(80 + firstMs + 10);
+    EXPECT_EQ(names(), "start frame present");
+    auto stamp = static_cast<uint64_t>(at + 80 + shownAfterMs) * 90 % (UINT64_C(1) << 33);
+    EXPECT_EQ(pts(), stamp);
+    sim::sleepMs(20);
+    EXPECT_EQ(pts(), stamp) << "and stands until then";
+}
+
 TEST_F(SimDecoderTime, AnHourOfOneChannelIsSilent) {
     play();
     uint64_t last = 0;
@@ -248,9 +190,9 @@ TEST_F(SimDecoderTime, AnHourOfOneChannelIsSilent) {
 }
 
 TEST_F(SimDecoderTime, ANewFormatIsToldWhenItIsShown) {
-    found.index.changes.push_back({5 * groupUnits, format(1920, 1080)});
-    found.index.units[0].flags |= sim::unit_newFormat;
-    found.index.units[5 * groupUnits].flags |= sim::unit_newFormat;
+    decodersFind().changes.push_back({5 * groupUnits, pictureFormat(1920, 1080)});
+    decodersFind().units[0].flags |= sim::unit_newFormat;
+    decodersFind().units[5 * groupUnits].flags |= sim::unit_newFormat;
     play();
     int64_t at = awaitLoop(0);
     log_.clear();
@@ -266,9 +208,9 @@ TEST_F(SimDecoderTime, ANewFormatIsToldWhenItIsShown) {
 }
 
 TEST_F(SimDecoderTime, DataThatDoNotDecodeAreToldOnce) {
-    for (sim::AccessUnit& unit : found.index.units)
+    for (sim::AccessUnit& unit : decodersFind().units)
         unit.flags = unit.first % 3 == 0 ? sim::unit_damaged | sim::unit_access : 0;
-    found.index.changes.clear();
+    decodersFind().changes.clear();
     int64_t at = awaitLoop(480);
     EXPECT_EQ(start(), 0);
     sim::sleepMs(60000);
@@ -295,7 +237,7 @@ TEST_F(SimDecoderTime, WhatNeverComesIsNoError) {
 
 TEST_F(SimDecoderTime, DamageIsToldSparingly) {
     // One picture in a loop, which is shorter than the pause; then all.
-    found.index.units[100].flags |= sim::unit_damaged;
+    decodersFind().units[100].flags |= sim::unit_damaged;
     play();
     int64_t at = awaitLoop(3000);
     sim::sleepMs(3 * loopMs);
@@ -304,7 +246,7 @@ TEST_F(SimDecoderTime, DamageIsToldSparingly) {
     EXPECT_EQ(log_.all().back().ms - at, 2 * loopMs + 1000 + firstMs);
     stop();
     log_.clear();
-    for (sim::AccessUnit& unit : found.index.units)
+    for (sim::AccessUnit& unit : decodersFind().units)
         unit.flags |= sim::unit_damaged;
     EXPECT_EQ(start(), 0);
     sim::sleepMs(31000);
@@ -345,20 +287,20 @@ TEST_F(SimDecoderTime, LostReceptionFreezesThePictureAndEndsIt) {
 TEST_F(SimDecoderTime, AChangedByteOnTheAirDoesNotInterrupt) {
     play();
     // The index of the changed stream has a smaller picture from the next loop on.
-    found.index.changes[0].format = format(352, 288);
+    decodersFind().changes[0].format = pictureFormat(352, 288);
     EXPECT_TRUE(sim::changeWorld("stream " + file_ + " byte 1000 55"));
     sim::sleepMs(10);
-    EXPECT_EQ(names(), "present");
+    ASSERT_EQ(names(), "present");
     EXPECT_EQ(log_.all()[0].video.uFrameWidth, 352);
     log_.clear();
-    found.index.changes.clear();
-    for (sim::AccessUnit& unit : found.index.units)
+    decodersFind().changes.clear();
+    for (sim::AccessUnit& unit : decodersFind().units)
         unit.flags = sim::unit_access | sim::unit_damaged;
     EXPECT_TRUE(sim::changeWorld("stream " + file_ + " byte 1000 56"));
     sim::sleepMs(5000);
     EXPECT_EQ(names(), "lost error absent") << "nothing decodes any more";
     log_.clear();
-    found = Found();
+    decodersFind() = decoderIndex();
     EXPECT_TRUE(sim::changeWorld("stream " + file_ + " intact"));
     sim::sleepMs(2000);
     EXPECT_EQ(names(), "present sync");
@@ -368,6 +310,18 @@ TEST_F(SimDecoderTime, AnInterruptedDemultiplexerBeginsAnew) {
     play();
     EXPECT_EQ(QLX_DemuxStop(0), 0);
     EXPECT_EQ(QLX_DemuxStart(0), 0);
+    sim::sleepMs(1500);
+    EXPECT_EQ(names(), "lost sync");
+    log_.clear();
+    // Other bytes, but behind an interruption.
+    EXPECT_EQ(QLX_DemuxStop(0), 0);
+    EXPECT_TRUE(sim::changeWorld("stream " + file_ + " byte 1000 55"));
+    EXPECT_EQ(QLX_DemuxStart(0), 0);
+    sim::sleepMs(1500);
+    EXPECT_EQ(names(), "lost sync");
+    log_.clear();
+    QLX_Source tuner = {QLX_SOURCE_TYPE_TUNER, 0, 0};
+    EXPECT_EQ(QLX_DemuxConnectSource(0, &tuner), 0);
     sim::sleepMs(1500);
     EXPECT_EQ(names(), "lost sync");
     EXPECT_EQ(QLX_DemuxClose(0), 0);
@@ -392,6 +346,20 @@ TEST_F(SimDecoderTime, PauseAndResume) {
     EXPECT_EQ(names(), "") << "and without a first picture";
 }
 
+TEST_F(SimDecoderTime, APausedDecoderTellsANewFormatWhenItGoesOn) {
+    decodersFind().changes.push_back({5 * groupUnits, pictureFormat(1920, 1080)});
+    decodersFind().units[0].flags |= sim::unit_newFormat;
+    decodersFind().units[5 * groupUnits].flags |= sim::unit_newFormat;
+    play();
+    EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
+    awaitLoop(3000);
+    EXPECT_EQ(names(), "");
+    EXPECT_EQ(sim::decoderPause(family(), 0, false), 0);
+    sim::sleepMs(10);
+    ASSERT_EQ(names(), "present");
+    EXPECT_EQ(log_.all()[0].video.uFrameWidth, 1920);
+}
+
 TEST_F(SimDecoderTime, AFlushBeginsAnew) {
     play();
     int64_t at = awaitLoop(400);
@@ -405,6 +373,10 @@ TEST_F(SimDecoderTime, NothingRunsTogetherWithoutTheClock) {
     awaitLoop(400);
     EXPECT_EQ(start(), 0);
     setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, otherPid});
+    sim::sleepMs(5000);
+    EXPECT_EQ(names(), "start frame present");
+    // Adaptation fields without a clock reference.
+    setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, esPid});
     sim::sleepMs(5000);
     EXPECT_EQ(names(), "start frame present");
     // A clock reference comes every 40 ms, at the end of a picture.
@@ -441,23 +413,31 @@ struct Meddler {
 };
 
 TEST_F(SimDecoderTime, CallbacksMayCallTheDecoder) {
+    constexpr uint32_t frame = QLX_EVENT_VIDEO_FRAME_READY;
+    constexpr uint32_t info = QLX_EVENT_VIDEO_INFO_CHANGE;
+    auto unregister = [] { return sim::decoderUnRegister(family(), 0, Meddler::callback); };
     struct {
         const char* what;
+        uint32_t event;
         std::function<int32_t()> call;
         const char* names;
     } rows[] = {
-        {"stop", [] { return stop(); }, "start frame present absent stop"},
-        {"close", [] { return sim::decoderClose(family(), 0); }, "start frame present absent stop"},
-        {"deinit", [] { return sim::decodersDeInit(family()); }, "start frame present absent stop"},
-        {"unregister", [] { return sim::decoderUnRegister(family(), 0, Meddler::callback); },
-         "start frame present"},
-        {"flush", [] { return sim::decoderFlush(family(), 0); }, "start frame present frame sync"},
+        {"stop", info, [] { return stop(); }, "start frame present absent stop"},
+        {"close", info, [] { return sim::decoderClose(family(), 0); },
+         "start frame present absent stop"},
+        {"deinit", info, [] { return sim::decodersDeInit(family()); },
+         "start frame present absent stop"},
+        {"unregister", info, unregister, "start frame present"},
+        // What is still to be told is not.
+        {"unregister", frame, unregister, "start frame"},
+        {"flush", info, [] { return sim::decoderFlush(family(), 0); },
+         "start frame present frame sync"},
     };
     for (const auto& row : rows) {
         static Meddler meddler;
         meddler.log.clear();
         meddler.result = -1;
-        meddler.event = QLX_EVENT_VIDEO_INFO_CHANGE;
+        meddler.event = row.event;
         meddler.call = row.call;
         sim::resetDecoders(family());
         sim::DecoderSource source = {QLX_SOURCE_TYPE_DEMUX, 0, 0, 1};
