@@ -15,18 +15,10 @@ namespace {
 
 constexpr uint32_t maxVolume = 100;
 
-struct Output {
-    bool open = false;
-    bool muted = true;
-    uint32_t volume = 0;
-    bool description = false;
-    uint32_t descriptionVolume = 0;
-};
-
 struct AOutState {
     std::mutex mutex;
     bool initialised = false;
-    Output outputs[QLX_AOUTDEV_NUMBER_MAX];
+    sim::SinkView outputs[QLX_AOUTDEV_NUMBER_MAX];
 };
 
 AOutState& state() {
@@ -37,8 +29,8 @@ AOutState& state() {
 /** Called with the state locked. */
 void end() {
     state().initialised = false;
-    for (Output& output : state().outputs)
-        output = Output();
+    for (sim::SinkView& output : state().outputs)
+        output = sim::SinkView();
 }
 
 int32_t refusalOf(uint32_t output) {
@@ -79,7 +71,7 @@ int32_t QLX_AOutClose(uint32_t eDevId) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (eDevId >= QLX_AOUTDEV_NUMBER_MAX)
         SIM_RETURN(QLX_AOUT_ERR_INVALID_PARA);
-    state().outputs[eDevId] = Output();
+    state().outputs[eDevId] = sim::SinkView();
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -143,6 +135,11 @@ namespace sim {
 bool audioOutputsRun() {
     std::lock_guard<std::mutex> lock(state().mutex);
     return state().initialised;
+}
+
+SinkView sinkView(uint32_t output) {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    return output < QLX_AOUTDEV_NUMBER_MAX ? state().outputs[output] : SinkView();
 }
 
 extern const Family familyAOut = {reset, describe};

@@ -4,6 +4,12 @@
 
 #include <stdint.h>
 
+#include <vector>
+
+#include "platform/qlx_vout.h"
+#include "simulator/av/decoder.h"
+#include "simulator/media/picture.h"
+
 namespace sim {
 
 struct PanelSize {
@@ -13,6 +19,29 @@ struct PanelSize {
 
 /** The board's. Any thread may call. */
 PanelSize panelSize();
+
+/** What an output puts on the panel. */
+struct PanelLayer {
+    QLX_VOutRect in = {};  /**< Empty: the whole picture. */
+    QLX_VOutRect out = {}; /**< Empty: the whole panel. */
+    bool nonLinear = false;
+    bool dotToDot = false;
+    bool muted = false;
+    /** What the output's decoder shows; of kind nothing when it has no picture. */
+    VideoShown shown;
+};
+
+/** The layers of the outputs that are enabled, the lowest first. */
+std::vector<PanelLayer> panelLayers();
+
+/** The picture of a decoder, in its own size; empty when there is none. */
+Picture pictureOf(const VideoShown& shown);
+
+/** Puts a picture into its place. Where a muted layer or one without a picture stands is black. */
+void drawLayer(const PanelLayer& layer, const Picture& picture, Picture* panel);
+
+/** The whole panel as it is now. */
+Picture composePanel();
 
 }  // namespace sim
 

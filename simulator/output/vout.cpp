@@ -12,6 +12,7 @@
 #include "simulator/core/sim.h"
 #include "simulator/core/source_record.h"
 #include "simulator/demux/demux.h"
+#include "simulator/output/panel.h"
 #include "simulator/world/signal_source.h"
 
 namespace sim {
@@ -35,6 +36,8 @@ struct Output {
     uint32_t nonLinear = QLX_FALSE;
     uint32_t dotToDot = QLX_FALSE;
     QLX_VOutCallback callback = nullptr;
+    /** What was shown when the output was frozen; holds while it is. */
+    sim::VideoShown held;
 };
 
 struct VOutState {
@@ -66,6 +69,36 @@ bool sourceUp(const QLX_Source& source) {
         default:
             return sim::findOpenSource(source.eSourceType, source.uSourceIndex, &index);
     }
+}
+
+bool sameKind(uint32_t a, uint32_t b) {
+    auto coded = [](uint32_t kind) {
+        return kind == QLX_SOURCE_TYPE_DEMUX || kind == QLX_SOURCE_TYPE_RECORD;
+    };
+    return a == b || (coded(a) && coded(b));
+}
+
+/**
+ * What the decoder shows that the output's source leads to: the one that is open on this very
+ * source; else the output's own number, or any, that is open on such a source; else, for programs
+ * name another source than the decoder's, the first that is open.
+ */
+sim::VideoShown shownOn(uint32_t number, const Output& output) {
+    sim::VideoShown best;
+    int bestFit = 0;
+    for (uint32_t dev = 0; dev < QLX_VIDEODEV_NUMBER_MAX; dev++) {
+        sim::VideoShown shown = sim::videoShown(dev);
+        if (!shown.open)
+            continue;
+        bool kind = sameKind(shown.source.eSourceType, output.source.eSourceType);
+        bool index = shown.source.uSourceIndex == output.source.uSourceIndex;
+        int fit = 1 + (kind ? 4 : 0) + (kind && index ? 4 : 0) + (kind && dev == number ? 2 : 0);
+        if (fit <= bestFit)
+            continue;
+        bestFit = fit;
+        best = shown;
+    }
+    return best;
 }
 
 /** What a call needs beyond an output that exists. */
@@ -229,7 +262,10 @@ int32_t QLX_VOutFreeze(uint32_t eDevId, uint32_t bFreeze) {
     std::lock_guard<std::mutex> lock(state().mutex);
     if (int32_t refusal = refusalOf(eDevId, Need::open))
         SIM_RETURN(refusal);
-    state().outputs[eDevId].frozen = bFreeze != QLX_FALSE;
+    Output& output = state().outputs[eDevId];
+    if (bFreeze != QLX_FALSE && !output.frozen)
+        output.held = shownOn(eDevId, output);
+    output.frozen = bFreeze != QLX_FALSE;
     SIM_RETURN(QLX_SUCCESS);
 }
 
@@ -254,6 +290,20 @@ static void describe(std::string* out) {
 }
 
 namespace sim {
+
+std::vector<PanelLayer> panelLayers() {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    std::vector<PanelLayer> layers;
+    for (uint32_t i = 0; i < QLX_VOUTDEV_NUMBER_MAX; i++) {
+        const Output& output = state().outputs[i];
+        if (!output.open || !output.enabled)
+            continue;
+        layers.push_back({output.in, output.out, output.nonLinear != QLX_FALSE,
+                          output.dotToDot != QLX_FALSE, output.muted,
+                          output.frozen ? output.held : shownOn(i, output)});
+    }
+    return layers;
+}
 
 extern const Family familyVOut = {reset, describe};
 
