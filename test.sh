@@ -1,5 +1,6 @@
 #!/bin/sh
-# Installs what is missing, builds with gcc, clang and the sanitizers, and runs all tests.
+# Installs what is missing, builds with gcc, with clang and its address and undefined-behaviour
+# sanitizers, and with the thread sanitizer, and runs all tests.
 # Safe to repeat. Options:
 #     --quick     only the debug build and its tests
 #     --torture   also the whole torture run, some minutes
@@ -44,11 +45,8 @@ build debug
 echo "test: making the streams of the line-up"
 build/debug/zkbench --source . --quiet --lay-out build/debug/golden_bench
 if [ -z "$quick" ]; then
-    build clang
-    echo "test: preset clang, the fuzz targets for some seconds"
-    ctest --preset clang -R '^fuzz'
     build asan
-    echo "test: preset asan"
+    echo "test: preset asan, with the fuzz targets for some seconds"
     ctest --preset asan -j "$jobs" -LE slow
     build tsan --target device_tests module_tests
     echo "test: preset tsan, the simulated device's core and who reads while callbacks write"

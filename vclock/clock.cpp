@@ -181,7 +181,8 @@ static uintptr_t sanitizerEnd;
 __attribute__((constructor)) static void findSanitizer() {
     dl_iterate_phdr(
         [](dl_phdr_info* library, size_t, void*) {
-            if (strstr(library->dlpi_name, "libasan.so") == nullptr)
+            if (strstr(library->dlpi_name, "libasan.so") == nullptr &&
+                strstr(library->dlpi_name, "libclang_rt.asan") == nullptr)
                 return 0;
             sanitizerBegin = library->dlpi_addr;
             for (int i = 0; i < library->dlpi_phnum; i++) {
