@@ -146,6 +146,8 @@ void considerStream(const DecoderKind& kind, Decoder& decoder, int64_t now, Step
     const TsStream& stream = *run.feed.stream;
     const EsUnits& index = *run.feed.index;
     int64_t decodeUs = boardUs(kind, "DECODE_MS");
+    // The clock is listened to from the start on.
+    int64_t clockComesUs = kind.events.syncDone != 0 ? clockUs(decoder, now) : never;
     uint8_t damage = unit_damaged;
     if (!run.decoding()) {
         auto first = nextUnit(stream, index, run.fromUs, unit_access | unit_decoded);
@@ -159,8 +161,8 @@ void considerStream(const DecoderKind& kind, Decoder& decoder, int64_t now, Step
         // Without a picture only what decoding could begin at is tried.
         damage |= unit_access;
     } else {
-        if (kind.events.syncDone != 0 && !run.synced && clockUs(decoder, now) != never)
-            step->consider(std::max(clockUs(decoder, now), run.first.shownUs), takeSync);
+        if (!run.synced)
+            step->consider(std::max(clockComesUs, run.first.shownUs), takeSync);
         auto change = nextUnit(stream, index, run.changesFromUs, unit_newFormat);
         if (change.has_value())
             step->consider(std::max(change->shownUs, change->arrivedUs + decodeUs), takeChange,

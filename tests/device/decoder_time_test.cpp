@@ -607,4 +607,30 @@ TEST_F(SimDecoderSignal, OutputsSeeWhatIsPlayed) {
     EXPECT_EQ(sim::audioPlayed(0).origin.kind, sim::DecoderOrigin::Kind::nothing) << "silent";
 }
 
+TEST_F(SimDecoderSignal, AnAnalogDecoderFollowsTheFrontEndThatIsOpen) {
+    EXPECT_EQ(QLX_VideoClose(0), 0);
+    QLX_VideoAttr attr = {QLX_SOURCE_TYPE_TUNER, 0, QLX_INPUT_CLASS_NONE,
+                          QLX_VIDEO_INPUT_MODE_TUNER};
+    EXPECT_EQ(QLX_VideoOpen(0, &attr), QLX_FAILED);
+    sim::SignalSource station = source_;
+    station.picture.height = 480;
+    sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 2, station);
+    EXPECT_EQ(QLX_VideoOpen(0, &attr), 0);
+    EXPECT_EQ(QLX_VideoRegisterCallback(0, &video_, onVideo), 0);
+    EXPECT_EQ(QLX_VideoStart(0, 0, 0), 0);
+    sim::sleepMs(500);
+    EXPECT_EQ(namesOf(video_.all(), true), "start frame present");
+    EXPECT_EQ(video_.first(QLX_EVENT_VIDEO_INFO_CHANGE).video.uFrameHeight, 480);
+    EXPECT_EQ(sim::videoShown(0).origin.signalIndex, 2u);
+    // Another front end, the one that the program names, is opened beside it.
+    video_.clear();
+    station.picture.height = 576;
+    sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 0, station);
+    sim::sleepMs(1000);
+    EXPECT_EQ(namesOf(video_.all(), true), "present");
+    EXPECT_EQ(sim::videoShown(0).origin.signalIndex, 0u);
+    sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 0, {});
+    sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 2, {});
+}
+
 }  // namespace
