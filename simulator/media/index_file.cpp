@@ -25,8 +25,6 @@ uint64_t checksumOf(const char* bytes, size_t size) {
 
 class Writer {
  public:
-    static constexpr bool reads = false;
-
     template <typename T>
     void number(const T& value) {
         auto bits = static_cast<uint64_t>(value);
@@ -43,8 +41,6 @@ class Writer {
 
 class Reader {
  public:
-    static constexpr bool reads = true;
-
     explicit Reader(const std::string& contents, size_t end) : contents_(contents), end_(end) {}
 
     template <typename T>
