@@ -31,7 +31,7 @@ enum QLX_VOutError {
 };
 
 enum QLX_VOutEvent {
-    /** The source's picture has changed; the data word is the frame rate, 0 when it is gone. */
+    /** The output's timing has changed; the data word is its frame rate. */
     QLX_VOUT_EVENT_SOURCE_CHANGED = 2,
 };
 

@@ -59,26 +59,6 @@ uint8_t channelsIn(uint32_t mode) {
     }
 }
 
-/** Tells decoders and outputs what the front end receives. Called with the family locked. */
-void publish(const Afe& afe) {
-    constexpr uint32_t of525Lines = QLX_ANALOG_CLRSTD_NTSC | QLX_ANALOG_CLRSTD_NTSC443 |
-                                    QLX_ANALOG_CLRSTD_PAL_M | QLX_ANALOG_CLRSTD_PAL_60;
-    SignalSource source;
-    source.open = afe.open;
-    source.locked = afe.lock.video;
-    source.sinceMs = afe.lock.video ? afe.lockedAtMs : 0;
-    if (afe.lock.video) {
-        const Station& station = afe.lock.station;
-        source.name =
-            format("ATV %u.%02u MHz", station.frequency / 1000, station.frequency % 1000 / 10);
-        source.picture = {720, 576, 25, 1, true, 4, 3};
-        if ((station.color & of525Lines) != 0)
-            source.picture = {720, 480, 30000, 1001, true, 4, 3};
-        source.sound = {channelsIn(soundModeOf(afe)), 48000, station.toneHz};
-    }
-    setSignalSource(QLX_SOURCE_TYPE_TUNER, afe.id, source);
-}
-
 /** Lets the program hear of an event. Called with the family locked. */
 void tell(Afe& afe, int64_t delayMs, uint32_t event, uint32_t word) {
     if (afe.callback == nullptr)
@@ -110,7 +90,7 @@ void soundFound(Afe& afe) {
 void enterLock(Afe& afe, const AnalogLock& now) {
     afe.lock = now;
     afe.lockedAtMs = nowMs();
-    publish(afe);
+    publishAfe(afe);
     tell(afe, 0, QLX_EVENT_ANALOG_SIGNAL_LOCKED, now.video ? 1 : 0);
     if (now.video)
         afe.events->post(&afe, board().number("AFE", "SOUND_MS"), [&afe] { soundFound(afe); });
@@ -147,7 +127,7 @@ void airChanged() {
             afe.chosenMode = -1;
             afe.events->post(&afe, board().number("AFE", "SOUND_MS"), [&afe] { soundFound(afe); });
         }
-        publish(afe);
+        publishAfe(afe);
     }
 }
 
@@ -166,7 +146,7 @@ void leaveChannel(std::unique_lock<std::mutex>& lock, Afe& afe) {
     lock.unlock();
     afe.events->cancel(&afe);
     lock.lock();
-    publish(afe);
+    publishAfe(afe);
 }
 
 void closeAfe(std::unique_lock<std::mutex>& lock, Afe& afe) {
@@ -244,6 +224,25 @@ uint32_t soundModeOf(const Afe& afe) {
     return afe.lock.video ? afe.lock.station.sound : static_cast<uint32_t>(QLX_SND_OUT_MODE_MONO);
 }
 
+void publishAfe(const Afe& afe) {
+    constexpr uint32_t of525Lines = QLX_ANALOG_CLRSTD_NTSC | QLX_ANALOG_CLRSTD_NTSC443 |
+                                    QLX_ANALOG_CLRSTD_PAL_M | QLX_ANALOG_CLRSTD_PAL_60;
+    SignalSource source;
+    source.open = afe.open;
+    source.locked = afe.lock.video;
+    source.sinceMs = afe.lock.video ? afe.lockedAtMs : 0;
+    if (afe.lock.video) {
+        const Station& station = afe.lock.station;
+        source.name =
+            format("ATV %u.%02u MHz", station.frequency / 1000, station.frequency % 1000 / 10);
+        source.picture = {720, 576, 25, 1, true, 4, 3};
+        if ((station.color & of525Lines) != 0)
+            source.picture = {720, 480, 30000, 1001, true, 4, 3};
+        source.sound = {channelsIn(soundModeOf(afe)), 48000, station.toneHz};
+    }
+    setSignalSource(QLX_SOURCE_TYPE_TUNER, afe.id, source);
+}
+
 extern const Family familyAfe = {reset, describe};
 
 }  // namespace sim
@@ -282,7 +281,7 @@ int32_t QLX_AFEOpen(uint32_t eTunerId) {
     if (!afe.initialised)
         SIM_RETURN(QLX_FAILED);
     afe.open = true;
-    sim::publish(afe);
+    sim::publishAfe(afe);
     SIM_RETURN(QLX_SUCCESS);
 }
 

@@ -50,6 +50,9 @@ uint32_t colorStandardOf(const Afe& afe);
 /** QLX_SndOutMode. */
 uint32_t soundModeOf(const Afe& afe);
 
+/** Tells decoders and outputs what the front end receives. Called with the family locked. */
+void publishAfe(const Afe& afe);
+
 }  // namespace sim
 
 #endif

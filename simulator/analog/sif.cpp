@@ -71,5 +71,6 @@ int32_t QLX_SIFSetSndOutMode(uint32_t eTunerId, uint32_t eMode) {
     if (int32_t refusal = afeRefusal(eTunerId))
         SIM_RETURN(refusal);
     afeFamily().afes[eTunerId].chosenMode = eMode;
+    sim::publishAfe(afeFamily().afes[eTunerId]);
     SIM_RETURN(QLX_SUCCESS);
 }

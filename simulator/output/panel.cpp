@@ -71,7 +71,7 @@ void drawLayer(const PanelLayer& layer, const Picture& picture, Picture* panel) 
         for (int64_t x = out.x; x < right; x++) {
             double sourceX = placeOn(across, x, layer.nonLinear && !exact);
             uint8_t* pixel = &panel->rgb[static_cast<size_t>(y * panel->width + x) * 3];
-            bool black = layer.muted || sourceX >= picture.width || sourceY >= picture.height;
+            bool black = sourceX >= picture.width || sourceY >= picture.height;
             const uint8_t nothing[3] = {0, 0, 0};
             const uint8_t* source =
                 black ? nothing

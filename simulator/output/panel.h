@@ -37,7 +37,7 @@ std::vector<PanelLayer> panelLayers();
 /** The picture of a decoder, in its own size; empty when there is none. */
 Picture pictureOf(const VideoShown& shown);
 
-/** Puts a picture into its place. Where a muted layer or one without a picture stands is black. */
+/** Puts a picture into the layer's place, which is black where the picture does not reach. */
 void drawLayer(const PanelLayer& layer, const Picture& picture, Picture* panel);
 
 /** The whole panel as it is now. */

@@ -4,6 +4,8 @@
 // is up; an open output that is opened again changes over to the new source and stays as it is in
 // all else. Closing, disabling and unregistering are a success in any state, muting needs the
 // service alone; the rest needs an open output.
+//
+// No event comes: an output's timing is the panel's, which does not change.
 #include <mutex>
 
 #include "platform/qlx_vout.h"

@@ -42,10 +42,11 @@ const Glyph glyphs[] = {
 };
 // clang-format on
 
+/** Fills a rectangle that lies within the picture. */
 void fill(Picture* picture, uint32_t left, uint32_t top, uint32_t right, uint32_t bottom,
           const uint8_t (&color)[3]) {
-    for (uint32_t y = top; y < std::min(bottom, picture->height); y++) {
-        for (uint32_t x = left; x < std::min(right, picture->width); x++)
+    for (uint32_t y = top; y < bottom; y++) {
+        for (uint32_t x = left; x < right; x++)
             std::copy(color, color + 3, &picture->rgb[(y * picture->width + x) * 3]);
     }
 }

@@ -2,6 +2,7 @@
 // time, what is forced and what is read back, stations that change.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -268,6 +269,27 @@ TEST_F(SimAfe, StandardsAreTheForcedThenTheAskedThenTheStations) {
     EXPECT_EQ(standards(), Words({256, 256, 256, 256}));
 }
 
+TEST_F(SimAfe, TheDiscriminatorLeadsASearchToTheCarrierFromAllOfItsWindow) {
+    Ear ear;
+    openAfe(0, &ear);
+    for (int32_t start = -400; start <= 400; start += 50) {
+        int32_t distance = start;
+        unsigned steps = 0;
+        for (;; steps++) {
+            ASSERT_LT(steps, 5u) << "from " << start;
+            tune(0, static_cast<uint32_t>(static_cast<int32_t>(channel0) + distance));
+            sim::sleepMs(300);
+            ASSERT_EQ(statusOf(0).bVideoDecoderLock, 1u) << "from " << start;
+            // Tuned below the carrier, it counts up from 0; above it, down from 15.
+            int32_t afc = static_cast<int32_t>(statusOf(0).eAFCDistance);
+            if (afc <= QLX_AFC_MINUS_37p5KHz || afc >= QLX_AFC_PLUS_37p5KHz)
+                break;
+            distance += afc <= QLX_AFC_MINUS_187p5KHz ? afc * 25 : (afc - 15) * 25;
+        }
+        EXPECT_LT(std::abs(distance), 51) << "from " << start;
+    }
+}
+
 TEST_F(SimAfe, StationsAndCablesChangeWhatIsReceived) {
     Ear ear;
     openAfe(0, &ear);
@@ -296,6 +318,8 @@ TEST_F(SimAfe, StationsAndCablesChangeWhatIsReceived) {
     EXPECT_EQ(ear.listen(1000), Lines({"+0 2 0"}));
     EXPECT_EQ(qlx_sim_event("cable 0 in"), 0);
     EXPECT_EQ(ear.listen(1000), Lines({"+0 2 1"}));
+    EXPECT_EQ(QLX_SIFSetSndOutMode(0, QLX_SND_OUT_MODE_MONO), 0);
+    EXPECT_EQ(sim::signalSource(QLX_SOURCE_TYPE_TUNER, 0).sound.channels, 1);
     EXPECT_EQ(qlx_sim_event("station 471250 COLOR=2"), 0);
     EXPECT_EQ(sim::signalSource(QLX_SOURCE_TYPE_TUNER, 0).picture.height, 480);
     EXPECT_EQ(QLX_AFEClose(0), 0);

@@ -168,6 +168,18 @@ TEST_F(SimExtIn, ARegistrationIsToldEveryPortAndThenEachChange) {
     EXPECT_EQ(ear.listen(500), Lines());
 }
 
+TEST_F(SimExtIn, TheEndOfTheServiceEndsWhatWasToCome) {
+    Ear ear;
+    EXPECT_EQ(QLX_ExtInInit(), 0);
+    EXPECT_EQ(QLX_ExtInRegisterCallback(&ear, Ear::callback), 0);
+    EXPECT_EQ(QLX_ExtInDeInit(), 0);
+    EXPECT_EQ(ear.listen(50), Lines());
+    EXPECT_EQ(QLX_ExtInInit(), 0);
+    EXPECT_EQ(QLX_ExtInRegisterCallback(&ear, Ear::callback), 0);
+    EXPECT_EQ(ear.listen(99), Lines()) << "nothing of the first registration";
+    EXPECT_EQ(ear.listen(50).size(), 11u);
+}
+
 TEST_F(SimExtIn, AnOpenedPortNeedsTimeToMeasure) {
     EXPECT_EQ(QLX_ExtInInit(), 0);
     EXPECT_EQ(QLX_ExtInOpen(&hdmi0), 0);

@@ -178,6 +178,37 @@ TEST_F(SimPanel, AFrozenOutputHoldsItsPicture) {
     EXPECT_NE(sim::composePanel().rgb, held.rgb) << "the time runs on";
 }
 
+TEST_F(SimPanel, AnOutputShowsTheDecoderOfItsSource) {
+    playHdmi();
+    for (uint32_t port : {1u, 2u}) {
+        const QLX_ExtInSource input = {QLX_SOURCE_TYPE_HDMI, port, 0};
+        EXPECT_EQ(QLX_ExtInOpen(&input), 0);
+    }
+    const QLX_VideoAttr hdmi1 = {QLX_SOURCE_TYPE_HDMI, 1, 0, QLX_VIDEO_INPUT_MODE_EXTERNAL};
+    EXPECT_EQ(QLX_VideoOpen(1, &hdmi1) | QLX_VideoStart(1, 0, 0), 0);
+    sim::sleepMs(1000);
+    const struct {
+        QLX_Source source;
+        uint32_t output;
+        uint32_t decoder;
+        const char* why;
+    } rows[] = {
+        {{QLX_SOURCE_TYPE_HDMI, 1, 0}, 0, 1, "this very source"},
+        {{QLX_SOURCE_TYPE_HDMI, 0, 0}, 1, 0, "this very source"},
+        {{QLX_SOURCE_TYPE_HDMI, 2, 0}, 1, 1, "the output's number, of the kind"},
+        {{QLX_SOURCE_TYPE_HDMI, 2, 0}, 2, 0, "the first of the kind"},
+        {{QLX_SOURCE_TYPE_AV_CVBS, 0, 0}, 1, 0, "the first that is open"},
+    };
+    for (const auto& row : rows) {
+        for (uint32_t output = 0; output < QLX_VOUTDEV_NUMBER_MAX; output++)
+            EXPECT_EQ(QLX_VOutClose(output), 0);
+        EXPECT_EQ(QLX_VOutOpen(row.output, &row.source) | QLX_VOutEnable(row.output), 0);
+        std::vector<sim::PanelLayer> layers = sim::panelLayers();
+        ASSERT_EQ(layers.size(), 1u);
+        EXPECT_EQ(layers[0].shown.source.uSourceIndex, row.decoder) << row.why;
+    }
+}
+
 TEST_F(SimPanel, AMutedOutputAboveHidesTheOneBelow) {
     playHdmi();
     const QLX_Source stream = {QLX_SOURCE_TYPE_STREAM_INJECT, 0, 0};
@@ -231,6 +262,7 @@ TEST_F(SimPanel, ASinkPlaysTheSourcesToneAtItsVolume) {
         return true;
     };
     EXPECT_FALSE(silent(0));
+    EXPECT_EQ(QLX_AOutSetVolume(1, 100) | QLX_AOutSetMute(1, 0), 0);
     EXPECT_TRUE(silent(1)) << "a sink that is not open";
     EXPECT_EQ(QLX_AOutSetMute(0, 1), 0);
     EXPECT_TRUE(silent(0));
