@@ -127,6 +127,14 @@ TEST_F(SimPanel, ThePictureStandsInItsRectangle) {
     const QLX_VOutRect half = {960, 0, 960, 540, 0};
     EXPECT_EQ(QLX_VOutSetRect(0, &half, &window, 0, 0), 0);
     EXPECT_EQ(at(sim::composePanel(), 1000, 500), Color({191, 0, 191}));
+    // Beyond the picture is nothing.
+    const QLX_VOutRect beyond = {960, 540, 1920, 1080, 0};
+    const QLX_VOutRect all = {0, 0, 1920, 1080, 0};
+    EXPECT_EQ(QLX_VOutSetRect(0, &beyond, &all, 0, 0), 0);
+    panel = sim::composePanel();
+    EXPECT_EQ(at(panel, 0, 0), Color({191, 0, 191}));
+    EXPECT_EQ(at(panel, 960, 0), black);
+    EXPECT_EQ(at(panel, 0, 540), black);
     const QLX_VOutRect large = {960, 540, 10000, 10000, 0};
     EXPECT_EQ(QLX_VOutSetRect(0, &none, &large, 0, 0), 0);
     panel = sim::composePanel();
@@ -185,7 +193,11 @@ TEST_F(SimPanel, AnOutputShowsTheDecoderOfItsSource) {
         EXPECT_EQ(QLX_ExtInOpen(&input), 0);
     }
     const QLX_VideoAttr hdmi1 = {QLX_SOURCE_TYPE_HDMI, 1, 0, QLX_VIDEO_INPUT_MODE_EXTERNAL};
+    const QLX_ExtInSource cvbs = {QLX_SOURCE_TYPE_AV_CVBS, 0, QLX_INPUT_CLASS_CVBS};
+    const QLX_VideoAttr cvbs0 = {QLX_SOURCE_TYPE_AV_CVBS, 0, QLX_INPUT_CLASS_CVBS,
+                                 QLX_VIDEO_INPUT_MODE_EXTERNAL};
     EXPECT_EQ(QLX_VideoOpen(1, &hdmi1) | QLX_VideoStart(1, 0, 0), 0);
+    EXPECT_EQ(QLX_ExtInOpen(&cvbs) | QLX_VideoOpen(2, &cvbs0) | QLX_VideoStart(2, 0, 0), 0);
     sim::sleepMs(1000);
     const struct {
         QLX_Source source;
@@ -197,7 +209,8 @@ TEST_F(SimPanel, AnOutputShowsTheDecoderOfItsSource) {
         {{QLX_SOURCE_TYPE_HDMI, 0, 0}, 1, 0, "this very source"},
         {{QLX_SOURCE_TYPE_HDMI, 2, 0}, 1, 1, "the output's number, of the kind"},
         {{QLX_SOURCE_TYPE_HDMI, 2, 0}, 2, 0, "the first of the kind"},
-        {{QLX_SOURCE_TYPE_AV_CVBS, 0, 0}, 1, 0, "the first that is open"},
+        {{QLX_SOURCE_TYPE_AV_CVBS, 1, 0}, 0, 2, "the only one of the kind"},
+        {{QLX_SOURCE_TYPE_AV_YPBPR, 0, 0}, 1, 0, "the first that is open"},
     };
     for (const auto& row : rows) {
         for (uint32_t output = 0; output < QLX_VOUTDEV_NUMBER_MAX; output++)
@@ -205,7 +218,10 @@ TEST_F(SimPanel, AnOutputShowsTheDecoderOfItsSource) {
         EXPECT_EQ(QLX_VOutOpen(row.output, &row.source) | QLX_VOutEnable(row.output), 0);
         std::vector<sim::PanelLayer> layers = sim::panelLayers();
         ASSERT_EQ(layers.size(), 1u);
-        EXPECT_EQ(layers[0].shown.source.uSourceIndex, row.decoder) << row.why;
+        const QLX_VideoAttr& shown = layers[0].shown.source;
+        const QLX_VideoAttr& wanted = sim::videoShown(row.decoder).source;
+        EXPECT_EQ(shown.eSourceType, wanted.eSourceType) << row.why;
+        EXPECT_EQ(shown.uSourceIndex, wanted.uSourceIndex) << row.why;
     }
 }
 
