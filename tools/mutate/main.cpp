@@ -109,18 +109,38 @@ std::vector<std::string> suitesOf(const fs::path& program, const fs::path& out) 
     return suites;
 }
 
+/** The tests of a Python script, "Class.test_method". */
+std::vector<std::string> testsOf(const fs::path& script) {
+    std::vector<std::string> tests;
+    std::string group;
+    for (const std::string& line : readLines(script)) {
+        constexpr size_t classWord = 6;
+        constexpr size_t methodWord = 8;
+        if (line.compare(0, classWord, "class ") == 0)
+            group = line.substr(classWord, line.find_first_of("(:") - classWord);
+        else if (line.compare(0, methodWord + 5, "    def test_") == 0)
+            tests.push_back(group + "." + line.substr(methodWord, line.find('(') - methodWord));
+    }
+    return tests;
+}
+
 void listJudges(const Options& options, const Builder& builder, Work* work) {
     const fs::path source = fs::canonical(options.source);
     const fs::path build = fs::canonical(options.build);
+    const fs::path bench = fs::absolute(options.out) / "bench";
+    std::string layOut = "'" + (source / "tools/torture_bench.sh").string() + "' '" +
+                         build.string() + "' '" + bench.string() + "' > /dev/null";
+    if (!work->scope->golden.empty() && system(layOut.c_str()) != 0)
+        throw std::runtime_error("cannot lay out " + bench.string());
     for (const char* module : work->scope->golden) {
         for (const std::string& name :
              casesOf(source / "tests/golden/calls" / (std::string(module) + ".txt")))
             work->judges.push_back(
                 {"golden " + name,
                  name,
-                 {"{bin}/goldencalls", "--dir", build / "golden_bench", "--golden",
-                  source / "tests/golden/calls", "--operators", source / "tests/golden/operator",
-                  "--module", module, "--name", name, "--jobs", "1"},
+                 {"{bin}/goldencalls", "--dir", bench, "--golden", source / "tests/golden/calls",
+                  "--operators", source / "tests/golden/operator", "--module", module, "--name",
+                  name, "--jobs", "1"},
                  0,
                  {}});
     }
@@ -137,13 +157,16 @@ void listJudges(const Options& options, const Builder& builder, Work* work) {
                 {std::string(suites.program) + " " + suite, suite, words, 0, {}});
         }
     }
-    for (const char* script : work->scope->scripts)
-        work->judges.push_back(
-            {script,
-             script,
-             {"/usr/bin/python3", std::string("tests/scenario/") + script + ".py"},
-             0,
-             {}});
+    for (const char* script : work->scope->scripts) {
+        for (const std::string& test :
+             testsOf(source / "tests/scenario" / (std::string(script) + ".py")))
+            work->judges.push_back(
+                {std::string(script) + " " + test,
+                 test,
+                 {"/usr/bin/python3", std::string("tests/scenario/") + script + ".py", test},
+                 0,
+                 {}});
+    }
 }
 
 /** Does `each` for the numbers below `count`, on all workers. */

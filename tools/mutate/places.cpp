@@ -212,14 +212,71 @@ class Finder {
         return out;
     }
 
-    /** Whether an expression stands so in its file, blanks aside. What only a macro of another file
-     *  puts there, no edit of this one can change. */
-    bool isWritten(const std::string& text, size_t at) {
-        std::string path = lines_.at(at).first;
+    /** What is known of a file that is changed. */
+    struct Written {
+        std::vector<std::string> lines;
+        std::vector<std::string> dense;
+        std::string whole;
+        /** The macros that it defines. */
+        std::set<std::string> macros;
+    };
+
+    const Written& written(const std::string& path) {
         auto known = written_.find(path);
-        if (known == written_.end())
-            known = written_.emplace(path, withoutBlanks(readText(path))).first;
-        return known->second.find(withoutBlanks(text)) != std::string::npos;
+        if (known != written_.end())
+            return known->second;
+        Written file;
+        for (const std::string& line : readLines(path)) {
+            file.lines.push_back(line);
+            file.dense.push_back(withoutBlanks(line));
+            file.whole += file.dense.back();
+            constexpr char define[] = "#define";
+            if (file.dense.back().compare(0, sizeof define - 1, define) == 0) {
+                size_t begin = line.find_first_not_of(' ', line.find("define") + 6);
+                file.macros.insert(line.substr(begin, line.find_first_of("( ", begin) - begin));
+            }
+        }
+        return written_.emplace(path, file).first->second;
+    }
+
+    /** Whether an expression stands so at its place in its file, blanks aside, or in a macro of
+     * that file that is used there. What only a macro of another file puts there, no edit of this
+     * one can change. */
+    bool isWritten(const std::string& text, size_t at) {
+        // A macro's arguments are told as if they stood in its first line.
+        constexpr unsigned linesOfAMacro = 12;
+        auto place = lines_.at(at);
+        const Written& file = written(place.first);
+        constexpr unsigned linesOfANumber = 3;
+        std::string near;
+        std::string nearest;
+        for (unsigned i = 0; i < linesOfAMacro; i++) {
+            size_t line = place.second + i - 1;
+            near += line < file.lines.size() ? file.dense[line] : "";
+            if (i < linesOfANumber)
+                nearest += line < file.lines.size() ? file.lines[line] + " " : "";
+        }
+        const std::string plain = withoutBlanks(text);
+        bool isNumber = isdigit(static_cast<unsigned char>(plain[0])) != 0;
+        if (isNumber ? hasWord(nearest, plain) : near.find(plain) != near.npos)
+            return true;
+        bool usesOwn =
+            place.second >= 1 && place.second <= file.lines.size() &&
+            std::any_of(file.macros.begin(), file.macros.end(), [&](const std::string& macro) {
+                return file.lines[place.second - 1].find(macro) != std::string::npos;
+            });
+        return usesOwn && file.whole.find(plain) != file.whole.npos;
+    }
+
+    /** Whether a number stands in a text by itself. */
+    static bool hasWord(const std::string& text, const std::string& word) {
+        auto isOf = [](char c) { return isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; };
+        for (size_t at = 0; (at = text.find(word, at)) != text.npos; at++) {
+            size_t end = at + word.size();
+            if ((at == 0 || !isOf(text[at - 1])) && (end == text.size() || !isOf(text[end])))
+                return true;
+        }
+        return false;
     }
     static std::string withoutBlanks(std::string text) {
         text.erase(std::remove_if(text.begin(), text.end(),
@@ -643,7 +700,7 @@ class Finder {
     Places* places_;
     std::map<std::string, size_t> known_;
     std::map<std::string, unsigned> ordinal_;
-    std::map<std::string, std::string> written_;
+    std::map<std::string, Written> written_;
     std::set<std::string> addressed_;
 };
 
