@@ -77,7 +77,6 @@ void takePicture(const DecoderKind& kind, Decoder& decoder, const UnitMoment& mo
     run.cutUs = 0;
     run.shown = run.feed;
     run.first = moment;
-    run.uselessTold = false;
     run.changesFromUs = moment.beginUs + 1;
     run.errorsFromUs = std::max(run.errorsFromUs, moment.beginUs + 1);
     DecoderInfo info = {};
@@ -186,9 +185,7 @@ Step nextStep(const DecoderKind& kind, Decoder& decoder, int64_t now) {
     DecoderInfo info;
     if (run.pausedUs == 0 && run.feed.kind == DecoderFeed::Kind::signal && !run.decoding() &&
         kind.ofSignal(decoder, run.feed.signal, &info))
-        step.consider(
-            std::max({run.feed.sinceUs, run.fromUs, startUs}) + boardUs(kind, "SIGNAL_MS"),
-            takePicture);
+        step.consider(std::max(run.fromUs, startUs) + boardUs(kind, "SIGNAL_MS"), takePicture);
     if (run.picture && run.cutUs != 0)
         step.consider(run.cutUs + boardUs(kind, "LOSS_MS"), takeGone);
     return step;

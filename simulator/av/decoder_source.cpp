@@ -43,13 +43,11 @@ DecoderFeed lookAtDemux(const DecoderSource& source, const DecoderFeed& before, 
     return feed;
 }
 
-DecoderFeed lookAtSignal(const DecoderSource& source, int64_t now) {
+DecoderFeed lookAtSignal(const DecoderSource& source) {
     DecoderFeed feed;
-    feed.sinceUs = now;
     if (!findSignal(source, &feed.signalIndex))
         return feed;
     feed.signal = signalSource(source.kind, feed.signalIndex);
-    feed.sinceUs = feed.signal.sinceMs * 1000;
     if (feed.signal.open && feed.signal.locked)
         feed.kind = DecoderFeed::Kind::signal;
     return feed;
@@ -96,7 +94,7 @@ DecoderFeed lookAtSource(const DecoderSource& source, const DecoderFeed& before,
     if (isStreamKind(source.kind))
         return lookAtDemux(source, before, now);
     if (isSignalKind(source.kind))
-        return lookAtSignal(source, now);
+        return lookAtSignal(source);
     return before;
 }
 

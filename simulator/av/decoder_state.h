@@ -63,10 +63,10 @@ struct DecoderEvent {
 struct DecoderFeed {
     enum class Kind { nothing, stream, signal };
     Kind kind = Kind::nothing;
-    /** Since when it flows without a gap, or does not. */
-    int64_t sinceUs = 0;
 
     TsStreamPtr stream;
+    /** Since when it flows without a gap. */
+    int64_t sinceUs = 0;
     /** Of the demultiplexer (DemuxView), and what it is connected to. */
     uint64_t change = 0;
     QLX_Source connection = {};
@@ -116,7 +116,7 @@ struct DecoderRun {
     /** The first picture has been told since the start or the flush. */
     bool firstTold = false;
     bool synced = false;
-    /** That the data do not decode has been told since the last picture. */
+    /** That the data do not decode has been told. */
     bool uselessTold = false;
     /** The last information event, and whether there was one. */
     bool infoTold = false;

@@ -46,7 +46,7 @@ class SimDecoderTime : public testing::Test {
         char name[] = "/tmp/decoder_test.XXXXXX";
         folder_ = mkdtemp(name);
         file_ = folder_ + "/air.ts";
-        writeStream();
+        writeStream(file_);
         QLX_Source tuner = {QLX_SOURCE_TYPE_TUNER, 0, 0};
         ASSERT_EQ(QLX_DemuxInit(), 0);
         ASSERT_EQ(QLX_DemuxOpen(0), 0);
@@ -66,20 +66,24 @@ class SimDecoderTime : public testing::Test {
         rmdir(folder_.c_str());
     }
 
-    void writeStream() {
+    static void writeStream(const std::string& path) {
         const demux_test::Bytes bytes = decoderStream();
-        FILE* file = fopen(file_.c_str(), "wb");
+        FILE* file = fopen(path.c_str(), "wb");
         ASSERT_NE(file, nullptr);
         EXPECT_EQ(fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
         fclose(file);
     }
 
-    /** Lets tuner 0 receive the stream, or nothing. */
-    void receive(bool received) {
+    /** Lets a tuner receive a stream, nothing when that is empty. */
+    static void tune(uint32_t tuner, const std::string& path) {
         static uint64_t sequence = UINT64_C(1) << 41;
         auto transmitter = std::make_shared<sim::Transmitter>();
-        transmitter->stream = file_;
-        sim::setReception(0, ++sequence, received ? transmitter : nullptr);
+        transmitter->stream = path;
+        sim::setReception(tuner, ++sequence, path.empty() ? nullptr : transmitter);
+    }
+    /** Lets tuner 0 receive the stream, or nothing. */
+    void receive(bool received) {
+        tune(0, received ? file_ : "");
     }
 
     /** Waits for that time of a loop; answers it as device time. */
@@ -331,6 +335,19 @@ TEST_F(SimDecoderTime, AnInterruptedDemultiplexerBeginsAnew) {
     EXPECT_EQ(names(), "lost sync lost absent stop") << "the absence is told once";
 }
 
+TEST_F(SimDecoderTime, AnotherTunerIsAnInterruption) {
+    std::string copy = folder_ + "/other.ts";
+    writeStream(copy);
+    tune(1, copy);
+    play();
+    QLX_Source tuner = {QLX_SOURCE_TYPE_TUNER, 1, 0};
+    EXPECT_EQ(QLX_DemuxConnectSource(0, &tuner), 0);
+    sim::sleepMs(1500);
+    EXPECT_EQ(names(), "lost sync");
+    tune(1, "");
+    unlink(copy.c_str());
+}
+
 TEST_F(SimDecoderTime, PauseAndResume) {
     play();
     EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
@@ -344,6 +361,12 @@ TEST_F(SimDecoderTime, PauseAndResume) {
     EXPECT_EQ(pts() - held, 10000u * 90) << "with what is on the air";
     sim::sleepMs(2000);
     EXPECT_EQ(names(), "") << "and without a first picture";
+    EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
+    held = pts();
+    sim::sleepMs(1000);
+    receive(false);
+    sim::sleepMs(lossMs / 2);
+    EXPECT_EQ(pts(), held) << "the picture that was held stays on the screen";
 }
 
 TEST_F(SimDecoderTime, APausedDecoderTellsANewFormatWhenItGoesOn) {
@@ -358,6 +381,28 @@ TEST_F(SimDecoderTime, APausedDecoderTellsANewFormatWhenItGoesOn) {
     sim::sleepMs(10);
     ASSERT_EQ(names(), "present");
     EXPECT_EQ(log_.all()[0].video.uFrameWidth, 1920);
+}
+
+TEST_F(SimDecoderTime, WhatCameDuringAPauseIsPassedOver) {
+    decodersFind().units[100].flags |= sim::unit_damaged;
+    play();
+    EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
+    awaitLoop(4500);
+    EXPECT_EQ(sim::decoderPause(family(), 0, false), 0);
+    sim::sleepMs(1000);
+    EXPECT_EQ(names(), "");
+    EXPECT_EQ(stop(), 0);
+    log_.clear();
+    // Paused before the first picture: it is the next one after the pause.
+    awaitLoop(400);
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(sim::decoderPause(family(), 0, true), 0);
+    int64_t at = awaitLoop(3000);
+    EXPECT_EQ(names(), "start");
+    EXPECT_EQ(sim::decoderPause(family(), 0, false), 0);
+    sim::sleepMs(1000);
+    EXPECT_EQ(names(), "start frame present sync");
+    EXPECT_EQ(msOf(QLX_EVENT_VIDEO_FRAME_READY, at), 360 + firstMs);
 }
 
 TEST_F(SimDecoderTime, AFlushBeginsAnew) {
@@ -564,7 +609,9 @@ TEST_F(SimDecoderSignal, WhatIsToldIsAnsweredToo) {
 
 TEST_F(SimDecoderSignal, ASoundTellsWhatIsChosen) {
     EXPECT_EQ(QLX_AudioStart(0, 0, 0), 0);
+    EXPECT_EQ(QLX_AudioFlush(0), 0);
     sim::sleepMs(500);
+    EXPECT_EQ(namesOf(audio_.all(), false), "present") << "what was not there does not end";
     audio_.clear();
     EXPECT_EQ(QLX_AudioSetDigitalAudioMode(0, QLX_AUDIO_DIGITAL_MODE_TRACK_B), 0);
     sim::sleepMs(10);
@@ -599,8 +646,15 @@ TEST_F(SimDecoderSignal, OutputsSeeWhatIsPlayed) {
     EXPECT_EQ(played.origin.kind, sim::DecoderOrigin::Kind::signal);
     EXPECT_EQ(played.volume, 50u);
     EXPECT_FALSE(played.muted) << "another source of the decoder is";
+    EXPECT_EQ(QLX_AudioSetPrescaler(0, 200), 0);
+    EXPECT_EQ(QLX_AudioSetDigitalAudioMode(0, QLX_AUDIO_DIGITAL_MODE_TRACK_A), 0);
     EXPECT_EQ(QLX_AudioPause(0), 0);
-    EXPECT_TRUE(sim::audioPlayed(0).paused);
+    EXPECT_EQ(QLX_VideoPause(0), 0);
+    EXPECT_TRUE(sim::videoShown(0).paused);
+    played = sim::audioPlayed(0);
+    EXPECT_TRUE(played.paused);
+    EXPECT_EQ(played.prescaler, 200);
+    EXPECT_EQ(played.digitalMode, static_cast<uint32_t>(QLX_AUDIO_DIGITAL_MODE_TRACK_A));
     set(true, false);
     sim::sleepMs(10);
     EXPECT_EQ(sim::videoShown(0).origin.kind, sim::DecoderOrigin::Kind::signal) << "frozen";
@@ -625,9 +679,11 @@ TEST_F(SimDecoderSignal, AnAnalogDecoderFollowsTheFrontEndThatIsOpen) {
     // Another front end, the one that the program names, is opened beside it.
     video_.clear();
     station.picture.height = 576;
+    int64_t at = sim::nowMs();
     sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 0, station);
     sim::sleepMs(1000);
     EXPECT_EQ(namesOf(video_.all(), true), "present");
+    EXPECT_EQ(video_.all()[0].ms - at, signalMs);
     EXPECT_EQ(sim::videoShown(0).origin.signalIndex, 0u);
     sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 0, {});
     sim::setSignalSource(QLX_SOURCE_TYPE_TUNER, 2, {});
