@@ -1,10 +1,11 @@
 // Plays every channel of the line-up on the simulated device's decoders, from several moments of
 // its loop, and tells a line of words for each play:
 //
-//     line_up_player [SYSTEM CHANNEL VIDEO_FORMAT AUDIO_FORMAT]
+//     line_up_player [SYSTEM CHANNEL VIDEO_FORMAT AUDIO_FORMAT [FOLDER]]
 //
-// With arguments, that channel alone, started in these formats. The working directory is a bench
-// folder; it runs in virtual time.
+// With arguments, that channel alone, started in these formats; with a folder, what is then on the
+// panel and in the speaker is captured there: panel.png, speaker.wav of a second. The working
+// directory is a bench folder; it runs in virtual time.
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -12,9 +13,11 @@
 #include <string>
 #include <utility>
 
+#include "platform/qlx_aout.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_tuner.h"
 #include "platform/qlx_videosync.h"
+#include "platform/qlx_vout.h"
 #include "simulator/core/board.h"
 #include "simulator/sim_control.h"
 #include "simulator/tuner/reception.h"
@@ -82,13 +85,30 @@ void bringUp(const sim::TransmitterPtr& transmitter, Log* video, Log* audio) {
     }
 }
 
+/** Looks at what goes out, over the whole panel and at full volume. */
+void captureOutputs(const std::string& folder) {
+    QLX_Source source = {QLX_SOURCE_TYPE_DEMUX, 0, 0};
+    bool shown = QLX_VOutInit() == 0 && QLX_VOutOpen(0, &source) == 0 && QLX_VOutEnable(0) == 0 &&
+                 QLX_VOutSetMute(0, QLX_FALSE) == 0 && QLX_AOutInit() == 0 &&
+                 QLX_AOutOpen(0, QLX_OUTPUT_SOURCE_SPEAKER) == 0 &&
+                 QLX_AOutSetVolume(0, 100) == 0 && QLX_AOutSetMute(0, QLX_FALSE) == 0 &&
+                 QLX_AudioSetVolume(0, QLX_AUDIO_SOURCE_MAIN, 100) == 0 &&
+                 QLX_AudioSetMute(0, QLX_AUDIO_SOURCE_MAIN, QLX_FALSE) == 0;
+    if (!shown || qlx_sim_event(("capture panel " + folder + "/panel.png").c_str()) != 0 ||
+        qlx_sim_event(("capture sound " + folder + "/speaker.wav speaker 1000").c_str()) != 0) {
+        fprintf(stderr, "line_up_player: the outputs cannot be captured\n");
+        exit(1);
+    }
+}
+
 std::string underscored(std::string words) {
     for (char& c : words)
         c = c == ' ' ? '_' : c;
     return words;
 }
 
-void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int phase) {
+void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int phase,
+          const char* folder) {
     Log video;
     Log audio;
     bringUp(transmitter, &video, &audio);
@@ -101,6 +121,8 @@ void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int ph
         QLX_AudioStart(0, channel.audioFormat, channel.audioPid) != 0)
         exit(1);
     sim::sleepMs(playMs);
+    if (folder != nullptr)
+        captureOutputs(folder);
     QLX_VideoInfo stamp;
     QLX_AudioInfo soundStamp;
     QLX_VideoGetVideoInfo(0, QLX_VIDEO_PARAMTYPE_GET_PTS, &stamp);
@@ -135,14 +157,14 @@ int main(int argc, char** argv) {
             continue;
         for (uint32_t number : transmitter->channels) {
             Channel channel = readChannel(transmitter->listedSystem, number);
-            if (argc != 5) {
+            if (argc < 5) {
                 for (int phase = 0; phase < phases; phase++)
-                    play(transmitter, channel, phase);
+                    play(transmitter, channel, phase, nullptr);
             } else if (argv[1] == std::string(channel.system) &&
                        number == strtoul(argv[2], nullptr, 10)) {
                 channel.videoFormat = static_cast<uint32_t>(strtoul(argv[3], nullptr, 10));
                 channel.audioFormat = static_cast<uint32_t>(strtoul(argv[4], nullptr, 10));
-                play(transmitter, channel, 0);
+                play(transmitter, channel, 0, argv[5]);
             }
         }
     }
