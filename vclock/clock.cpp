@@ -9,6 +9,7 @@
 #include "vclock/domain.h"
 #include "vclock/real.h"
 #include "vclock/time_arguments.h"
+#include "vclock/timers.h"
 
 using namespace vclock;
 
@@ -89,6 +90,7 @@ VCLOCK_REPLACE(int, clock_settime, clockid_t id, const timespec* time) {
     if (region != nullptr) {
         Turn turn;
         setCalendar(toNs(*time));
+        wakeTimers();
     }
     return 0;
 }

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "vclock/domain.h"
+#include "vclock/outside.h"
 #include "vclock/real.h"
 #include "vclock/time_arguments.h"
 
@@ -42,7 +43,7 @@ static void rememberPipe(int file) {
     }
 }
 
-static bool knownPipe(ino_t inode) {
+bool vclock::knownPipe(uint64_t inode) {
     uint32_t home = static_cast<uint32_t>(inode) % kMaxPipes;
     for (uint32_t i = 0; i < kProbes; i++) {
         if (region->pipes[(home + i) % kMaxPipes] == inode)
@@ -77,22 +78,29 @@ static Kind kindOf(int file, bool heedsNonBlocking = true) {
     return inDomain ? Kind::Domain : Kind::Foreign;
 }
 
-// Waits in virtual time until one of the descriptors is ready. Returns as poll does.
-static int pollUntil(pollfd* files, nfds_t count, Deadline until) {
+static WaitFor forDescriptor() {
     WaitFor what;
     what.kind = Wait::Descriptor;
-    what.object = count == 1 ? static_cast<uint32_t>(files[0].fd) : 0;
-    what.until = until;
     what.interruptible = what.cancellable = what.endsIfCancelled = true;
+    return what;
+}
+
+// Polls for real, without a time-out.
+static int pollOutside(pollfd* files, nfds_t count) {
+    RealCall outside;
+    return real().poll(files, count, -1);
+}
+
+// Waits in virtual time until one of the descriptors is ready. Returns as poll does.
+static int pollUntil(pollfd* files, nfds_t count, WaitFor what) {
+    what.object = count == 1 ? static_cast<uint32_t>(files[0].fd) : 0;
     for (;;) {
         int ready = real().poll(files, count, 0);
         if (ready != 0)
             return ready;
-        if (until.ns == kForever && programsRunning()) {
-            // A program outside may hold the other end: only a real call notices it.
-            RealCall outside;
-            return real().poll(files, count, -1);
-        }
+        // A program outside may hold the other end: only a real call notices it.
+        if (what.until.ns == kForever && programsRunning())
+            return pollOutside(files, count);
         Result result = wait(what);
         if (result == Result::TimedOut)
             return real().poll(files, count, 0);
@@ -100,6 +108,8 @@ static int pollUntil(pollfd* files, nfds_t count, Deadline until) {
             errno = EINTR;
             return -1;
         }
+        if (result == Result::LastLook && heldOutside(files, count))
+            return pollOutside(files, count);
         what.lookedInVain = true;
     }
 }
@@ -107,7 +117,9 @@ static int pollUntil(pollfd* files, nfds_t count, Deadline until) {
 // Waits until the file can be read or written. Returns false with errno EINTR.
 static bool awaitFile(int file, short events) {
     pollfd one = {file, events, 0};
-    return pollUntil(&one, 1, Deadline()) >= 0;
+    WaitFor what = forDescriptor();
+    what.restartable = true;
+    return pollUntil(&one, 1, what) >= 0;
 }
 
 // Runs a call that reads from a descriptor.
@@ -212,7 +224,7 @@ static bool anyForeign(const pollfd* files, nfds_t count) {
 }
 
 // A time-out is virtual, whatever is polled. Without one, input from elsewhere is a real wait.
-static int pollFor(pollfd* files, nfds_t count, int64_t ns) {
+static int pollFor(pollfd* files, nfds_t count, int64_t ns, WaitFor what = forDescriptor()) {
     Turn turn;
     if (ns == 0 || !turn) {
         int ready = real().poll(files, count, 0);
@@ -220,12 +232,45 @@ static int pollFor(pollfd* files, nfds_t count, int64_t ns) {
             failedPoll();
         return ready;
     }
-    if (ns < 0 && anyForeign(files, count)) {
-        RealCall outside;
-        return real().poll(files, count, -1);
-    }
-    return pollUntil(files, count, deadlineIn(ns));
+    if (ns < 0 && anyForeign(files, count))
+        return pollOutside(files, count);
+    what.until = deadlineIn(ns);
+    return pollUntil(files, count, what);
 }
+
+namespace {
+
+// Another signal mask for the length of a wait. A handler that runs as soon as the mask lets it has
+// interrupted the wait already.
+class MaskedWait {
+ public:
+    explicit MaskedWait(const sigset_t* mask) : masked_(mask != nullptr) {
+        if (masked_)
+            pthread_sigmask(SIG_SETMASK, mask, &before_);
+    }
+    ~MaskedWait() {
+        int saved = errno;
+        if (masked_)
+            pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+        errno = saved;
+    }
+    MaskedWait(const MaskedWait&) = delete;
+    MaskedWait& operator=(const MaskedWait&) = delete;
+    // Begun before the mask changes.
+    const WaitFor what = forDescriptor();
+    bool interrupted() const {
+        if (self.handled == what.handled)
+            return false;
+        errno = EINTR;
+        return true;
+    }
+
+ private:
+    bool masked_;
+    sigset_t before_;
+};
+
+}  // namespace
 
 VCLOCK_REPLACE(int, poll, pollfd* files, nfds_t count, int milliseconds) {
     return pollFor(files, count, static_cast<int64_t>(milliseconds) * 1000000);
@@ -233,19 +278,14 @@ VCLOCK_REPLACE(int, poll, pollfd* files, nfds_t count, int milliseconds) {
 
 VCLOCK_REPLACE(int, ppoll, pollfd* files, nfds_t count, const timespec* time,
                const sigset_t* mask) {
-    sigset_t before;
-    if (mask != nullptr)
-        pthread_sigmask(SIG_SETMASK, mask, &before);
-    int result = pollFor(files, count, time != nullptr ? toNs(*time) : -1);
-    if (mask != nullptr) {
-        int saved = errno;
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        errno = saved;
-    }
-    return result;
+    MaskedWait wait(mask);
+    if (wait.interrupted())
+        return -1;
+    return pollFor(files, count, time != nullptr ? toNs(*time) : -1, wait.what);
 }
 
-static int selectFor(int count, fd_set* in, fd_set* out, fd_set* odd, int64_t ns) {
+static int selectFor(int count, fd_set* in, fd_set* out, fd_set* odd, int64_t ns,
+                     const WaitFor& what = forDescriptor()) {
     pollfd files[FD_SETSIZE];
     nfds_t used = 0;
     for (int file = 0; file < count && file < FD_SETSIZE; file++) {
@@ -259,7 +299,7 @@ static int selectFor(int count, fd_set* in, fd_set* out, fd_set* odd, int64_t ns
         if (events != 0)
             files[used++] = {file, events, 0};
     }
-    int ready = pollFor(files, used, ns);
+    int ready = pollFor(files, used, ns, what);
     if (ready < 0)
         return ready;
     int bits = 0;
@@ -304,34 +344,43 @@ VCLOCK_REPLACE(int, select, int count, fd_set* in, fd_set* out, fd_set* odd, tim
 
 VCLOCK_REPLACE(int, pselect, int count, fd_set* in, fd_set* out, fd_set* odd, const timespec* time,
                const sigset_t* mask) {
-    sigset_t before;
-    if (mask != nullptr)
-        pthread_sigmask(SIG_SETMASK, mask, &before);
-    int bits = selectFor(count, in, out, odd, time != nullptr ? toNs(*time) : -1);
-    if (mask != nullptr) {
-        int saved = errno;
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        errno = saved;
-    }
-    return bits;
+    MaskedWait wait(mask);
+    if (wait.interrupted())
+        return -1;
+    return selectFor(count, in, out, odd, time != nullptr ? toNs(*time) : -1, wait.what);
 }
 
-VCLOCK_REPLACE(int, epoll_wait, int set, epoll_event* events, int most, int milliseconds) {
+static int waitForEvents(int set, epoll_event* events, int most, int64_t ns,
+                         WaitFor what = forDescriptor()) {
     Turn turn;
     int ready = real().epoll_wait(set, events, most, 0);
     if (ready != 0 || !turn)
         return ready;
-    if (milliseconds == 0) {
+    if (ns == 0) {
         failedPoll();
         return 0;
     }
-    if (milliseconds < 0) {
+    if (ns < 0) {
         RealCall outside(false);
         return real().epoll_wait(set, events, most, -1);
     }
     pollfd one = {set, POLLIN, 0};
-    ready = pollUntil(&one, 1, deadlineIn(static_cast<int64_t>(milliseconds) * 1000000));
+    what.until = deadlineIn(ns);
+    ready = pollUntil(&one, 1, what);
     return ready < 0 ? ready : real().epoll_wait(set, events, most, 0);
+}
+
+VCLOCK_REPLACE(int, epoll_wait, int set, epoll_event* events, int most, int milliseconds) {
+    return waitForEvents(set, events, most, static_cast<int64_t>(milliseconds) * 1000000);
+}
+
+VCLOCK_REPLACE(int, epoll_pwait, int set, epoll_event* events, int most, int milliseconds,
+               const sigset_t* mask) {
+    MaskedWait wait(mask);
+    if (wait.interrupted())
+        return -1;
+    return waitForEvents(set, events, most, static_cast<int64_t>(milliseconds) * 1000000,
+                         wait.what);
 }
 
 // stdio reads inside the C library: the wait comes before the call, if the stream's buffer is

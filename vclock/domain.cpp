@@ -12,11 +12,8 @@
 
 namespace vclock {
 
-// A waiting thread of each process looks this often whether another process was killed.
-constexpr int64_t kWatchPeriod = 20000000;
-// An interruptible wait has a time-out, however long: only then does the kernel end it after any
-// signal handler, SA_RESTART or not.
-constexpr int64_t kInterruptible = 3600 * kSecond;
+// A waiting thread without a reason to look around sooner does so this often.
+constexpr int64_t kIdlePeriod = 2 * kSecond;
 
 // Spinning: so many looks at the clock, or tries in vain, without a wait are taken for a loop that
 // waits by polling. From then on each costs time, a small part of what the loop took already.
@@ -49,7 +46,7 @@ Locked::Locked() {
     }
 }
 
-static int futexWait(std::atomic<uint32_t>* word, uint32_t seen, int64_t ns) {
+int futexWait(std::atomic<uint32_t>* word, uint32_t seen, int64_t ns) {
     int saved = errno;
     timespec limit = {static_cast<time_t>(ns / kSecond), static_cast<long>(ns % kSecond)};
     long result =
@@ -59,13 +56,16 @@ static int futexWait(std::atomic<uint32_t>* word, uint32_t seen, int64_t ns) {
     return error;
 }
 
+void futexBump(std::atomic<uint32_t>* word) {
+    word->fetch_add(1);
+    real().syscall(SYS_futex, word, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
+}
+
 void kick(uint32_t slot) {
     if (slot == 0 || slot == self.slot)
         return;
     int saved = errno;
-    ThreadSlot& other = slotAt(slot);
-    other.wake.fetch_add(1);
-    real().syscall(SYS_futex, &other.wake, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
+    futexBump(&slotAt(slot).wake);
     errno = saved;
 }
 
@@ -112,6 +112,7 @@ struct Census {
     int64_t due = kForever;
     bool timeHeld = false;
     bool outside = false;
+    bool signals = false;  // somebody waits for a signal, which may come from anywhere
 };
 
 static bool earlier(uint32_t slot, uint32_t than) {
@@ -121,6 +122,26 @@ static bool earlier(uint32_t slot, uint32_t than) {
 static bool mayRun(const ThreadSlot& thread) {
     return thread.state == State::Ready && thread.inHandler == 0 &&
            region->processes[thread.process].state == ProcessState::Live;
+}
+
+namespace {
+enum class Exiting { None, Some, Awaited };
+}
+
+// Processes that have left the domain and that the kernel has still to end. Awaited: the parent
+// handles the signal that then comes, for which time must not jump.
+static Exiting exiting() {
+    Exiting found = Exiting::None;
+    for (uint32_t i = 0; region->severalProcesses && i < kMaxProcesses; i++) {
+        const ProcessSlot& process = region->processes[i];
+        if (process.state != ProcessState::Exiting)
+            continue;
+        uint32_t parent = findProcess(process.parentPid);
+        if (parent != 0 && region->processes[parent - 1].awaitsChildren)
+            return Exiting::Awaited;
+        found = Exiting::Some;
+    }
+    return found;
 }
 
 static Census takeCensus() {
@@ -140,8 +161,11 @@ static Census takeCensus() {
         } else if (thread.state == State::Outside) {
             census.outside = true;
             census.timeHeld = census.timeHeld || thread.holdsTime != 0;
-        } else if (thread.state == State::Waiting) {
+        } else if (thread.state == State::Waiting && thread.kind != Wait::Timer) {
             census.waiting++;
+            census.signals = census.signals || thread.kind == Wait::Signal;
+        }
+        if (thread.state == State::Waiting) {
             int64_t due = dueTime(thread);
             if (due < census.due ||
                 (due == census.due && due != kForever && earlier(slot, census.firstDue))) {
@@ -150,6 +174,7 @@ static Census takeCensus() {
             }
         }
     }
+    census.timeHeld = census.timeHeld || exiting() == Exiting::Awaited;
     return census;
 }
 
@@ -189,14 +214,43 @@ static void advance(int64_t due) {
     }
 }
 
-// Whoever waits for a descriptor looks again before time goes on, if anybody did anything since:
-// writes to pipes reach the kernel in many ways, and only it knows what can be read.
+// While programs outside run, time goes on no faster than theirs.
+static bool realTimeHasPassed(int64_t due) {
+    int64_t now = region->now.load(std::memory_order_relaxed);
+    int64_t real = realNow();
+    if (region->paceReal == 0 || region->paceFrom != now) {
+        region->paceFrom = now;
+        region->paceReal = real;
+    }
+    return real - region->paceReal >= due - now;
+}
+
+// Before a deadlock is told, whoever waits for a descriptor looks whether a program outside has the
+// other end of it: once, for as long as nobody does anything else.
+static uint32_t lookLast() {
+    if (region->lastLook == region->activity + uint64_t{1})
+        return 0;
+    region->lastLook = region->activity + uint64_t{1};
+    uint32_t count = 0;
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        ThreadSlot& thread = slotAt(slot);
+        if (thread.state == State::Waiting && thread.kind == Wait::Descriptor) {
+            makeReady(thread, Result::LastLook);
+            count++;
+        }
+    }
+    return count;
+}
+
+// Whoever waits for a descriptor or a signal looks again before time goes on, if anybody did
+// anything since: writes to pipes reach the kernel in many ways, and only it knows what can be
+// read.
 static uint32_t lookAgain() {
     uint32_t count = 0;
     for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
         ThreadSlot& thread = slotAt(slot);
-        if (thread.state == State::Waiting && thread.kind == Wait::Descriptor &&
-            thread.looked != region->activity) {
+        if (thread.state == State::Waiting && thread.looked != region->activity &&
+            (thread.kind == Wait::Descriptor || thread.kind == Wait::Signal)) {
             makeReady(thread, Result::Retry);
             thread.looked = region->activity;
             count++;
@@ -214,19 +268,6 @@ static uint32_t grant(uint32_t slot) {
     return slot;
 }
 
-// The waiting thread with the lowest number above this one; 0 if there is none.
-static uint32_t nextToReport(uint32_t number) {
-    uint32_t best = 0;
-    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
-        const ThreadSlot& thread = slotAt(slot);
-        if (thread.state == State::Waiting && thread.number > number &&
-            region->processes[thread.process].state == ProcessState::Live &&
-            (best == 0 || thread.number < slotAt(best).number))
-            best = slot;
-    }
-    return best;
-}
-
 // All processes are to end with this status. Some waiting thread hears of it first, and tells all.
 static uint32_t finish(int status) {
     region->finished = static_cast<uint32_t>(status);
@@ -237,16 +278,6 @@ static uint32_t finish(int status) {
             first = slot;
     }
     return first;
-}
-
-[[noreturn]] static void endWithAll() {
-    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
-        if (slotAt(slot).state != State::Free && slotAt(slot).process != myProcess - 1)
-            kick(slot);
-    }
-    flushOutput();
-    real()._exit(static_cast<int>(region->finished.load()));
-    __builtin_unreachable();
 }
 
 uint32_t dispatch(bool deathsKnown) {
@@ -260,6 +291,11 @@ uint32_t dispatch(bool deathsKnown) {
         if (lookAgain() != 0)
             continue;
         if (census.firstDue != 0 && !census.timeHeld) {
+            // A program outside may be what is waited for: it gets as much time.
+            if (region->severalProcesses && programsRunning() && !realTimeHasPassed(census.due)) {
+                region->running.store(0);
+                return 0;
+            }
             if (census.due > region->limit) {
                 reportLimit();
                 return finish(EXIT_LIMIT);
@@ -268,120 +304,30 @@ uint32_t dispatch(bool deathsKnown) {
             continue;
         }
         region->running.store(0);
-        if (census.outside || census.waiting == 0 || programsRunning())
+        if (census.outside || census.waiting == 0 || census.signals || programsRunning())
             return 0;
-        // A process that was just killed may be the reason: a waiting thread looks for it first.
-        if (region->severalProcesses && !deathsKnown)
+        // A process that was just killed, or is about to end, may be the reason: a waiting thread
+        // looks for it first.
+        if (region->severalProcesses && (!deathsKnown || exiting() != Exiting::None))
             return 0;
+        if (lookLast() != 0)
+            continue;
         // Every thread waits, and nothing will ever come: each says in turn where it stands.
-        region->reporting = 1;
-        reportHeader();
-        uint32_t first = nextToReport(0);
-        region->running.store(first);
-        return first;
+        return beginReport();
     }
-}
-
-// A signal handler that interrupted the holder of the lock may have posted a semaphore: all who
-// wait for one look again.
-static uint32_t afterPosts() {
-    self.posted = false;
-    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
-        ThreadSlot& thread = slotAt(slot);
-        if (thread.state == State::Waiting && thread.kind == Wait::Semaphore)
-            makeReady(thread, Result::Retry);
-    }
-    return region->running == 0 ? dispatch() : 0;
 }
 
 Locked::~Locked() {
-    uint32_t next = 0;
-    if (__builtin_expect(self.posted, 0))
-        next = afterPosts();
     real().pthread_mutex_unlock(&region->lock);
     self.locked = false;
-    kick(next);
-    if (__builtin_expect(self.posted, 0))
-        Locked again;
-}
-
-// The thread has the token to report: says where it waits, then the next one does; the last ends
-// all processes of the domain.
-static void takePartInReport() {
-    ThreadSlot& me = slotAt(self.slot);
-    reportThread(me);
-    uint32_t next = 0;
-    {
-        Locked lock;
-        next = nextToReport(me.number);
-        if (next != 0)
-            region->running.store(next);
-    }
-    if (next != 0) {
-        kick(next);
-        return;
-    }
-    region->finished = EXIT_DEADLOCK;
-    endWithAll();
-}
-
-// A waiting thread's look around, at times of real time.
-static void keepWatch() {
-    findDeaths();
-    uint32_t next = 0;
-    if (region->running == 0) {
-        Locked lock;
-        if (region->running == 0 && !region->finished)
-            next = dispatch(true);
-    }
-    kick(next);
-}
-
-static bool takeWatch() {
-    std::atomic<uint32_t>& watcher = region->processes[myProcess - 1].watcher;
-    uint32_t nobody = 0;
-    return watcher.load(std::memory_order_relaxed) == self.slot ||
-           watcher.compare_exchange_strong(nobody, self.slot);
-}
-
-static void dropWatch() {
-    std::atomic<uint32_t>& watcher = region->processes[myProcess - 1].watcher;
-    uint32_t me = self.slot;
-    if (watcher.load(std::memory_order_relaxed) == me)
-        watcher.compare_exchange_strong(me, 0);
-}
-
-void passWatch() {
-    if (!region->severalProcesses || region->processes[myProcess - 1].watcher.load() != 0)
-        return;
-    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
-        const ThreadSlot& thread = slotAt(slot);
-        if (thread.process == myProcess - 1 && slot != self.slot &&
-            (thread.state == State::Waiting || thread.state == State::Ready)) {
-            kick(slot);
-            return;
-        }
-    }
-}
-
-// A signal handler ran while the thread waited.
-static void interrupted() {
-    uint32_t next = 0;
-    {
-        Locked lock;
-        ThreadSlot& me = slotAt(self.slot);
-        if (me.state != State::Waiting)
-            return;
-        makeReady(me, Result::Interrupted);
-        if (region->running == 0)
-            next = dispatch();
-    }
-    kick(next);
+    if (__builtin_expect(self.deferred != 0, 0))
+        runDeferred();
 }
 
 void awaitTurn() {
-    ThreadSlot& me = slotAt(self.slot);
     for (;;) {
+        // A signal handler may have forked, and be another thread in the child.
+        ThreadSlot& me = slotAt(self.slot);
         uint32_t seen = me.wake.load();
         // The number tells whether the slot is still ours: a process that ends has given it up.
         if (region->running.load() == self.slot && me.number == self.number) {
@@ -392,19 +338,18 @@ void awaitTurn() {
         }
         if (region->finished)
             endWithAll();
-        bool watching = region->severalProcesses && (takeWatch() || self.nested);
-        bool interruptible = me.interruptible != 0;
-        int error = futexWait(&me.wake, seen,
-                              watching        ? kWatchPeriod
-                              : interruptible ? kInterruptible
-                                              : 0);
-        if (error == EINTR && interruptible)
-            interrupted();
-        else if (error == ETIMEDOUT && watching)
+        bool watching = takeWatch();
+        if (futexWait(&me.wake, seen, watching ? watchPeriod() : kIdlePeriod) == ETIMEDOUT)
             keepWatch();
     }
-    if (region->severalProcesses)
-        dropWatch();
+    slotAt(self.slot).returning = 0;
+    dropWatch();
+}
+
+// Whether a signal handler, which ran before the wait could begin, interrupts it.
+static bool isInterrupted(const WaitFor& what) {
+    return what.interruptible && (what.restartable ? self.interruptions != what.interruptions
+                                                   : self.handled != what.handled);
 }
 
 Result wait(const WaitFor& what) {
@@ -412,7 +357,6 @@ Result wait(const WaitFor& what) {
         return Result::TimedOut;
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next;
-    self.handing = true;
     {
         Locked lock;
         me.kind = what.kind;
@@ -422,14 +366,17 @@ Result wait(const WaitFor& what) {
         me.address = reinterpret_cast<uintptr_t>(what.address);
         me.owner = what.owner;
         me.interruptible = what.interruptible;
+        me.restartable = what.restartable;
         me.cancellable = what.cancellable;
         if (!what.lookedInVain)
             region->activity++;
         me.looked = region->activity;
-        if (what.unless != nullptr && *what.unless != 0) {
-            self.handing = false;
+        if (what.unless != nullptr && *what.unless != 0)
             return Result::Retry;
-        }
+        if (isInterrupted(what))
+            return Result::Interrupted;
+        self.handing = true;
+        me.spins = 0;
         me.order = ++region->order;
         me.state = State::Waiting;
         if (traceFile >= 0)
@@ -438,10 +385,9 @@ Result wait(const WaitFor& what) {
     }
     kick(next);
     awaitTurn();
-    me.interruptible = 0;
     self.clockReads = self.failedPolls = 0;
     self.creptSince = 0;
-    Result result = me.result;
+    Result result = slotAt(self.slot).result;
     self.handing = false;
     if (result != Result::Cancelled)
         return result;
@@ -453,9 +399,9 @@ Result wait(const WaitFor& what) {
 void yield() {
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next;
-    self.handing = true;
     {
         Locked lock;
+        self.handing = true;
         makeReady(me, Result::Woken);
         region->activity++;
         next = dispatch();
@@ -569,9 +515,9 @@ RealCall::RealCall(bool holdsTime) {
     int saved = errno;
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next;
-    self.handing = true;
     {
         Locked lock;
+        self.handing = true;
         me.state = State::Leaving;
         region->activity++;
         me.order = ++region->order;
@@ -601,9 +547,9 @@ RealCall::~RealCall() {
         findDeaths();
     ThreadSlot& me = slotAt(self.slot);
     uint32_t next = 0;
-    self.handing = true;
     {
         Locked lock;
+        self.handing = true;
         makeReady(me, Result::Woken);
         region->activity++;
         if (traceFile >= 0)

@@ -10,6 +10,7 @@
 
 #include <pthread.h>
 #include <sched.h>
+#include <stddef.h>
 #include <stdint.h>
 #include <sys/types.h>
 
@@ -48,7 +49,9 @@ enum class Wait : uint32_t {
     Join,
     Child,
     Descriptor,
-    MessageQueue
+    MessageQueue,
+    Signal,
+    Timer  // the thread that makes a process's timers expire
 };
 
 enum class Result : uint32_t {
@@ -56,7 +59,8 @@ enum class Result : uint32_t {
     TimedOut,
     Interrupted,  // by a signal handler; interruptible waits only
     Cancelled,    // inside the domain only
-    Retry         // nothing is known: look again, and wait again
+    Retry,        // nothing is known: look again, and wait again
+    LastLook      // the same, and look for programs outside: it would be a deadlock
 };
 
 enum class Clock : uint32_t { Monotonic, Calendar, Boot };
@@ -67,8 +71,14 @@ struct Deadline {
 };
 
 struct alignas(64) ThreadSlot {
-    std::atomic<uint32_t> wake;  // futex word; counts hand-overs
-    State state;
+    std::atomic<uint32_t> wake;      // futex word; counts hand-overs
+    std::atomic<uint32_t> arrivals;  // signals that have reached their handler in this thread
+    uint32_t inHandler;     // a signal handler of the thread has a slot of its own, and goes first
+    uint32_t returning;     // from such a handler: the kernel's mask is still the handler's
+    uint64_t returnMask;    // the mask that it returns to
+    uint32_t spins;         // it was stopped because it runs on without a call
+    uint32_t toldSpinning;  // which has been told
+    State state;            // from here on: what a handler that borrows the turn must leave alone
     Wait kind;
     uint32_t object;  // number of what is waited for, unique within its kind
     uint64_t order;   // sequence number of entering the state: first come, first served
@@ -83,13 +93,14 @@ struct alignas(64) ThreadSlot {
     uint32_t threadId;   // the kernel's
     uint32_t holdsTime;  // Outside only: time stands still until it is back
     uint32_t interruptible;
+    uint32_t restartable;  // a handler with SA_RESTART does not interrupt it
     uint32_t cancellable;
-    uint32_t inHandler;  // a signal handler of the thread has a slot of its own, and goes first
-    uint32_t looked;     // Descriptor only: the region's activity when it last looked
+    uint32_t looked;  // Descriptor and Signal only: the region's activity when it last looked
 };
 
 enum class ProcessState : uint32_t {
     Free,
+    Unborn,  // inside the fork that makes it
     Live,
     Replaced,  // in exec, or already another program, which is outside the domain
     Exiting    // has given up its threads; the kernel has still to end it
@@ -99,8 +110,19 @@ struct ProcessSlot {
     ProcessState state;
     int32_t pid;  // 0 between the parent's registration and the fork
     int32_t parentPid;
-    uint32_t number;                // its name in traces and reports, never used twice
-    std::atomic<uint32_t> watcher;  // slot of the waiting thread that looks for dead processes
+    uint32_t number;                 // its name in traces and reports, never used twice
+    std::atomic<uint32_t> watcher;   // slot of the waiting thread that looks for dead processes
+    std::atomic<uint32_t> arrivals;  // signals that have reached their handler in any thread
+    uint32_t awaitsChildren;         // handles SIGCHLD
+};
+
+// For how long the same thread has had the token.
+struct Stall {
+    uint64_t order;     // the region's sequence number then
+    int64_t since;      // real time
+    int64_t processor;  // processor time of the thread when it was first looked at, 0: not yet
+    uint32_t told;      // of a thread that sleeps in a call which is not replaced
+    uint32_t spins;     // some thread has run on without a call: looks come often
 };
 
 struct Region {
@@ -114,7 +136,13 @@ struct Region {
     uint32_t nextProcess;
     uint32_t nextObject;
     uint32_t activity;  // counts waits; whoever waits may have changed a descriptor before
+    uint64_t lastLook;  // 1 + the activity at which a deadlock was looked into, 0: never
     uint32_t seeded;
+    uint32_t signalWaits;  // somebody has waited for signals, which come at any time
+    int64_t patience;      // how long a thread may keep all others waiting, in real time
+    int64_t paceFrom;      // the time since when,
+    int64_t paceReal;      // in real time, programs outside have kept it from jumping; 0: not yet
+    Stall stall;
     int64_t limit;                        // time at which the domain ends by itself
     std::atomic<int64_t> now;             // CLOCK_MONOTONIC
     std::atomic<int64_t> calendarOffset;  // CLOCK_REALTIME - CLOCK_MONOTONIC
@@ -126,18 +154,31 @@ struct Region {
     ThreadSlot threads[kMaxThreads];
 };
 
+// A process that is being made.
+struct Child {
+    uint32_t process;  // index + 1, 0: none free
+    uint32_t thread;
+    uint32_t number;
+};
+
 // What a thread knows of itself.
 struct Self {
     uint32_t slot;    // index + 1; 0: not in the domain yet
     uint32_t number;  // as in the slot
     uint32_t clockReads;
     uint32_t failedPolls;
-    int64_t creptSince;     // when time began to creep, 0: it does not
-    volatile bool posted;   // a signal handler posted a semaphore while the lock was held
-    bool ended;             // past its last destructor: waits no more
-    volatile bool handing;  // inside a hand-over: a signal handler needs a slot of its own
-    volatile bool locked;   // holds the region's lock: a signal handler must not take it
-    bool nested;            // in a signal handler that interrupted a wait
+    uint32_t calls;             // of what is replaced
+    int64_t creptSince;         // when time began to creep, 0: it does not
+    const struct Child* forks;  // inside fork(): what the child will be
+    bool ended;                 // past its last destructor: waits no more
+    volatile bool handing;      // inside a hand-over: a signal handler needs a slot of its own
+    volatile bool locked;       // holds the region's lock: a signal handler comes after it
+    bool nested;                // in a signal handler that interrupted a wait
+    class Turn* innermost;      // of the signal handlers that interrupted a wait
+    volatile uint32_t handled;  // signal handlers that have run in this thread
+    volatile uint32_t interruptions;  // of these, those that interrupt what could be restarted
+    uint64_t returnMask;              // of the signal handler that runs
+    volatile uint32_t deferred;       // signals that came while the lock was held
 };
 
 extern Region* region;  // nullptr: the process is not (or no longer) in virtual time
@@ -148,30 +189,50 @@ extern __thread Self self __attribute__((tls_model("initial-exec")));
 class Turn {
  public:
     Turn() {
+        self.calls++;
         if (__builtin_expect(region != nullptr && self.slot != 0 && !self.handing &&
                                  region->running.load(std::memory_order_relaxed) == self.slot,
                              1))
             live_ = true;
         else
-            live_ = begin();
+            live_ = begin(false);
     }
+    // The turn of a signal handler: its arrival is announced to who sent the signal.
+    enum Handler { kHandler };
+    explicit Turn(Handler);
     ~Turn() {
-        if (__builtin_expect(outerSlot_ != 0, 0))
-            endNested();
+        if (__builtin_expect(kind_ != Kind::Own, 0))
+            end();
     }
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
     explicit operator bool() const {
         return live_;
     }
+    // Ends the turns of all handlers of this thread and the waits that they interrupted: a handler
+    // jumps out of them. The thread has the token, as it would behind the wait.
+    static void leaveHandlers();
 
  private:
-    bool begin();
+    enum class Kind : uint8_t {
+        Own,
+        Borrowed,  // a hand-over to the thread itself was just under way
+        Nested     // has a slot of its own
+    };
+    bool begin(bool handler);
+    void beginBorrowed();
+    void end();
     void endNested();
     bool live_ = false;
-    bool outerHanding_ = false;
-    uint32_t outerSlot_ = 0;
-    uint32_t outerNumber_ = 0;
+    Kind kind_ = Kind::Own;
+    bool outerHanding_;
+    bool outerNested_;
+    uint32_t outerSlot_;
+    uint32_t outerNumber_;
+    uint32_t outerHandled_;
+    uint32_t outerInterruptions_;
+    Turn* outer_;
+    unsigned char outerState_[sizeof(ThreadSlot) - offsetof(ThreadSlot, state)];
 };
 
 // A real call that may block: other threads run meanwhile. Unless it lets time go on, time stands
@@ -196,8 +257,12 @@ struct WaitFor {
     const volatile uint32_t* unless = nullptr;  // a signal handler may have set it meanwhile
     bool lookedInVain = false;                  // nothing was done since the last wait but a look
     bool interruptible = false;
+    bool restartable = false;      // a handler with SA_RESTART does not interrupt it
     bool cancellable = false;      // pthread_cancel ends the wait
     bool endsIfCancelled = false;  // and then the thread, inside the wait
+    // A handler that has run since then interrupts the wait, even before it began.
+    uint32_t handled = self.handled;
+    uint32_t interruptions = self.interruptions;
 };
 
 // Gives the token away until the wait is over. The caller has the token.
@@ -234,23 +299,20 @@ void removeThread(uint32_t slot);
 void startThread(uint32_t slot);  // in the new thread: waits for its first turn
 void endThread();                 // in the ending thread: gives the token away for good
 uint32_t findThread(pthread_t handle);
+uint32_t findThreadById(pid_t pid, pid_t thread);
 void cancelThread(pthread_t handle);
-void interruptThread(pthread_t handle);
 
 // Processes.
-struct Child {
-    uint32_t process;  // index + 1, 0: none free
-    uint32_t thread;
-    uint32_t number;
-};
 Child addProcess();
 void removeProcess(const Child& child);
-void becomeChild(const Child& child);
+bool joinAsChild();  // inside fork(): true in the new process, which is in the domain from then on
 void nameChild(const Child& child, pid_t pid);
-void leaveDomain();      // the process is about to end
-void beginExec();        // it is about to become another program
-void failedExec();       // it stayed what it was
-bool programsRunning();  // other programs, started by processes of the domain, are alive
+void leaveDomain();               // the process is about to end
+void beginExec();                 // it is about to become another program
+void failedExec();                // it stayed what it was
+void addProgram(pid_t pid);       // a child that is another program from its start
+bool programsRunning();           // other programs, started by processes of the domain, are alive
+uint32_t findProcess(pid_t pid);  // index + 1 of a live one, 0: not in the domain
 pid_t findChild(pid_t pid, ProcessState state);  // a child in the domain; pid as for waitpid
 void forgetChild(pid_t pid);                     // it has ended and been waited for
 

@@ -26,6 +26,32 @@ uint32_t dispatch(bool deathsKnown = false);
 void kick(uint32_t slot);
 void makeReady(ThreadSlot& slot, Result result);
 void awaitTurn();
+// Takes a free slot for a thread of a process, which may run from then on. 0 if there is none. The
+// caller holds the lock.
+uint32_t takeThreadSlot(uint32_t process);
+// Makes the slot the running thread's own.
+void bindSelf(uint32_t slot);
+// Runs the handlers of signals that came while the lock was held.
+void runDeferred();
+// A futex in shared memory: waits until it is no longer as seen, ns nanoseconds at most, 0 without
+// end, and returns 0 or the error; counts it up and wakes all who wait.
+int futexWait(std::atomic<uint32_t>* word, uint32_t seen, int64_t ns);
+void futexBump(std::atomic<uint32_t>* word);
+// The clock of the world outside.
+int64_t realNow();
+// Looks around for what only real time brings (watch.cpp): one waiting thread of each process does
+// it, which is the first that takes the watch.
+bool takeWatch();
+void dropWatch();
+int64_t watchPeriod();
+void keepWatch();
+// Sees whether one thread keeps all others waiting (stall.cpp).
+void lookForStall();
+// The report of a deadlock: returns the slot of the thread that begins it.
+uint32_t beginReport();
+// Has the token to report: says where it waits, then the next one does; the last ends all.
+void takePartInReport();
+[[noreturn]] void endWithAll();
 // Frees the slots of processes that were killed and hands on the token that one of them had.
 void findDeaths();
 // Wakes a waiting thread of this process to look for deaths, when no other does.

@@ -3,10 +3,11 @@
 #ifndef VCLOCK_ENVIRONMENT_H
 #define VCLOCK_ENVIRONMENT_H
 
-#define VCLOCK_SEED "VCLOCK_SEED"    // a number
-#define VCLOCK_TRACE "VCLOCK_TRACE"  // a file
-#define VCLOCK_START "VCLOCK_START"  // seconds of 1970 UTC
-#define VCLOCK_LIMIT "VCLOCK_LIMIT"  // seconds
+#define VCLOCK_SEED "VCLOCK_SEED"          // a number
+#define VCLOCK_TRACE "VCLOCK_TRACE"        // a file
+#define VCLOCK_START "VCLOCK_START"        // seconds of 1970 UTC
+#define VCLOCK_LIMIT "VCLOCK_LIMIT"        // seconds
+#define VCLOCK_PATIENCE "VCLOCK_PATIENCE"  // seconds of real time
 #define VCLOCK_ASAN_OPTION "verify_asan_link_order=0"
 
 #endif

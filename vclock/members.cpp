@@ -17,15 +17,18 @@
 #include "vclock/domain_internal.h"
 #include "vclock/environment.h"
 #include "vclock/real.h"
+#include "vclock/timers.h"
 #include "vclock/vclock.h"
 
 namespace vclock {
 
 uint32_t myProcess;
 
+constexpr int64_t kPatience = 5 * kSecond;
+
 extern "C" int __cxa_atexit(void (*function)(void*), void* argument, void* library);
 
-static uint32_t takeThreadSlot(uint32_t process) {
+uint32_t takeThreadSlot(uint32_t process) {
     for (uint32_t i = 0; i < kMaxThreads; i++) {
         ThreadSlot& thread = region->threads[i];
         if (thread.state != State::Free)
@@ -36,7 +39,9 @@ static uint32_t takeThreadSlot(uint32_t process) {
         thread.number = ++region->nextThread;
         thread.kind = Wait::None;
         thread.interruptible = 0;
-        thread.inHandler = 0;
+        thread.restartable = 0;
+        thread.inHandler = thread.returning = 0;
+        thread.spins = thread.toldSpinning = 0;
         thread.handle = 0;
         makeReady(thread, Result::Woken);
         return i + 1;
@@ -44,7 +49,7 @@ static uint32_t takeThreadSlot(uint32_t process) {
     return 0;
 }
 
-static void bindSelf(uint32_t slot) {
+void bindSelf(uint32_t slot) {
     self.slot = slot;
     self.number = slotAt(slot).number;
     slotAt(slot).threadId = static_cast<uint32_t>(real().syscall(SYS_gettid));
@@ -78,10 +83,23 @@ static void wakeLocked(Wait kind, uint32_t object) {
     }
 }
 
+// But for the one that keeps timers.
+static bool isLastThread() {
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& thread = slotAt(slot);
+        if (slot != self.slot && thread.state != State::Free && thread.process == myProcess - 1 &&
+            thread.kind != Wait::Timer)
+            return false;
+    }
+    return true;
+}
+
 void endThread() {
     if (region == nullptr || self.slot == 0)
         return;
     Turn turn;
+    if (isLastThread())
+        endTimers();
     uint32_t next;
     {
         Locked lock;
@@ -109,79 +127,21 @@ uint32_t findThread(pthread_t handle) {
     return 0;
 }
 
+uint32_t findThreadById(pid_t pid, pid_t thread) {
+    for (uint32_t slot = 1; slot <= region->slotsUsed; slot++) {
+        const ThreadSlot& one = slotAt(slot);
+        if (one.state != State::Free && one.threadId == static_cast<uint32_t>(thread) &&
+            region->processes[one.process].pid == pid)
+            return slot;
+    }
+    return 0;
+}
+
 void cancelThread(pthread_t handle) {
     Locked lock;
     uint32_t slot = findThread(handle);
     if (slot != 0 && slotAt(slot).state == State::Waiting && slotAt(slot).cancellable)
         makeReady(slotAt(slot), Result::Cancelled);
-}
-
-void interruptThread(pthread_t handle) {
-    Locked lock;
-    uint32_t slot = findThread(handle);
-    if (slot != 0 && slotAt(slot).state == State::Waiting && slotAt(slot).interruptible)
-        makeReady(slotAt(slot), Result::Interrupted);
-}
-
-// A thread that the domain does not know yet, or a signal handler that interrupted a wait or a
-// real call: the thread gets a slot, and its turn.
-bool Turn::begin() {
-    if (region == nullptr || self.ended || self.locked)
-        return false;
-    int saved = errno;
-    uint32_t next = 0;
-    {
-        Locked lock;
-        uint32_t outer = self.slot;
-        uint32_t slot = takeThreadSlot(myProcess - 1);
-        if (slot == 0)
-            return false;
-        if (outer != 0) {
-            outerSlot_ = outer;
-            outerNumber_ = self.number;
-            outerHanding_ = self.handing;
-            self.handing = false;
-            self.nested = true;
-            slotAt(outer).inHandler = 1;
-            if (region->running == outer) {
-                // The token came while the handler was on its way: the interrupted wait, whose
-                // result stands already, gets it again afterwards.
-                slotAt(outer).state = State::Ready;
-                region->running = 0;
-            }
-        }
-        bindSelf(slot);
-        if (outer != 0)
-            slotAt(slot).handle = 0;
-        // The interrupted code may have given the token away and not yet woken who got it.
-        next = region->running == 0 ? dispatch() : region->running.load();
-    }
-    kick(next);
-    awaitTurn();
-    errno = saved;
-    return true;
-}
-
-void Turn::endNested() {
-    uint32_t next;
-    {
-        Locked lock;
-        slotAt(self.slot).state = State::Free;
-        self.slot = outerSlot_;
-        self.number = outerNumber_;
-        self.nested = false;
-        self.handing = outerHanding_;
-        slotAt(self.slot).inHandler = 0;
-        // The handler was the interruption; time must not jump before the wait hears of it.
-        if (slotAt(self.slot).state == State::Waiting && slotAt(self.slot).interruptible)
-            makeReady(slotAt(self.slot), Result::Interrupted);
-        region->activity++;
-        next = dispatch();
-    }
-    // The wait that goes on after the handler must notice that it is over.
-    if (next != 0 && next == self.slot)
-        slotAt(next).wake.fetch_add(1);
-    kick(next);
 }
 
 static Child takeProcess() {
@@ -194,11 +154,12 @@ static Child takeProcess() {
         child.thread = takeThreadSlot(i);
         if (child.thread == 0)
             break;
-        process.state = ProcessState::Live;
+        process.state = ProcessState::Unborn;
         process.pid = 0;
         process.parentPid = getpid();
         process.number = child.number = ++region->nextProcess;
         process.watcher = 0;
+        process.awaitsChildren = region->processes[myProcess - 1].awaitsChildren;
         child.process = i + 1;
         region->severalProcesses = 1;
         if (traceFile >= 0)
@@ -223,34 +184,50 @@ void removeProcess(const Child& child) {
     region->processes[child.process - 1].state = ProcessState::Free;
 }
 
-void nameChild(const Child& child, pid_t pid) {
+// Returns whether the child is still known: others may have taken it for dead, with its parent.
+static bool bearChild(const Child& child, pid_t pid) {
     Locked lock;
     ProcessSlot& process = region->processes[child.process - 1];
-    if (process.number == child.number && process.state == ProcessState::Live)
-        process.pid = pid;
+    if (process.number != child.number ||
+        (process.state != ProcessState::Unborn && process.state != ProcessState::Live))
+        return false;
+    process.state = ProcessState::Live;
+    process.pid = pid;
+    return true;
+}
+
+void nameChild(const Child& child, pid_t pid) {
+    bearChild(child, pid);
 }
 
 // In the new process. If the parent was killed so early that others took the child for dead as
 // well, it joins anew.
-void becomeChild(const Child& child) {
-    bool known;
-    {
-        Locked lock;
-        ProcessSlot& process = region->processes[child.process - 1];
-        known = process.number == child.number && process.state == ProcessState::Live;
-        if (known)
-            process.pid = getpid();
-    }
+static void becomeChild(const Child& child) {
+    bool known = bearChild(child, getpid());
     Child mine = known ? child : addProcess();
     if (mine.thread == 0) {
         dprintf(STDERR_FILENO, "vclock: no room for another process\n");
         real()._exit(EXIT_FAILED);
     }
     if (!known)
-        nameChild(mine, getpid());
+        bearChild(mine, getpid());
     myProcess = mine.process;
-    self.nested = false;
     startThread(mine.thread);
+    // Should a handler in the midst of a wait have forked: the wait ends.
+    slotAt(self.slot).result = Result::Interrupted;
+}
+
+bool joinAsChild() {
+    if (self.forks == nullptr || getpid() == region->processes[myProcess - 1].pid)
+        return false;
+    Child child = *self.forks;
+    self.forks = nullptr;
+    self.handing = false;
+    self.nested = false;
+    self.innermost = nullptr;
+    forgetTimers();
+    becomeChild(child);
+    return true;
 }
 
 static void freeThreads(uint32_t process, uint32_t except) {
@@ -312,12 +289,36 @@ void failedExec() {
     errno = saved;
 }
 
+void addProgram(pid_t pid) {
+    Locked lock;
+    for (ProcessSlot& process : region->processes) {
+        if (process.state != ProcessState::Free)
+            continue;
+        process.state = ProcessState::Replaced;
+        process.pid = pid;
+        process.parentPid = getpid();
+        process.number = ++region->nextProcess;
+        region->severalProcesses = 1;
+        if (traceFile >= 0)
+            traceProcess("spawn", process);
+        return;
+    }
+}
+
 bool programsRunning() {
     for (const ProcessSlot& process : region->processes) {
         if (process.state == ProcessState::Replaced)
             return true;
     }
     return false;
+}
+
+uint32_t findProcess(pid_t pid) {
+    for (uint32_t i = 0; i < kMaxProcesses; i++) {
+        if (region->processes[i].state == ProcessState::Live && region->processes[i].pid == pid)
+            return i + 1;
+    }
+    return 0;
 }
 
 pid_t findChild(pid_t pid, ProcessState state) {
@@ -437,7 +438,8 @@ static void removeEntries(const char* variable, const char* text) {
 static void cleanEnvironment() {
     removeEntries("LD_PRELOAD", "libvclock.so");
     removeEntries("ASAN_OPTIONS", VCLOCK_ASAN_OPTION);
-    for (const char* name : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START, VCLOCK_LIMIT})
+    for (const char* name :
+         {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START, VCLOCK_LIMIT, VCLOCK_PATIENCE})
         unsetenv(name);
 }
 
@@ -518,6 +520,10 @@ __attribute__((constructor)) static void joinVirtualTime() {
     made->limit = limit != nullptr && *limit != '\0'
                       ? kStartOfTime + static_cast<int64_t>(strtoll(limit, nullptr, 10)) * kSecond
                       : kForever;
+    const char* patience = getenv(VCLOCK_PATIENCE);
+    made->patience = patience != nullptr && *patience != '\0'
+                         ? static_cast<int64_t>(strtoll(patience, nullptr, 10)) * kSecond
+                         : kPatience;
     const char* seed = getenv(VCLOCK_SEED);
     if (seed != nullptr && *seed != '\0') {
         made->seeded = 1;
@@ -550,5 +556,6 @@ extern "C" __attribute__((visibility("default"))) int vclock_suspend(int64_t ns)
     }
     vclock::Turn turn;
     vclock::suspend(ns);
+    vclock::wakeTimers();
     return 0;
 }

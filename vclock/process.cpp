@@ -11,6 +11,7 @@
 
 #include "vclock/domain.h"
 #include "vclock/real.h"
+#include "vclock/timers.h"
 
 using namespace vclock;
 
@@ -23,17 +24,21 @@ VCLOCK_REPLACE(pid_t, fork, void) {
         errno = EAGAIN;
         return -1;
     }
+    // Handlers that the program has registered run inside the call, before the child is a member.
+    self.forks = &child;
+    self.handing = true;
     pid_t pid = real().fork();
-    if (pid == 0) {
-        becomeChild(child);
-    } else if (pid < 0) {
-        int saved = errno;
+    int saved = errno;
+    joinAsChild();
+    self.forks = nullptr;
+    self.handing = false;
+    if (pid < 0)
         removeProcess(child);
-        errno = saved;
-    } else {
+    else if (pid > 0)
         nameChild(child, pid);
+    errno = saved;
+    if (pid > 0)
         afterWake();
-    }
     return pid;
 }
 
@@ -69,10 +74,14 @@ static int replaceProgram(const char* path, Call call) {
     Turn turn;
     if (!turn || (path != nullptr && access(path, X_OK) < 0))
         return turn ? -1 : call();
+    carryAlarm(true);
     beginExec();
     AnyProcessor processor;
     int result = call();
     failedExec();
+    int saved = errno;
+    carryAlarm(false);
+    errno = saved;
     return result;
 }
 
@@ -92,6 +101,36 @@ VCLOCK_REPLACE(int, fexecve, int file, char* const argv[], char* const envp[]) {
 
 VCLOCK_REPLACE(int, execv, const char* path, char* const argv[]) {
     return replaceProgram(path, [&] { return real().execve(path, argv, environ); });
+}
+
+// A program that is started at once, without a fork that we would see.
+template <typename Call>
+static int startProgram(pid_t* pid, Call call) {
+    Turn turn;
+    pid_t child = 0;
+    AnyProcessor processor;
+    int error = call(&child);
+    if (error == 0 && turn)
+        addProgram(child);
+    if (error == 0 && pid != nullptr)
+        *pid = child;
+    return error;
+}
+
+VCLOCK_REPLACE(int, posix_spawn, pid_t* pid, const char* path,
+               const posix_spawn_file_actions_t* actions, const posix_spawnattr_t* attributes,
+               char* const argv[], char* const envp[]) {
+    return startProgram(pid, [&](pid_t* child) {
+        return real().posix_spawn(child, path, actions, attributes, argv, envp);
+    });
+}
+
+VCLOCK_REPLACE(int, posix_spawnp, pid_t* pid, const char* file,
+               const posix_spawn_file_actions_t* actions, const posix_spawnattr_t* attributes,
+               char* const argv[], char* const envp[]) {
+    return startProgram(pid, [&](pid_t* child) {
+        return real().posix_spawnp(child, file, actions, attributes, argv, envp);
+    });
 }
 
 static bool inPath(const char* file) {
@@ -216,6 +255,7 @@ VCLOCK_REPLACE(pid_t, wait4, pid_t pid, int* status, int options, struct rusage*
         WaitFor what;
         what.kind = Wait::Child;
         what.object = pid > 0 ? static_cast<uint32_t>(pid) : 0;
+        what.restartable = true;
         what.interruptible = what.cancellable = what.endsIfCancelled = true;
         if (wait(what) == Result::Interrupted) {
             errno = EINTR;
@@ -268,7 +308,7 @@ VCLOCK_REPLACE(int, waitid, idtype_t type, id_t id, siginfo_t* info, int options
         }
         WaitFor what;
         what.kind = Wait::Child;
-        what.interruptible = true;
+        what.interruptible = what.restartable = true;
         if (wait(what) == Result::Interrupted) {
             errno = EINTR;
             return -1;
@@ -284,35 +324,4 @@ VCLOCK_REPLACE(void, _exit, int status) {
 VCLOCK_REPLACE(void, _Exit, int status) {
     leaveDomain();
     real()._exit(status);
-}
-
-// Waits for signals, which come in real time from anywhere: time goes on meanwhile.
-VCLOCK_REPLACE(int, pause, void) {
-    Turn turn;
-    RealCall call(false);
-    return real().pause();
-}
-
-VCLOCK_REPLACE(int, sigsuspend, const sigset_t* mask) {
-    Turn turn;
-    RealCall call(false);
-    return real().sigsuspend(mask);
-}
-
-VCLOCK_REPLACE(int, sigwait, const sigset_t* set, int* number) {
-    Turn turn;
-    RealCall call(false);
-    return real().sigwait(set, number);
-}
-
-VCLOCK_REPLACE(int, sigwaitinfo, const sigset_t* set, siginfo_t* info) {
-    Turn turn;
-    RealCall call(false);
-    return real().sigwaitinfo(set, info);
-}
-
-VCLOCK_REPLACE(int, sigtimedwait, const sigset_t* set, siginfo_t* info, const timespec* time) {
-    Turn turn;
-    RealCall call(false);
-    return real().sigtimedwait(set, info, time);
 }

@@ -78,6 +78,10 @@ const char* waitName(Wait kind) {
             return "descriptor";
         case Wait::MessageQueue:
             return "message-queue";
+        case Wait::Signal:
+            return "signal";
+        case Wait::Timer:
+            return "timer";
     }
     return "?";
 }

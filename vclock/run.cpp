@@ -18,12 +18,14 @@
 
 static const char* const kUsage =
     "Usage: run [--seed N] [--trace FILE] [--start UNIX_SECONDS] [--limit SECONDS]\n"
-    "           PROGRAM [ARGUMENT...]\n"
+    "           [--patience SECONDS] PROGRAM [ARGUMENT...]\n"
     "Runs PROGRAM in virtual time.\n"
     "  --seed N     choose the next thread at random from this seed, not first come first served\n"
     "  --trace FILE write who ran and waited when\n"
     "  --start S    begin the calendar at S seconds of 1970 UTC, not at the present date\n"
     "  --limit S    end all after S seconds of virtual time; what sleeps for ever costs real time\n"
+    "  --patience S after S seconds of real time, tell which thread keeps all others waiting, and\n"
+    "               stop it now and again if it runs on without any call; 5 without it\n"
     "Exit status: the program's; 86 deadlock; 87 limit; 126, 127 the program cannot be started; 2 "
     "usage.\n";
 
@@ -44,7 +46,8 @@ static int readOptions(int argc, char** argv) {
                          {"--trace", VCLOCK_TRACE, 0},
                          // The end of the 32-bit unsigned count, in the year 2106.
                          {"--start", VCLOCK_START, 0xffffffffull},
-                         {"--limit", VCLOCK_LIMIT, 0xffffffffull}};
+                         {"--limit", VCLOCK_LIMIT, 0xffffffffull},
+                         {"--patience", VCLOCK_PATIENCE, 0xffffffffull}};
     int at = 1;
     while (at < argc && argv[at][0] == '-') {
         if (strcmp(argv[at], "--") == 0) {
@@ -104,7 +107,8 @@ static void putInFront(const char* variable, const std::string& entry) {
 }
 
 int main(int argc, char** argv) {
-    for (const char* variable : {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START, VCLOCK_LIMIT}) {
+    for (const char* variable :
+         {VCLOCK_SEED, VCLOCK_TRACE, VCLOCK_START, VCLOCK_LIMIT, VCLOCK_PATIENCE}) {
         // An empty variable says nothing; the options speak last.
         const char* value = getenv(variable);
         if (value != nullptr && *value == '\0')

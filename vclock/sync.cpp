@@ -288,6 +288,7 @@ static int waitSemaphore(sem_t* semaphore, Deadline until) {
         s.waiting = 1;
         WaitFor what = waitFor(Wait::Semaphore, s.number, semaphore, until);
         what.unless = &s.value;
+        what.restartable = true;
         what.interruptible = what.cancellable = what.endsIfCancelled = true;
         Result result = wait(what);
         if (result == Result::Woken)
@@ -337,7 +338,6 @@ VCLOCK_REPLACE(int, sem_post, sem_t* semaphore) {
     }
     if (!turn) {
         s.value++;
-        self.posted = self.locked;
         return 0;
     }
     if (s.waiting != 0 && wakeOne(Wait::Semaphore, s.number) != 0) {

@@ -126,19 +126,6 @@ VCLOCK_REPLACE(int, pthread_cancel, pthread_t thread) {
     return error;
 }
 
-// A signal is handled in real time. The wait that it interrupts must end before time jumps.
-VCLOCK_REPLACE(int, pthread_kill, pthread_t thread, int number) {
-    Turn turn;
-    struct sigaction action;
-    bool handled = number != 0 && sigaction(number, nullptr, &action) == 0 &&
-                   ((action.sa_flags & SA_SIGINFO) ||
-                    (action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN));
-    int error = real().pthread_kill(thread, number);
-    if (error == 0 && handled && turn)
-        interruptThread(thread);
-    return error;
-}
-
 // Returns like the system call: 0, or -1 with errno.
 static long waitFutex(const uint32_t* word, uint32_t expected, bool shared, Deadline until) {
     if (__atomic_load_n(word, __ATOMIC_SEQ_CST) != expected) {
@@ -150,7 +137,7 @@ static long waitFutex(const uint32_t* word, uint32_t expected, bool shared, Dead
     what.object = shared;
     what.address = word;
     what.until = until;
-    what.interruptible = true;
+    what.interruptible = what.restartable = true;
     Result result = wait(what);
     if (result != Result::TimedOut && result != Result::Interrupted)
         return 0;

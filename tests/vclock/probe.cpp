@@ -2,6 +2,8 @@
 //
 // probe NAME runs one. It checks by itself and ends with 0; a failed check names its line and ends
 // with 1. What the driver must judge from outside (order, traces, reports) is printed.
+#include "probe.h"
+
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -36,33 +38,6 @@
 using std::chrono::hours;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-
-static const int64_t kMs = 1000000;
-
-#define CHECK(claim)                                                            \
-    do {                                                                        \
-        if (!(claim)) {                                                         \
-            fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #claim); \
-            _exit(1);                                                           \
-        }                                                                       \
-    } while (0)
-
-static int64_t now(clockid_t clock = CLOCK_MONOTONIC) {
-    timespec time;
-    clock_gettime(clock, &time);
-    return static_cast<int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
-}
-
-static timespec at(int64_t ns) {
-    return {static_cast<time_t>(ns / 1000000000), static_cast<long>(ns % 1000000000)};
-}
-
-// What a call takes, to the nanosecond.
-static int64_t cost(const std::function<void()>& call) {
-    int64_t before = now();
-    call();
-    return now() - before;
-}
 
 static void timedWaits() {
     sem_t semaphore;
@@ -757,51 +732,6 @@ static void calendarDeadlines() {
     }
 }
 
-static sem_t handlerSemaphore;
-
-static void signals() {
-    sem_init(&handlerSemaphore, 0, 0);
-    struct sigaction action = {};
-    action.sa_handler = [](int) { sem_post(&handlerSemaphore); };
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGUSR1, &action, nullptr);
-    // A handler in a waiting thread posts; the sleep that it interrupted ends early.
-    std::atomic<int> left{-1};
-    std::thread sleeper([&] { left = static_cast<int>(sleep(1000)); });
-    usleep(1000);
-    std::thread poster([] { CHECK(sem_wait(&handlerSemaphore) == 0); });
-    usleep(1000);
-    pthread_kill(sleeper.native_handle(), SIGUSR1);
-    sleeper.join();
-    poster.join();
-    CHECK(left == 1000);
-    // In a thread that runs, at any moment of its work.
-    sigset_t before;
-    sigset_t blocked;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, SIGUSR1);
-    pthread_t main = pthread_self();
-    std::atomic<int> taken{0};
-    std::thread taker([&] {
-        while (taken < 200) {
-            sem_wait(&handlerSemaphore);
-            taken++;
-        }
-    });
-    pthread_sigmask(SIG_BLOCK, &blocked, &before);
-    std::thread shooter([&] {
-        for (int i = 0; i < 200; i++) {
-            pthread_kill(main, SIGUSR1);
-            usleep(100);
-        }
-    });
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    while (taken < 200)
-        usleep(7);
-    shooter.join();
-    taker.join();
-}
-
 static pthread_mutex_t crossed[2] = {PTHREAD_MUTEX_INITIALIZER, PTHREAD_MUTEX_INITIALIZER};
 
 void crossLock(int first);
@@ -896,10 +826,7 @@ static void pairOfProcesses() {
     worker.join();
 }
 
-static const struct {
-    const char* name;
-    void (*run)();
-} probes[] = {
+static const Probe probes[] = {
     {"timed_waits", timedWaits},
     {"time_stands_still", timeStandsStill},
     {"one_at_a_time", oneAtATime},
@@ -917,18 +844,20 @@ static const struct {
     {"other_programs", otherPrograms},
     {"calendar", calendar},
     {"calendar_deadlines", calendarDeadlines},
-    {"signals", signals},
     {"deadlock", deadlock},
     {"ending", ending},
     {"echo_input", echoInput},
     {"pair_of_processes", pairOfProcesses},
+    {nullptr, nullptr},
 };
 
 int main(int argc, char** argv) {
-    for (const auto& probe : probes) {
-        if (argc == 2 && strcmp(argv[1], probe.name) == 0) {
-            probe.run();
-            return 0;
+    for (const Probe* table : {probes, signalProbes}) {
+        for (const Probe* probe = table; probe->name != nullptr; probe++) {
+            if (argc == 2 && strcmp(argv[1], probe->name) == 0) {
+                probe->run();
+                return 0;
+            }
         }
     }
     fprintf(stderr, "probe: no such name\n");

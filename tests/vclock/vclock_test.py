@@ -7,6 +7,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import textwrap
 import time
 import unittest
 
@@ -40,7 +41,9 @@ class Properties(unittest.TestCase):
     def test_probes_that_judge_themselves(self):
         for probe in ("timed_waits", "time_stands_still", "one_at_a_time", "mutexes", "conditions",
                       "cpp_library", "threads_end", "cancellation", "pipes_and_queues",
-                      "processes", "killed_children", "other_programs", "signals"):
+                      "processes", "killed_children", "other_programs", "signals_to_threads",
+                      "signals_to_processes", "masked_waits", "jumps_out", "alarms", "timers",
+                      "programs_outside", "fork_handlers"):
             if probe == "cancellation" and SANITIZED:
                 continue
             for options in ((), ("--seed", "1"), ("--seed", "2")):
@@ -89,6 +92,22 @@ class Properties(unittest.TestCase):
         self.assertRegex(done.stderr, r"#0 .*\n")
         self.assertNotIn("libvclock", done.stderr)
 
+
+    def test_a_thread_that_keeps_all_others_waiting(self):
+        # It calls nothing: it is stopped now and again, and said to be so.
+        done = run("spins_without_call", "--patience", "1")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stderr, r'^vclock: process 1 \(pid \d+\) thread 1 "vclock_probe" has run '
+                         r"for 1 s without a call that waits: from now on time passes as it really "
+                         r"does while it runs\n$")
+        # It sleeps in a call that is not replaced: that is said, and nothing more can be done.
+        with subprocess.Popen([RUN, "--patience", "1", PROBE, "sleeps_in_unknown_call"],
+                              stderr=subprocess.PIPE, text=True) as program:
+            self.assertRegex(program.stderr.readline(),
+                             r'thread 1 "locker" has kept all others waiting for \d+ s, asleep in a '
+                             r"call that virtual time does not replace: system call \d+, flock")
+            self.assertIsNone(program.poll())
+            program.kill()
 
     def test_limit_ends_all(self):
         # The pair takes about 500 seconds, and its monitor 300 more.
@@ -184,6 +203,111 @@ class Kills(unittest.TestCase):
             for pid, life in lives.items():
                 self.assertTrue(select.select([life], [], [], LIMIT)[0], f"{pid} of {pids} stays")
                 os.close(life)
+
+
+class OtherPrograms(unittest.TestCase):
+    """Programs of the distribution, which nobody here wrote: threads, timers, children, signals."""
+
+    def check(self, words, output, limit="100000", status=0):
+        for seed in ("", "3"):
+            with self.subTest(words=words[:2], seed=seed):
+                done = subprocess.run([RUN, "--limit", limit, *words], stdin=subprocess.DEVNULL,
+                                      env=dict(os.environ, VCLOCK_SEED=seed), capture_output=True,
+                                      text=True, timeout=LIMIT, check=False)
+                self.assertEqual((done.returncode, done.stdout), (status, output), done.stderr)
+
+    def python(self, code, output):
+        self.check(["/usr/bin/python3", "-c", textwrap.dedent(code)], output)
+
+    def test_python(self):
+        self.python("""
+            import queue, threading, time
+            done = queue.Queue()
+            def work(length):
+                for _ in range(100):
+                    time.sleep(length)
+                    done.put(length)
+            began = time.monotonic()
+            threads = [threading.Thread(target=work, args=(i,)) for i in range(1, 9)]
+            [thread.start() for thread in threads]
+            [thread.join() for thread in threads]
+            print(done.qsize(), time.monotonic() - began)
+            """, "800 800.0\n")
+        self.python("""
+            import asyncio, time
+            async def work(length):
+                for _ in range(50):
+                    await asyncio.sleep(length)
+                return length
+            async def all():
+                began = time.monotonic()
+                print(await asyncio.gather(*map(work, range(1, 5))))
+                print(round(time.monotonic() - began, 1))
+                child = await asyncio.create_subprocess_exec("echo", "child", stdout=-1)
+                print((await child.communicate())[0])
+            asyncio.run(all())
+            """, "[1, 2, 3, 4]\n200.0\nb'child\\n'\n")
+        self.python("""
+            import signal, subprocess, time
+            ticks = []
+            signal.signal(signal.SIGALRM, lambda *_: ticks.append(time.monotonic()))
+            signal.setitimer(signal.ITIMER_REAL, 10, 0.5)
+            while len(ticks) < 100:
+                signal.pause()
+            print(ticks[-1] - ticks[0])
+            signal.setitimer(signal.ITIMER_REAL, 0)
+            done = subprocess.run(["sh", "-c", "sleep 0.1; echo late"], stdout=-1, timeout=30)
+            print(done.stdout)
+            try:
+                subprocess.run(["sleep", "60"], timeout=0.2)
+            except subprocess.TimeoutExpired:
+                print("expired")
+            """, "49.5\nb'late\\n'\nexpired\n")
+        self.python("""
+            import multiprocessing, time
+            def work(number):
+                time.sleep(10)
+                return number * number
+            if __name__ == "__main__":
+                began = time.monotonic()
+                with multiprocessing.Pool(4) as pool:
+                    print(pool.map(work, range(8)), round(time.monotonic() - began))
+            """, "[0, 1, 4, 9, 16, 25, 36, 49] 20\n")
+
+    def test_perl_and_shell(self):
+        self.check(["perl", "-e", """
+            eval { local $SIG{ALRM} = sub { die "alarm\\n" }; alarm 500; sleep 10000 }; print $@;
+            use Time::HiRes qw(setitimer ITIMER_REAL);
+            my $ticks = 0; $SIG{ALRM} = sub { $ticks++ };
+            setitimer(ITIMER_REAL, 0.1, 0.1);
+            select(undef, undef, undef, 1000) while $ticks < 50; print "$ticks\\n";
+            """.replace("\\\\", "\\")], "alarm\n50\n")
+        self.check(["bash", "-c", "trap 'echo caught' USR1; kill -USR1 $$; (sleep 0.1; exit 3) &"
+                    "wait $!; echo $?; seq 1000 | sort -rn | head -1; read -t 1 x < /dev/zero;"
+                    "echo $((SECONDS < 10))"], "caught\n3\n1000\n1\n")
+        # Time measured by a program outside is its own: timeout lets it have as much.
+        self.check(["timeout", "5", "sh", "-c", "sleep 0.2; echo in time"], "in time\n")
+        self.check(["timeout", "0.3", "sleep", "60"], "", status=124)
+
+    def test_tools_with_threads(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "numbers")
+            numbers = [str(number * 7919 % 100003) for number in range(200000)]
+            with open(path, "w", encoding="ascii") as file:
+                file.write("\n".join(numbers) + "\n")
+            self.check(["sort", "-n", "--parallel=4", "-S", "1M", "-u", path],
+                       "".join(f"{number}\n" for number in sorted(set(map(int, numbers)))))
+            self.check(["xz", "-0", "-T4", "-k", "-f", "--block-size=100KiB", path], "")
+            unpacked = subprocess.run(["xz", "-dc", path + ".xz"], stdout=subprocess.PIPE,
+                                      text=True, check=True).stdout
+            self.assertEqual(unpacked.split(), numbers)
+            with open(os.path.join(folder, "build.ninja"), "w", encoding="ascii") as file:
+                file.write("rule r\n command = sleep 0.1; echo $out\n")
+                file.writelines(f"build {name}: r\n" for name in "abcd")
+            done = subprocess.run([RUN, "ninja", "-j2", "-C", folder], stdin=subprocess.DEVNULL,
+                                  capture_output=True, text=True, timeout=LIMIT, check=False)
+            self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+            self.assertIn("[4/4]", done.stdout)
 
 
 class Launcher(unittest.TestCase):
