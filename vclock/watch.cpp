@@ -1,7 +1,7 @@
 // What a waiting thread does at times of real time: it looks for processes that were killed, lets
 // time go on at the pace of programs outside, and sees whether one thread keeps all others waiting.
 // And how all end when nobody can go on.
-#include "tools/common/exit_codes.h"
+#include "common/exit_codes.h"
 #include "vclock/domain_internal.h"
 #include "vclock/real.h"
 
