@@ -52,13 +52,21 @@ bool vclock::knownPipe(uint64_t inode) {
     return false;
 }
 
-static bool isEventCounter(int file) {
+// Whether the kernel shows the descriptor as one of the kind, "eventfd" for instance.
+static bool isA(const char* kind, int file) {
     char link[64];
     char target[64];
+    char wanted[64];
     snprintf(link, sizeof link, "/proc/self/fd/%d", file);
+    snprintf(wanted, sizeof wanted, "anon_inode:[%s]", kind);
     ssize_t size = readlink(link, target, sizeof target - 1);
     target[size > 0 ? size : 0] = '\0';
-    return strcmp(target, "anon_inode:[eventfd]") == 0;
+    return strcmp(target, wanted) == 0;
+}
+
+// It tells of signals, or of the end of a process: from the domain or from outside.
+static bool tellsOfProcesses(int file) {
+    return isA("signalfd", file) || isA("pidfd", file);
 }
 
 static Kind kindOf(int file, bool heedsNonBlocking = true) {
@@ -74,8 +82,23 @@ static Kind kindOf(int file, bool heedsNonBlocking = true) {
         pollfd now = {file, POLLIN, 0};
         return real().poll(&now, 1, 0) > 0 ? Kind::Plain : Kind::Foreign;
     }
-    bool inDomain = type == 0 ? isEventCounter(file) : knownPipe(about.st_ino);
-    return inDomain ? Kind::Domain : Kind::Foreign;
+    if (type != 0)
+        return knownPipe(about.st_ino) ? Kind::Domain : Kind::Foreign;
+    if (tellsOfProcesses(file)) {
+        // The kernel may need a moment to tell what somebody did, and time must not jump past it.
+        awaitChildren();
+        return Kind::Domain;
+    }
+    return isA("eventfd", file) ? Kind::Domain : Kind::Foreign;
+}
+
+template <typename Claim>
+static bool anyOf(const pollfd* files, nfds_t count, Claim claim) {
+    for (nfds_t i = 0; i < count; i++) {
+        if (files[i].fd >= 0 && claim(files[i].fd))
+            return true;
+    }
+    return false;
 }
 
 static WaitFor forDescriptor() {
@@ -108,7 +131,8 @@ static int pollUntil(pollfd* files, nfds_t count, WaitFor what) {
             errno = EINTR;
             return -1;
         }
-        if (result == Result::LastLook && heldOutside(files, count))
+        if (result == Result::LastLook &&
+            (anyOf(files, count, tellsOfProcesses) || heldOutside(files, count)))
             return pollOutside(files, count);
         what.lookedInVain = true;
     }
@@ -215,14 +239,6 @@ VCLOCK_REPLACE(int, socketpair, int domain, int type, int protocol, int files[2]
     return result;
 }
 
-static bool anyForeign(const pollfd* files, nfds_t count) {
-    for (nfds_t i = 0; i < count; i++) {
-        if (files[i].fd >= 0 && kindOf(files[i].fd, false) == Kind::Foreign)
-            return true;
-    }
-    return false;
-}
-
 // A time-out is virtual, whatever is polled. Without one, input from elsewhere is a real wait.
 static int pollFor(pollfd* files, nfds_t count, int64_t ns, WaitFor what = forDescriptor()) {
     Turn turn;
@@ -232,7 +248,9 @@ static int pollFor(pollfd* files, nfds_t count, int64_t ns, WaitFor what = forDe
             failedPoll();
         return ready;
     }
-    if (ns < 0 && anyForeign(files, count))
+    bool foreign =
+        anyOf(files, count, [](int file) { return kindOf(file, false) == Kind::Foreign; });
+    if (ns < 0 && foreign)
         return pollOutside(files, count);
     what.until = deadlineIn(ns);
     return pollUntil(files, count, what);

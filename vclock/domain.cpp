@@ -136,8 +136,7 @@ static Exiting exiting() {
         const ProcessSlot& process = region->processes[i];
         if (process.state != ProcessState::Exiting)
             continue;
-        uint32_t parent = findProcess(process.parentPid);
-        if (parent != 0 && region->processes[parent - 1].awaitsChildren)
+        if (isAwaited(process))
             return Exiting::Awaited;
         found = Exiting::Some;
     }
@@ -320,8 +319,8 @@ uint32_t dispatch(bool deathsKnown) {
 Locked::~Locked() {
     real().pthread_mutex_unlock(&region->lock);
     self.locked = false;
-    if (__builtin_expect(self.deferred != 0, 0))
-        runDeferred();
+    if (__builtin_expect(self.putOff, 0))
+        takePutOff();
 }
 
 void awaitTurn() {
@@ -527,10 +526,12 @@ RealCall::RealCall(bool holdsTime) {
     awaitTurn();
     {
         Locked lock;
-        me.holdsTime = holdsTime;
-        me.state = State::Outside;
+        // A signal handler may have forked: in the child, the slot is another.
+        ThreadSlot& mine = slotAt(self.slot);
+        mine.holdsTime = holdsTime;
+        mine.state = State::Outside;
         if (traceFile >= 0)
-            traceLine("out", me);
+            traceLine("out", mine);
         next = dispatch();
     }
     kick(next);

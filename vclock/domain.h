@@ -113,7 +113,7 @@ struct ProcessSlot {
     uint32_t number;                 // its name in traces and reports, never used twice
     std::atomic<uint32_t> watcher;   // slot of the waiting thread that looks for dead processes
     std::atomic<uint32_t> arrivals;  // signals that have reached their handler in any thread
-    uint32_t awaitsChildren;         // handles SIGCHLD
+    uint32_t awaitsChildren;         // hears of their ends by a signal or a descriptor
 };
 
 // For how long the same thread has had the token.
@@ -178,7 +178,7 @@ struct Self {
     volatile uint32_t handled;  // signal handlers that have run in this thread
     volatile uint32_t interruptions;  // of these, those that interrupt what could be restarted
     uint64_t returnMask;              // of the signal handler that runs
-    volatile uint32_t deferred;       // signals that came while the lock was held
+    volatile bool putOff;             // signals came while the lock was held, and are blocked
 };
 
 extern Region* region;  // nullptr: the process is not (or no longer) in virtual time
@@ -315,6 +315,7 @@ bool programsRunning();           // other programs, started by processes of the
 uint32_t findProcess(pid_t pid);  // index + 1 of a live one, 0: not in the domain
 pid_t findChild(pid_t pid, ProcessState state);  // a child in the domain; pid as for waitpid
 void forgetChild(pid_t pid);                     // it has ended and been waited for
+void awaitChildren();  // the process hears of ends by signals: time waits for the kernel's
 
 // While it lives, programs that the thread starts may use all processors; the domain keeps to one.
 class AnyProcessor {

@@ -31,8 +31,8 @@ void awaitTurn();
 uint32_t takeThreadSlot(uint32_t process);
 // Makes the slot the running thread's own.
 void bindSelf(uint32_t slot);
-// Runs the handlers of signals that came while the lock was held.
-void runDeferred();
+// Lets the signals come that were put off while the lock was held.
+void takePutOff();
 // A futex in shared memory: waits until it is no longer as seen, ns nanoseconds at most, 0 without
 // end, and returns 0 or the error; counts it up and wakes all who wait.
 int futexWait(std::atomic<uint32_t>* word, uint32_t seen, int64_t ns);
@@ -52,6 +52,8 @@ uint32_t beginReport();
 // Has the token to report: says where it waits, then the next one does; the last ends all.
 void takePartInReport();
 [[noreturn]] void endWithAll();
+// Whether the parent hears of the process's end by a signal or a descriptor.
+bool isAwaited(const ProcessSlot& process);
 // Frees the slots of processes that were killed and hands on the token that one of them had.
 void findDeaths();
 // Wakes a waiting thread of this process to look for deaths, when no other does.

@@ -338,6 +338,16 @@ void forgetChild(pid_t pid) {
     }
 }
 
+bool isAwaited(const ProcessSlot& process) {
+    uint32_t parent = findProcess(process.parentPid);
+    return parent != 0 && region->processes[parent - 1].awaitsChildren;
+}
+
+void awaitChildren() {
+    region->processes[myProcess - 1].awaitsChildren = 1;
+    region->signalWaits = 1;
+}
+
 static bool isGone(pid_t pid) {
     int saved = errno;
     bool gone;
@@ -370,10 +380,10 @@ static uint32_t bury(uint32_t index, uint32_t number) {
         traceProcess("gone", process);
     freeThreads(index, 0);
     process.state = ProcessState::Free;
-    if (killed) {
+    if (killed)
         wakeLocked(Wait::Child, 0);
+    if (killed || isAwaited(process))
         region->activity++;
-    }
     uint32_t running = region->running;
     if (running == 0 || slotAt(running).state == State::Free)
         return dispatch();

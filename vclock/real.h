@@ -42,7 +42,7 @@ int __isoc99_vfscanf(FILE* stream, const char* format, va_list arguments);
     X(pthread_mutex_lock) X(pthread_mutex_unlock) X(pthread_sigmask) X(pthread_sigqueue) \
     X(pthread_testcancel) X(read) X(readv) X(recv) X(recvfrom) X(recvmsg) X(sched_yield) \
     X(select) X(setitimer) X(sigaction) X(siglongjmp) X(sigqueue) X(sigsuspend) \
-    X(sigtimedwait) X(sigwait) X(sigwaitinfo) X(socketpair) X(syscall) X(system) X(tgkill) \
+    X(sigtimedwait) X(sigwait) X(socketpair) X(syscall) X(system) X(tgkill) \
     X(timer_create) X(timer_delete) X(timer_getoverrun) X(timer_gettime) X(timer_settime) \
     X(timerfd_create) X(timerfd_gettime) X(timerfd_settime) X(ualarm) X(vfscanf) X(wait4) \
     X(waitid) X(write)

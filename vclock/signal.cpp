@@ -11,6 +11,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/syscall.h>
 #include <ucontext.h>
 #include <unistd.h>
 
@@ -22,14 +23,13 @@
 namespace vclock {
 
 constexpr int kSignals = 65;
-constexpr uint32_t kMaxDeferred = 8;
 // How long a handler is waited for: it comes in no time, unless its process is stopped or dies.
 constexpr int kLooks = 100;
 constexpr int64_t kLookPeriod = 10000000;
 
 // What the program wants to be done, where the kernel has `receive`.
 static struct sigaction wanted[kSignals];
-static __thread siginfo_t deferredSignals[kMaxDeferred] __attribute__((tls_model("initial-exec")));
+static __thread uint64_t maskToRestore __attribute__((tls_model("initial-exec")));
 
 static void receive(int number, siginfo_t* info, void* context);
 
@@ -54,6 +54,10 @@ static bool isFault(int number) {
 
 static void runHandler(int number, siginfo_t* info, void* context) {
     struct sigaction action = wanted[number];
+    if (action.sa_flags & SA_RESETHAND) {
+        struct sigaction none = {};
+        real().sigaction(number, &none, nullptr);
+    }
     self.handled++;
     if (!(action.sa_flags & SA_RESTART))
         self.interruptions++;
@@ -102,43 +106,47 @@ static void deliver(int number, siginfo_t* info, void* context) {
         return;
     }
     // The dead are known before their parent hears of them.
-    if (number == SIGCHLD)
+    if (number == SIGCHLD && !self.locked)
         findDeaths();
     Turn turn(Turn::kHandler);
     runHandler(number, info, context);
-    if (context != nullptr) {
-        runPending(context);
-        self.returnMask = maskBits(static_cast<ucontext_t*>(context)->uc_sigmask);
-    }
+    runPending(context);
+    self.returnMask = maskBits(static_cast<ucontext_t*>(context)->uc_sigmask);
+}
+
+// The thread holds the region's lock: the signal is sent to it once more, and all signals wait
+// until the lock is free. Returns false if the kernel has no room for it.
+static bool putOff(int number, const siginfo_t* info, void* context) {
+    sigset_t all;
+    sigfillset(&all);
+    real().pthread_sigmask(SIG_BLOCK, &all, nullptr);
+    siginfo_t again = *info;
+    long process = getpid();
+    if (real().syscall(SYS_rt_tgsigqueueinfo, process, real().syscall(SYS_gettid), number,
+                       &again) != 0)
+        return false;
+    // Of several that come at once, the one whose handler was to run last is the last here. The
+    // kernel keeps no more of a mask than these bits.
+    ucontext_t* interrupted = static_cast<ucontext_t*>(context);
+    uint64_t bits = maskBits(all);
+    maskToRestore = maskBits(interrupted->uc_sigmask);
+    memcpy(&interrupted->uc_sigmask, &bits, sizeof bits);
+    self.putOff = true;
+    return true;
+}
+
+void takePutOff() {
+    sigset_t mask;
+    sigemptyset(&mask);
+    memcpy(&mask, &maskToRestore, sizeof maskToRestore);
+    self.putOff = false;
+    real().pthread_sigmask(SIG_SETMASK, &mask, nullptr);
 }
 
 static void receive(int number, siginfo_t* info, void* context) {
     int saved = errno;
-    if (self.locked && self.deferred < kMaxDeferred) {
-        uint32_t place = self.deferred;
-        self.deferred = place + 1;
-        deferredSignals[place] = *info;
-        deferredSignals[place].si_signo = number;
-    } else {
+    if (!self.locked || !putOff(number, info, context))
         deliver(number, info, context);
-    }
-    errno = saved;
-}
-
-void runDeferred() {
-    int saved = errno;
-    while (self.deferred > 0 && !self.locked) {
-        siginfo_t info = deferredSignals[0];
-        self.deferred = self.deferred - 1;
-        memmove(&deferredSignals[0], &deferredSignals[1], self.deferred * sizeof(siginfo_t));
-        sigset_t mask = wanted[info.si_signo].sa_mask;
-        sigset_t before;
-        sigaddset(&mask, info.si_signo);
-        real().pthread_sigmask(SIG_BLOCK, &mask, &before);
-        self.returnMask = maskBits(before);
-        deliver(info.si_signo, &info, nullptr);
-        real().pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    }
     errno = saved;
 }
 
@@ -228,21 +236,22 @@ VCLOCK_REPLACE(int, sigaction, int number, const struct sigaction* action,
     struct sigaction old;
     if (real().sigaction(number, nullptr, &old) != 0)
         return -1;
-    if (isReceived(old)) {
-        // A handler for one signal only leaves the kernel's word behind.
-        int flags = old.sa_flags;
+    if (isReceived(old) || number == SIGRTMAX)
         old = wanted[number];
-        old.sa_flags = (flags & ~SA_SIGINFO) | (wanted[number].sa_flags & SA_SIGINFO);
-    }
-    if (action != nullptr) {
+    if (action != nullptr && number == SIGRTMAX) {
+        wanted[number] = *action;
+    } else if (action != nullptr) {
         struct sigaction kernels = *action;
         bool received = isHandled(*action) && !isFault(number);
         if (received) {
             kernels.sa_sigaction = receive;
-            kernels.sa_flags |= SA_SIGINFO;
+            kernels.sa_flags = (action->sa_flags & ~SA_RESETHAND) | SA_SIGINFO;
+            sigdelset(&kernels.sa_mask, SIGRTMAX);
         }
+        // Where the kernel acts itself, one that is on its way to the old handler still finds it.
         struct sigaction kept = wanted[number];
-        wanted[number] = *action;
+        if (received)
+            wanted[number] = *action;
         if (real().sigaction(number, &kernels, nullptr) != 0) {
             wanted[number] = kept;
             return -1;
@@ -285,6 +294,27 @@ VCLOCK_REPLACE(sighandler_t, sysv_signal, int number, sighandler_t handler) {
 
 VCLOCK_REPLACE(sighandler_t, __sysv_signal, int number, sighandler_t handler) {
     return install(number, handler, SA_RESETHAND | SA_NODEFER);
+}
+
+// The library's own signal is never blocked: a loop that calls nothing is stopped by it.
+static int changeMask(int how, const sigset_t* set, sigset_t* before) {
+    sigset_t allowed;
+    if (set != nullptr) {
+        allowed = *set;
+        sigdelset(&allowed, SIGRTMAX);
+    }
+    return real().pthread_sigmask(how, set != nullptr ? &allowed : nullptr, before);
+}
+
+VCLOCK_REPLACE(int, pthread_sigmask, int how, const sigset_t* set, sigset_t* before) {
+    return changeMask(how, set, before);
+}
+
+VCLOCK_REPLACE(int, sigprocmask, int how, const sigset_t* set, sigset_t* before) {
+    int error = changeMask(how, set, before);
+    if (error != 0)
+        errno = error;
+    return error == 0 ? 0 : -1;
 }
 
 // A handler that jumps out of itself leaves the wait behind that it interrupted.
@@ -418,6 +448,8 @@ VCLOCK_REPLACE(int, sigsuspend, const sigset_t* mask) {
 static int awaitSignal(const sigset_t* set, siginfo_t* info, Deadline until) {
     WaitFor what = forSignal();
     what.until = until;
+    if (sigismember(set, SIGCHLD) == 1)
+        awaitChildren();
     for (;;) {
         timespec now = {};
         int number = real().sigtimedwait(set, info, &now);
@@ -436,16 +468,15 @@ static int awaitSignal(const sigset_t* set, siginfo_t* info, Deadline until) {
 
 VCLOCK_REPLACE(int, sigtimedwait, const sigset_t* set, siginfo_t* info, const timespec* time) {
     Turn turn;
-    if (!turn || !validTime(time))
+    if (!turn || (time != nullptr && !validTime(time)))
         return real().sigtimedwait(set, info, time);
-    if (toNs(*time) == 0)
+    if (time != nullptr && toNs(*time) == 0)
         failedPoll();
-    return awaitSignal(set, info, deadlineIn(toNs(*time)));
+    return awaitSignal(set, info, time != nullptr ? deadlineIn(toNs(*time)) : Deadline());
 }
 
 VCLOCK_REPLACE(int, sigwaitinfo, const sigset_t* set, siginfo_t* info) {
-    Turn turn;
-    return turn ? awaitSignal(set, info, Deadline()) : real().sigwaitinfo(set, info);
+    return replaced_sigtimedwait(set, info, nullptr);
 }
 
 VCLOCK_REPLACE(int, sigwait, const sigset_t* set, int* number) {

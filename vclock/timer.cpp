@@ -79,6 +79,10 @@ struct Call {
 static void* runFunction(void* argument) {
     Call call = *static_cast<Call*>(argument);
     free(argument);
+    // The keeper has all signals blocked.
+    sigset_t none;
+    sigemptyset(&none);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
     call.function(call.value);
     return nullptr;
 }
@@ -182,13 +186,18 @@ static void timersChanged() {
     real().pthread_sigmask(SIG_BLOCK, &all, &before);
     if (pthread_create(&thread, nullptr, keepTimers, nullptr) == 0)
         pthread_detach(thread);
+    else
+        keeper = 0;
     real().pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 static Deadline deadlineOf(Clock clock, int64_t ns, bool absolute) {
     if (ns == 0)
         return Deadline();
-    return absolute ? Deadline{clock, ns} : deadlineIn(ns);
+    if (absolute)
+        return {clock, ns};
+    // Setting the calendar moves no relative time; being suspended counts where the clock goes on.
+    return clock == Clock::Boot ? Deadline{clock, clockNow(clock) + ns} : deadlineIn(ns);
 }
 
 static void arm(Timer* timer, const Deadline& due, int64_t interval) {
@@ -216,15 +225,19 @@ void forgetTimers() {
     countFiles = 0;
 }
 
+static timeval timevalOf(const timespec& time) {
+    // What is left of an armed timer is never nothing.
+    suseconds_t us = static_cast<suseconds_t>((time.tv_nsec + 999) / 1000);
+    return us < 1000000 ? timeval{time.tv_sec, us} : timeval{time.tv_sec + 1, 0};
+}
+
 void carryAlarm(bool away) {
     const Timer& timer = timers[kAlarm];
     if (!timer.used || timer.due.ns == kForever)
         return;
     itimerval value = {};
-    timespec left = toTimespec(away ? remaining(timer) : 0);
-    timespec interval = toTimespec(away ? timer.interval : 0);
-    value.it_value = {left.tv_sec, static_cast<suseconds_t>((left.tv_nsec + 999) / 1000)};
-    value.it_interval = {interval.tv_sec, static_cast<suseconds_t>(interval.tv_nsec / 1000)};
+    if (away)
+        value = {timevalOf(toTimespec(timer.interval)), timevalOf(toTimespec(remaining(timer)))};
     real().setitimer(ITIMER_REAL, &value, nullptr);
 }
 
@@ -253,6 +266,16 @@ static Timer* oursByFile(int file) {
             return &timer;
     }
     return nullptr;
+}
+
+static void dropFile(int file) {
+    Timer* timer = oursByFile(file);
+    if (timer == nullptr)
+        return;
+    timer->used = false;
+    countFiles--;
+    real().close(timer->ownFile);
+    wakeTimers();
 }
 
 static itimerspec valueOf(const Timer& timer) {
@@ -290,12 +313,6 @@ using namespace vclock;
 
 static int64_t nsOf(const timeval& time) {
     return toNs({time.tv_sec, static_cast<long>(time.tv_usec * 1000)});
-}
-
-static timeval timevalOf(const timespec& time) {
-    // What is left of an armed timer is never nothing.
-    suseconds_t us = static_cast<suseconds_t>((time.tv_nsec + 999) / 1000);
-    return us < 1000000 ? timeval{time.tv_sec, us} : timeval{time.tv_sec + 1, 0};
 }
 
 VCLOCK_REPLACE(int, setitimer, __itimer_which_t which, const itimerval* value, itimerval* old) {
@@ -447,6 +464,7 @@ VCLOCK_REPLACE(int, timerfd_create, int id, int flags) {
         errno = saved;
         return -1;
     }
+    dropFile(file);  // It was closed unseen, if another timer had it.
     timer->action = Action::Count;
     timer->clock = clock;
     timer->file = file;
@@ -488,13 +506,8 @@ VCLOCK_REPLACE(int, timerfd_gettime, int file, itimerspec* value) {
 VCLOCK_REPLACE(int, close, int file) {
     if (__builtin_expect(countFiles > 0, 0)) {
         Turn turn;
-        Timer* timer = turn ? oursByFile(file) : nullptr;
-        if (timer != nullptr) {
-            timer->used = false;
-            countFiles--;
-            real().close(timer->ownFile);
-            wakeTimers();
-        }
+        if (turn)
+            dropFile(file);
     }
     return real().close(file);
 }

@@ -8,12 +8,16 @@
 namespace vclock {
 
 // Says to who sent a signal that it has reached its handler, which has a place among those that
-// run next. `slot` is the thread's own.
-static void announce(uint32_t slot) {
+// run next. The thread has a slot more for each handler that it is in already.
+static void announce() {
     int saved = errno;
     futexBump(&region->processes[myProcess - 1].arrivals);
-    if (slot != 0)
-        futexBump(&slotAt(slot).arrivals);
+    uint32_t threadId = self.slot != 0 ? slotAt(self.slot).threadId : 0;
+    for (uint32_t slot = 1; threadId != 0 && slot <= region->slotsUsed; slot++) {
+        ThreadSlot& thread = slotAt(slot);
+        if (thread.process == myProcess - 1 && thread.threadId == threadId)
+            futexBump(&thread.arrivals);
+    }
     errno = saved;
 }
 
@@ -21,12 +25,12 @@ Turn::Turn(Handler) {
     if (region != nullptr && self.slot != 0 && !self.handing &&
         region->running.load() == self.slot) {
         live_ = true;
-        announce(self.slot);
+        announce();
         return;
     }
     live_ = begin(true);
     if (!live_ && region != nullptr)
-        announce(self.slot);
+        announce();
 }
 
 // The hand-over ends with this thread: the wait, whose result stands already, has the token again
@@ -49,7 +53,7 @@ bool Turn::begin(bool handler) {
     if (self.slot != 0 && region->running.load() == self.slot) {
         beginBorrowed();
         if (handler)
-            announce(self.slot);
+            announce();
         return true;
     }
     int saved = errno;
@@ -84,7 +88,7 @@ bool Turn::begin(bool handler) {
         if (outer != 0)
             slotAt(slot).handle = 0;
         if (handler)
-            announce(outer);
+            announce();
         // The interrupted code may have given the token away and not yet woken who got it.
         next = region->running == 0 ? dispatch() : region->running.load();
     }
@@ -144,9 +148,12 @@ void Turn::leaveHandlers() {
             self.slot = turn->outerSlot_;
             self.number = turn->outerNumber_;
             self.nested = turn->outerNested_;
-            slotAt(self.slot).inHandler = 0;
-            slotAt(self.slot).state = State::Running;
-            slotAt(self.slot).result = Result::Interrupted;
+            ThreadSlot& outer = slotAt(self.slot);
+            outer.inHandler = 0;
+            // What it was given stays given, should the jump end inside of the handler.
+            if (outer.state == State::Waiting)
+                outer.result = Result::Interrupted;
+            outer.state = State::Running;
             region->running = self.slot;
             region->activity++;
         }

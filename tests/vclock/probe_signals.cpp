@@ -14,6 +14,7 @@
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/select.h>
+#include <sys/signalfd.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/timerfd.h>
@@ -112,6 +113,11 @@ static void signalsToThreads() {
     for (std::thread& thread : threads)
         thread.join();
     CHECK(now() == began);
+    // One signal only, after which the old ways are back.
+    install(SIGUSR2, SA_RESETHAND);
+    struct sigaction after;
+    CHECK(raise(SIGUSR2) == 0 && count == 1);
+    CHECK(sigaction(SIGUSR2, nullptr, &after) == 0 && after.sa_handler == SIG_DFL);
     // In a thread that runs, at any moment of its work.
     pthread_t main = pthread_self();
     count = 0;
@@ -244,6 +250,82 @@ static void maskedWaits() {
     handler.join();
 }
 
+static pid_t spawn(const char* command, int output) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, output, 1);
+    const char* words[] = {"sh", "-c", command, nullptr};
+    pid_t child = 0;
+    CHECK(posix_spawnp(&child, "sh", &actions, nullptr, const_cast<char**>(words), environ) == 0);
+    posix_spawn_file_actions_destroy(&actions);
+    return child;
+}
+
+// A parent hears of its children's ends, and of nothing else, before time goes on.
+static void endsOfChildren() {
+    sigset_t ends = only(SIGCHLD);
+    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    int signals = signalfd(-1, &ends, SFD_CLOEXEC);
+    pollfd told = {signals, POLLIN, 0};
+    timespec limit = {30, 0};
+    signalfd_siginfo about;
+    const std::function<void(pid_t)> waits[] = {
+        [&](pid_t) { CHECK(sigtimedwait(&ends, nullptr, &limit) == SIGCHLD); },
+        [&](pid_t child) {
+            CHECK(poll(&told, 1, 30000) == 1);
+            CHECK(read(signals, &about, sizeof about) == sizeof about);
+            CHECK(about.ssi_pid == static_cast<uint32_t>(child));
+        },
+        [&](pid_t) { CHECK(read(signals, &about, sizeof about) == sizeof about); },
+        [&](pid_t child) {
+            pollfd end = {static_cast<int>(syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
+            CHECK(poll(&end, 1, -1) == 1 && close(end.fd) == 0);
+            CHECK(read(signals, &about, sizeof about) == sizeof about);
+        },
+    };
+    for (const auto& wait : waits) {
+        for (int i = 0; i < 5; i++) {
+            pid_t child = fork();
+            if (child == 0) {
+                sleep(10);
+                _exit(0);
+            }
+            CHECK(cost([&] { wait(child); }) == 10000 * kMs);
+            CHECK(waitpid(child, nullptr, 0) == child);
+        }
+    }
+    // A program outside.
+    pid_t child = spawn("sleep 0.1", 1);
+    CHECK(read(signals, &about, sizeof about) == sizeof about);
+    CHECK(waitpid(child, nullptr, 0) == child);
+}
+
+// Counts signals that come from outside in real time, while two threads hand over all the time; the
+// signal with the next number ends it.
+static void countsSignals() {
+    static std::atomic<bool> over{false};
+    install(SIGRTMIN + 2, SA_RESTART);
+    struct sigaction end = {};
+    end.sa_handler = [](int) { over = true; };
+    CHECK(sigaction(SIGRTMIN + 3, &end, nullptr) == 0);
+    sem_t turns[2];
+    sem_init(&turns[0], 0, 1);
+    sem_init(&turns[1], 0, 0);
+    auto side = [&](int mine) {
+        while (!over) {
+            while (sem_wait(&turns[mine]) != 0) {
+            }
+            sem_post(&turns[1 - mine]);
+        }
+    };
+    std::thread other([&] { side(1); });
+    printf("ready\n");
+    fflush(stdout);
+    side(0);
+    other.join();
+    printf("%d\n", count.load());
+}
+
 static sigjmp_buf wayOut;
 
 // A handler jumps out of the wait that it interrupted; the thread and the others go on.
@@ -267,6 +349,23 @@ static void jumpsOut() {
     }
     ticker.join();
     CHECK(ticks == 100);
+    // One that jumps within itself takes nothing away from the wait.
+    install(SIGUSR1, SA_RESTART, [](int) {
+        sigjmp_buf here;
+        if (sigsetjmp(here, 1) == 0)
+            siglongjmp(here, 1);
+    });
+    std::mutex mutex;
+    mutex.lock();
+    std::thread waiter([&] {
+        mutex.lock();
+        mutex.unlock();
+    });
+    sleep(1);
+    pthread_kill(waiter.native_handle(), SIGUSR1);
+    mutex.unlock();
+    pthread_kill(waiter.native_handle(), SIGUSR1);
+    waiter.join();
 }
 
 static void alarms() {
@@ -349,7 +448,12 @@ static void timers() {
     // A thread each time, at a date.
     event = {};
     event.sigev_notify = SIGEV_THREAD;
-    event.sigev_notify_function = [](sigval) { called++; };
+    event.sigev_notify_function = [](sigval) {
+        sigset_t blocked;
+        CHECK(pthread_sigmask(SIG_BLOCK, nullptr, &blocked) == 0 &&
+              !sigismember(&blocked, SIGUSR1));
+        called++;
+    };
     CHECK(timer_create(CLOCK_REALTIME, &event, &timer) == 0);
     itimerspec date = {{}, at(now(CLOCK_REALTIME) + 60000 * kMs)};
     CHECK(timer_settime(timer, TIMER_ABSTIME, &date, nullptr) == 0);
@@ -373,17 +477,6 @@ static void timers() {
     CHECK(timerfd_settime(file, 0, &once, &left) == 0 && left.it_interval.tv_nsec == 100 * kMs);
     CHECK(cost([&] { CHECK(poll(&one, 1, 5000) == 1); }) == 3000 * kMs);
     CHECK(close(file) == 0 && sleep(10) == 0);
-}
-
-static pid_t spawn(const char* command, int output) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, output, 1);
-    const char* words[] = {"sh", "-c", command, nullptr};
-    pid_t child = 0;
-    CHECK(posix_spawnp(&child, "sh", &actions, nullptr, const_cast<char**>(words), environ) == 0);
-    posix_spawn_file_actions_destroy(&actions);
-    return child;
 }
 
 // What a program outside writes is waited for, however it was started and whoever it left behind.
@@ -457,8 +550,13 @@ static void forkHandling() {
     other.join();
 }
 
-// A loop that calls nothing waits for what another thread does after a while.
+// A loop that calls nothing waits for what another thread does after a while; that the program has
+// blocked and set all signals does not matter.
 static void spinsWithoutCall() {
+    sigset_t all;
+    sigfillset(&all);
+    CHECK(sigprocmask(SIG_SETMASK, &all, nullptr) == 0 && signal(SIGRTMAX, SIG_IGN) == SIG_DFL);
+    CHECK(signal(SIGRTMAX, SIG_DFL) == SIG_IGN);
     static volatile bool flag = false;
     std::thread other([] {
         usleep(200000);
@@ -490,6 +588,8 @@ const Probe signalProbes[] = {
     {"signals_to_threads", signalsToThreads},
     {"signals_to_processes", signalsToProcesses},
     {"masked_waits", maskedWaits},
+    {"ends_of_children", endsOfChildren},
+    {"counts_signals", countsSignals},
     {"jumps_out", jumpsOut},
     {"alarms", alarms},
     {"timers", timers},

@@ -42,7 +42,7 @@ class Properties(unittest.TestCase):
         for probe in ("timed_waits", "time_stands_still", "one_at_a_time", "mutexes", "conditions",
                       "cpp_library", "threads_end", "cancellation", "pipes_and_queues",
                       "processes", "killed_children", "other_programs", "signals_to_threads",
-                      "signals_to_processes", "masked_waits", "jumps_out", "alarms", "timers",
+                      "signals_to_processes", "masked_waits", "ends_of_children", "jumps_out", "alarms", "timers",
                       "programs_outside", "fork_handlers"):
             if probe == "cancellation" and SANITIZED:
                 continue
@@ -92,7 +92,6 @@ class Properties(unittest.TestCase):
         self.assertRegex(done.stderr, r"#0 .*\n")
         self.assertNotIn("libvclock", done.stderr)
 
-
     def test_a_thread_that_keeps_all_others_waiting(self):
         # It calls nothing: it is stopped now and again, and said to be so.
         done = run("spins_without_call", "--patience", "1")
@@ -108,6 +107,16 @@ class Properties(unittest.TestCase):
                              r"call that virtual time does not replace: system call \d+, flock")
             self.assertIsNone(program.poll())
             program.kill()
+
+    def test_no_signal_from_outside_is_lost(self):
+        with subprocess.Popen([RUN, PROBE, "counts_signals"], stdout=subprocess.PIPE,
+                              text=True) as program:
+            self.assertEqual(program.stdout.readline(), "ready\n")
+            for _ in range(5000):
+                os.kill(program.pid, signal.SIGRTMIN + 2)
+            os.kill(program.pid, signal.SIGRTMIN + 3)
+            self.assertEqual(program.stdout.read(), "5000\n")
+            self.assertEqual(program.wait(LIMIT), 0)
 
     def test_limit_ends_all(self):
         # The pair takes about 500 seconds, and its monitor 300 more.
