@@ -10,6 +10,7 @@
 
 #include <pthread.h>
 #include <sched.h>
+#include <signal.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/types.h>
@@ -296,7 +297,8 @@ inline uint32_t objectNumber(uint32_t& field) {
 // Threads. Slots are index + 1; 0 means that there is no free one.
 uint32_t addThread();
 void removeThread(uint32_t slot);
-void startThread(uint32_t slot);  // in the new thread: waits for its first turn
+// In the new thread, which has all signals blocked: sets its mask and waits for its first turn.
+void startThread(uint32_t slot, const sigset_t* mask);
 void endThread();                 // in the ending thread: gives the token away for good
 uint32_t findThread(pthread_t handle);
 uint32_t findThreadById(pid_t pid, pid_t thread);

@@ -69,8 +69,9 @@ void removeThread(uint32_t slot) {
     slotAt(slot).state = State::Free;
 }
 
-void startThread(uint32_t slot) {
+void startThread(uint32_t slot, const sigset_t* mask) {
     bindSelf(slot);
+    real().pthread_sigmask(SIG_SETMASK, mask, nullptr);
     awaitTurn();
 }
 
@@ -110,10 +111,11 @@ void endThread() {
         region->activity++;
         me.state = State::Free;
         next = dispatch();
+        // Before a signal can come: the slot is another thread's soon.
+        self.slot = 0;
+        self.ended = true;
     }
     passWatch();
-    self.slot = 0;
-    self.ended = true;
     kick(next);
 }
 
@@ -212,7 +214,8 @@ static void becomeChild(const Child& child) {
     if (!known)
         bearChild(mine, getpid());
     myProcess = mine.process;
-    startThread(mine.thread);
+    bindSelf(mine.thread);
+    awaitTurn();
     // Should a handler in the midst of a wait have forked: the wait ends.
     slotAt(self.slot).result = Result::Interrupted;
 }
@@ -252,9 +255,9 @@ void leaveDomain() {
         wakeLocked(Wait::Child, 0);
         region->activity++;
         next = dispatch();
+        self.slot = 0;
+        self.ended = true;
     }
-    self.slot = 0;
-    self.ended = true;
     kick(next);
 }
 

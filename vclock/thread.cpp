@@ -40,6 +40,7 @@ struct Start {
     void* (*function)(void*);
     void* argument;
     uint32_t slot;
+    sigset_t mask;
 };
 }  // namespace
 
@@ -47,7 +48,7 @@ static void* runThread(void* argument) {
     Start start = *static_cast<Start*>(argument);
     free(argument);
     watchEnd();
-    startThread(start.slot);
+    startThread(start.slot, &start.mask);
     return start.function(start.argument);
 }
 
@@ -62,8 +63,16 @@ VCLOCK_REPLACE(int, pthread_create, pthread_t* thread, const pthread_attr_t* att
         free(start);
         return EAGAIN;
     }
-    *start = {function, argument, slot};
+    *start = {function, argument, slot, {}};
+    // A handler would take the thread for one without a slot: signals wait until it has its own.
+    sigset_t all;
+    sigset_t mine;
+    sigfillset(&all);
+    real().pthread_sigmask(SIG_BLOCK, &all, &mine);
+    if (attr == nullptr || pthread_attr_getsigmask_np(attr, &start->mask) != 0)
+        start->mask = mine;
     int error = real().pthread_create(thread, attr, runThread, start);
+    real().pthread_sigmask(SIG_SETMASK, &mine, nullptr);
     if (error != 0) {
         removeThread(slot);
         free(start);

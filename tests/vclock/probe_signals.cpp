@@ -312,11 +312,11 @@ static void countsSignals() {
     sem_init(&turns[0], 0, 1);
     sem_init(&turns[1], 0, 0);
     auto side = [&](int mine) {
-        while (!over) {
+        do {
             while (sem_wait(&turns[mine]) != 0) {
             }
             sem_post(&turns[1 - mine]);
-        }
+        } while (!over);
     };
     std::thread other([&] { side(1); });
     printf("ready\n");
