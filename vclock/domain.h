@@ -299,7 +299,7 @@ uint32_t addThread();
 void removeThread(uint32_t slot);
 // In the new thread, which has all signals blocked: sets its mask and waits for its first turn.
 void startThread(uint32_t slot, const sigset_t* mask);
-void endThread();                 // in the ending thread: gives the token away for good
+void endThread();  // in the ending thread: gives the token away for good
 uint32_t findThread(pthread_t handle);
 uint32_t findThreadById(pid_t pid, pid_t thread);
 void cancelThread(pthread_t handle);
