@@ -228,8 +228,8 @@ static void stop(int, siginfo_t*, void* context) {
 }
 
 static int noteCode(dl_phdr_info* library, size_t, void*) {
-    static const char* const names[] = {"libc.so", "/ld-",       "libvclock",
-                                        "libasan", "libpthread", "linux-vdso"};
+    static const char* const names[] = {"libc.so",     "/ld-",       "libvclock", "libasan",
+                                        "libclang_rt", "libpthread", "linux-vdso"};
     const char* base = strrchr(library->dlpi_name, '/');
     for (const char* name : names) {
         if (strstr(name[0] == '/' && base != nullptr ? base : library->dlpi_name, name) ==
