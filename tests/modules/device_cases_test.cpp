@@ -7,9 +7,11 @@
 #include <string>
 #include <thread>
 
+#include "environment/conf_reader.h"
 #include "environment/config_files.h"
 #include "environment/test_env.h"
 #include "framework/case/check.h"
+#include "platform/qlx_gpio.h"
 #include "platform/qlx_sys.h"
 #include "tests/shared/bench_folder.h"
 #include "tests/shared/module_bench.h"
@@ -57,6 +59,19 @@ TEST_F(DeviceCases, EveryAutomaticCasePassesAndLeavesNothingBehind) {
             EXPECT_EQ(deviceState(), "") << testCase.name;
         }
     }
+}
+
+/** The level that is written is the other one, whichever there is. */
+TEST_F(DeviceCases, APinThatIsHighIsWrittenLow) {
+    int32_t pin = 0;
+    get_conf_value_self("GPIO", "GPIO_NUM", &pin, g_configFile.common);
+    ASSERT_EQ(QLX_GPIOInit(), 0u);
+    ASSERT_EQ(QLX_GPIOSetValue(static_cast<uint32_t>(pin), 1), 0u);
+    ASSERT_EQ(QLX_GPIODeInit(), 0u);
+    qlx_sim_record(1);
+    EXPECT_EQ(runCaseByName(GPIOModule, "TC_GPIO_SetValue_006"), 0u);
+    EXPECT_NE(recordedCalls().find(" level=0)=0"), std::string::npos) << recordedCalls();
+    qlx_sim_record(0);
 }
 
 TEST_F(DeviceCases, AWrongAnswerTurnsTheCaseThatAsksForIt) {
@@ -300,6 +315,18 @@ TEST_F(I2CRegister, WordsThatAreNoNumbersAreAskedForAgain) {
     EXPECT_EQ(ended.result, 1u);
     EXPECT_TRUE(ended.says("expect 1, but actually 0  \n"));
     EXPECT_EQ(recordedCalls(), "");
+}
+
+TEST_F(I2CRegister, NumbersAreTakenUpToTheirLimits) {
+    Ended ended = run("TC_I2C_ReadWrite_004", "-1 4 3 4 3 48 0 5 4 44332211 4");
+    EXPECT_NE(recordedCalls().find("QLX_I2COpen(bus=3 rate=3)"), std::string::npos)
+        << recordedCalls();
+    ended = run("TC_I2C_ReadWrite_004", "0 -1 48 4 44332211 4");
+    EXPECT_NE(recordedCalls().find("QLX_I2COpen(bus=0 rate="), std::string::npos);
+    ended = run("TC_I2C_ReadWrite_004", "2 0 48 4 44332211 4");
+    EXPECT_NE(recordedCalls().find("registerAddressLength=4 registerAddress=11223344"),
+              std::string::npos)
+        << recordedCalls();
 }
 
 TEST_F(I2CRegister, ALengthThatCannotBeAllocatedFails) {

@@ -160,7 +160,7 @@ TEST_F(Mutants, SwitchedOnDoWhatTheEditedSourceDoes) {
 /** A judge can be late, and harm nothing but its own room. */
 TEST_F(Mutants, AreJudgedInARoomOfTheirOwn) {
     fs::path room = folder_ / "room";
-    Judge judge = {"", "", {"/bin/sh", "-c", "echo seen; touch \"$TMPDIR/a\"; exit 3"}, 0, {}};
+    Judge judge = {"", "", "", {"/bin/sh", "-c", "echo seen; touch \"$TMPDIR/a\"; exit 3"}, 0, {}};
     Outcome outcome = runJudge(judge, {folder_, folder_, room}, 0, "", 60);
     EXPECT_EQ(outcome.status, 3);
     EXPECT_FALSE(outcome.late);

@@ -164,11 +164,13 @@ void Builder::buildAll(Places* places, const std::vector<std::string>& programs)
                                      ran.text.substr(0, 2000));
         objects[unit] = objectOf(unit);
     }
-    link(programs, bin(), objects);
+    layOut(bin());
+    for (const std::string& program : programs)
+        link(program, bin(), objects);
 }
 
-void Builder::link(const std::vector<std::string>& programs, const fs::path& bin,
-                   const std::map<size_t, std::string>& objects) const {
+/** The build as it is, by links. */
+void Builder::layOut(const fs::path& bin) const {
     fs::create_directories(bin);
     for (const auto& entry : fs::directory_iterator(build_)) {
         fs::path there = bin / entry.path().filename();
@@ -176,35 +178,35 @@ void Builder::link(const std::vector<std::string>& programs, const fs::path& bin
         fs::remove_all(there, none);
         fs::create_symlink(entry.path(), there);
     }
-    for (const std::string& program : programs) {
-        std::string line =
-            runShell("ninja -C " + shellWord(build_) + " -t commands " + program + " | tail -1")
-                .text;
-        size_t begin = line.find("&& ");
-        size_t end = line.find(" &&", begin + 3);
-        if (begin == line.npos || end == line.npos)
-            throw std::runtime_error("no link command for " + program);
-        std::string command = line.substr(begin + 3, end - begin - 3);
-        std::string added = " " + shellWord(out_ / "switch.o");
-        for (const auto& object : objects) {
-            const std::string& old = units_[object.first].object;
-            size_t at = command.find(" " + old + " ");
-            if (at != command.npos)
-                command.replace(at + 1, old.size(), object.second);
-            else if (isInArchive(command, old))
-                added += " " + object.second;
-        }
-        size_t target = command.find(" -o ");
-        size_t targetEnd = command.find(' ', target + 4);
-        fs::path made =
-            bin / fs::path(command.substr(target + 4, targetEnd - target - 4)).filename();
-        command.replace(target, targetEnd - target, added + " -fuse-ld=gold -o " + shellWord(made));
-        std::error_code none;
-        fs::remove(made, none);
-        Ran ran = runShell("cd " + shellWord(build_) + " && " + command + " 2>&1");
-        if (ran.status != 0)
-            throw std::runtime_error("cannot link " + program + ":\n" + ran.text.substr(0, 2000));
+}
+
+void Builder::link(const std::string& program, const fs::path& bin,
+                   const std::map<size_t, std::string>& objects) const {
+    std::string line =
+        runShell("ninja -C " + shellWord(build_) + " -t commands " + program + " | tail -1").text;
+    size_t begin = line.find("&& ");
+    size_t end = line.find(" &&", begin + 3);
+    if (begin == line.npos || end == line.npos)
+        throw std::runtime_error("no link command for " + program);
+    std::string command = line.substr(begin + 3, end - begin - 3);
+    std::string added = " " + shellWord(out_ / "switch.o");
+    for (const auto& object : objects) {
+        const std::string& old = units_[object.first].object;
+        size_t at = command.find(" " + old + " ");
+        if (at != command.npos)
+            command.replace(at + 1, old.size(), object.second);
+        else if (isInArchive(command, old))
+            added += " " + object.second;
     }
+    size_t target = command.find(" -o ");
+    size_t targetEnd = command.find(' ', target + 4);
+    fs::path made = bin / fs::path(command.substr(target + 4, targetEnd - target - 4)).filename();
+    command.replace(target, targetEnd - target, added + " -fuse-ld=gold -o " + shellWord(made));
+    std::error_code none;
+    fs::remove(made, none);
+    Ran ran = runShell("cd " + shellWord(build_) + " && " + command + " 2>&1");
+    if (ran.status != 0)
+        throw std::runtime_error("cannot link " + program + ":\n" + ran.text.substr(0, 2000));
 }
 
 Builder::Built Builder::compileOne(const Places& places, const Mutant& mutant,
@@ -221,17 +223,20 @@ Builder::Built Builder::compileOne(const Places& places, const Mutant& mutant,
 }
 
 Builder::Built Builder::buildOne(const Places& places, const Mutant& mutant,
-                                 const std::vector<std::string>& programs,
                                  const fs::path& bin) const {
-    fs::path folder = bin.string() + ".units";
-    Built built = compileOne(places, mutant, folder);
-    if (built != BUILT)
-        return built;
+    Built built = compileOne(places, mutant, bin.string() + ".units");
+    if (built == BUILT)
+        layOut(bin);
+    return built;
+}
+
+void Builder::linkOne(const Places& places, const Mutant& mutant, const std::string& program,
+                      const fs::path& bin) const {
     std::map<size_t, std::string> objects;
+    fs::path folder = bin.string() + ".units";
     for (size_t unit = 0; unit < places.units.size(); unit++)
         objects[unit] = mutant.replacements.count(unit) > 0
                             ? (folder / (std::to_string(unit) + ".o")).string()
                             : objectOf(unit);
-    link(programs, bin, objects);
-    return BUILT;
+    link(program, bin, objects);
 }

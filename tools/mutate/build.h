@@ -40,10 +40,13 @@ class Builder {
     void buildAll(Places* places, const std::vector<std::string>& programs);
 
     enum Built { BUILT, REFUSED_BY_ASSERTION, NO_PROGRAM };
-    /** Builds one mutant alone into `bin`. Threads may build at the same time, each its own. */
+    /** Compiles one mutant alone and lays out `bin` for its programs, which linkOne makes. Threads
+     *  may build at the same time, each its own. */
     Built buildOne(const Places& places, const Mutant& mutant,
-                   const std::vector<std::string>& programs,
                    const std::filesystem::path& bin) const;
+    /** Makes one of its programs. */
+    void linkOne(const Places& places, const Mutant& mutant, const std::string& program,
+                 const std::filesystem::path& bin) const;
     /** Only compiles it. */
     Built compileOne(const Places& places, const Mutant& mutant,
                      const std::filesystem::path& folder) const;
@@ -54,7 +57,8 @@ class Builder {
 
  private:
     std::string objectOf(size_t unit) const;
-    void link(const std::vector<std::string>& programs, const std::filesystem::path& bin,
+    void layOut(const std::filesystem::path& bin) const;
+    void link(const std::string& program, const std::filesystem::path& bin,
               const std::map<size_t, std::string>& objects) const;
 
     std::filesystem::path source_;

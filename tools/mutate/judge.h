@@ -13,6 +13,8 @@ struct Judge {
     std::string name;
     /** What it tests, to be found in the row of a table: the case's name. */
     std::string subject;
+    /** The mutated program that it runs; empty when it may run any. */
+    std::string program;
     /** "{bin}" stands for the folder of the programs. */
     Words command;
     /** What it took without a mutant. */

@@ -138,6 +138,7 @@ void listJudges(const Options& options, const Builder& builder, Work* work) {
             work->judges.push_back(
                 {"golden " + name,
                  name,
+                 "goldencalls",
                  {"{bin}/goldencalls", "--dir", bench, "--golden", source / "tests/golden/calls",
                   "--operators", source / "tests/golden/operator", "--module", module, "--name",
                   name, "--jobs", "1"},
@@ -154,7 +155,7 @@ void listJudges(const Options& options, const Builder& builder, Work* work) {
             if (suites.isVirtual)
                 words.insert(words.begin(), "{bin}/vclock/run");
             work->judges.push_back(
-                {std::string(suites.program) + " " + suite, suite, words, 0, {}});
+                {std::string(suites.program) + " " + suite, suite, suites.program, words, 0, {}});
         }
     }
     for (const char* script : work->scope->scripts) {
@@ -163,6 +164,7 @@ void listJudges(const Options& options, const Builder& builder, Work* work) {
             work->judges.push_back(
                 {std::string(script) + " " + test,
                  test,
+                 "",
                  {"/usr/bin/python3", std::string("tests/scenario/") + script + ".py", test},
                  0,
                  {}});
@@ -267,7 +269,7 @@ Result judgeMutant(const Options& options, const Builder& builder, const Work& w
     fs::path bin = builder.bin();
     if (mutant.constant) {
         bin = own;
-        switch (builder.buildOne(work.places, mutant, work.programs, own)) {
+        switch (builder.buildOne(work.places, mutant, own)) {
             case Builder::REFUSED_BY_ASSERTION:
                 return {Verdict::FOUND, "static_assert"};
             case Builder::NO_PROGRAM:
@@ -282,7 +284,14 @@ Result judgeMutant(const Options& options, const Builder& builder, const Work& w
     }
     Room room = roomOf(options, work, bin, worker);
     std::vector<const Judge*> judges = judgesOf(work, mutant, last);
+    std::set<std::string> linked;
     for (const Judge* judge : judges) {
+        for (const std::string& program : work.programs) {
+            bool needed =
+                judge->program.empty() || judge->program == program || program == "libQlx.so";
+            if (mutant.constant && needed && linked.insert(program).second)
+                builder.linkOne(work.places, mutant, program, own);
+        }
         // Generous: the machine may have other work.
         double limit = 10 + 20 * judge->seconds;
         Outcome outcome = runJudge(*judge, room, mutant.constant ? 0 : mutant.id, "", limit);

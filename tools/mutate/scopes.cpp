@@ -4,14 +4,14 @@ namespace {
 
 /** A module of cases: its golden calls, suites of its tests, and the rows of its table. */
 Scope moduleOf(const char* name, std::vector<const char*> sources, std::vector<const char*> golden,
-               std::vector<const char*> suites) {
+               std::vector<const char*> suites, std::vector<const char*> scripts = {}) {
     suites.push_back("EveryCase");
     return {name,
             std::move(sources),
             std::move(golden),
             {{"module_tests", true, std::move(suites)}, {"unit_tests", false, {"Registry"}}},
-            {},
-            {}};
+            std::move(scripts),
+            {"zktest"}};
 }
 
 const std::vector<const char*> demux = {"Demux-common", "Demux-ATSC", "Demux-ISDB", "Demux-DVB"};
@@ -30,10 +30,12 @@ const std::vector<Scope> all = {
     moduleOf("EEPROM", {"testcase/eeprom/*"}, {"EEPROM"}, {"DeviceCases", "StorageModules"}),
     moduleOf("FLASH", {"testcase/flash/*"}, {"FLASH"}, {"DeviceCases", "StorageModules"}),
     moduleOf("Crypto", {"testcase/crypto/*"}, {"Crypto"}, {"DeviceCases", "Crypto*"}),
-    moduleOf("PM", {"testcase/pm/*"}, {"PM"}, {"PmModuleTest"}),
-    moduleOf("Factory", {"testcase/factory/*"}, {"Factory"}, {"FactoryKeys", "StorageModules"}),
-    moduleOf("SYSTEM", {"testcase/system/*"}, {"SYSTEM"}, {"SystemModule", "DeviceCases"}),
-    moduleOf("TEEC", {"testcase/teec/*"}, {"TEEC"}, {"Teec*"}),
+    moduleOf("PM", {"testcase/pm/*"}, {"PM"}, {"PmModuleTest"}, {"device_manual_test"}),
+    moduleOf("Factory", {"testcase/factory/*"}, {"Factory"}, {"FactoryKeys", "StorageModules"},
+             {"device_manual_test"}),
+    moduleOf("SYSTEM", {"testcase/system/*"}, {"SYSTEM"}, {"SystemModule", "DeviceCases"},
+             {"device_manual_test"}),
+    moduleOf("TEEC", {"testcase/teec/*"}, {"TEEC"}, {"Teec*"}, {"device_manual_test"}),
     {"framework",
      {"framework/*.cpp", "framework/base/*", "framework/case/*"},
      {"GPIO", "I2C"},
