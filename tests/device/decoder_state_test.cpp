@@ -179,6 +179,8 @@ TEST_F(SimDecoderState, AWrongArgumentChangesNothing) {
     EXPECT_EQ(deviceState().find("description"), std::string::npos);
     EXPECT_EQ(QLX_AudioStartDescription(0, 1, 600), 0);
     EXPECT_EQ(QLX_AudioStartDescription(0, 1, 601), failed) << "there is one already";
+    QLX_AudioStop(0);
+    EXPECT_EQ(deviceState().find("description"), std::string::npos) << "it ends with the sound";
     for (uint32_t value : {0u, 50u, 150u, 255u}) {
         EXPECT_EQ(QLX_AudioSetPrescaler(0, value), 0);
         EXPECT_EQ(QLX_AudioGetPrescaler(0, &byte), 0);

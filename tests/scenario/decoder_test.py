@@ -31,6 +31,8 @@ CONTENT = {
 # Its picture and its sound are of two kinds in turn.
 CHANGING = 11
 CHANGING_CONTENT = [("720x576i25", "1/5", 10), ("1280x720p50", "5/5", 8)]
+# From a stream, its PID, since it was started behind 3 s of play.
+MULTI, DESCRIBED = 3, "1:%d:3000" % 0x0268
 MPEG2, H264 = 2, 16
 MPEG_AUDIO, AC3 = 1, 2
 
@@ -94,6 +96,8 @@ class DecoderTest(bench.BenchTest):
             self.assertLessEqual(int(told["sound_ms"]), SOUND_LIMIT_MS, name)
             if system == "DVB-T":
                 self.check_content(channel, told)
+                described = DESCRIBED if channel == MULTI else "0:0:-1"
+                self.assertEqual(told["described"], described, name)
         self.assertGreater(len(played), 70)
         # How long a picture takes depends on the moment.
         spread = [max(times) - min(times) for times in played.values()]

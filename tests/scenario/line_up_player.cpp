@@ -18,6 +18,7 @@
 #include "platform/qlx_tuner.h"
 #include "platform/qlx_videosync.h"
 #include "platform/qlx_vout.h"
+#include "simulator/av/decoder.h"
 #include "simulator/core/board.h"
 #include "simulator/sim_control.h"
 #include "simulator/tuner/reception.h"
@@ -41,6 +42,9 @@ struct Channel {
     uint32_t clockPid;
     uint32_t audioFormat;
     uint32_t audioPid;
+    /** 0: the channel has no audio description. */
+    uint32_t descriptionFormat;
+    uint32_t descriptionPid;
 };
 
 const std::map<uint32_t, std::pair<const char*, const char*>> systems = {
@@ -60,9 +64,11 @@ Channel readChannel(uint32_t system, uint32_t number) {
     auto value = [&](const char* key) {
         return static_cast<uint32_t>(file.number("CHANNEL" + std::to_string(number), key));
     };
-    return {systems.at(system).first, number,           value("VIDEO_FORMAT"),
-            value("VIDEO_PID"),       value("PCR_PID"), value("AUDIO_FORMAT0"),
-            value("AUDIO_PID0")};
+    return {systems.at(system).first, number,
+            value("VIDEO_FORMAT"),    value("VIDEO_PID"),
+            value("PCR_PID"),         value("AUDIO_FORMAT0"),
+            value("AUDIO_PID0"),      value("AUDIODESC_FORMAT0"),
+            value("AUDIODESC_PID0")};
 }
 
 /** Brings up the transmitter's stream on demultiplexer 0 and the decoders on it. */
@@ -123,6 +129,10 @@ void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int ph
     sim::sleepMs(playMs);
     if (folder != nullptr)
         captureOutputs(folder);
+    if (channel.descriptionPid != 0 &&
+        QLX_AudioStartDescription(0, channel.descriptionFormat, channel.descriptionPid) != 0)
+        exit(1);
+    const sim::DecoderOrigin description = sim::audioPlayed(0).description;
     QLX_VideoInfo stamp;
     QLX_AudioInfo soundStamp;
     QLX_VideoGetVideoInfo(0, QLX_VIDEO_PARAMTYPE_GET_PTS, &stamp);
@@ -138,7 +148,7 @@ void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int ph
     printf(
         "%s/%u video=%s present_ms=%ld sync_ms=%ld format=%u size=%ux%u%c%u aspect=%u/%u afd=%u"
         " hdr=%u primaries=%u pts=%d audio=%s sound_ms=%ld audio_format=%u channels=%u lfe=%u"
-        " sound_pts=%d\n",
+        " sound_pts=%d described=%d:%u:%ld\n",
         channel.system, channel.number, underscored(namesOf(video.all(), true)).c_str(),
         after(video, QLX_EVENT_VIDEO_INFO_CHANGE), after(video, QLX_EVENT_VIDEO_SYNC_DONE),
         picture.eVideoFormat, picture.uFrameWidth, picture.uFrameHeight,
@@ -146,7 +156,9 @@ void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int ph
         picture.ePictureAspectRatio, picture.eAFDType, picture.eHdrType,
         picture.eColorPrimariesType, stamp.uPts != 0,
         underscored(namesOf(audio.all(), false)).c_str(), after(audio, QLX_EVENT_AUDIO_INFO_CHANGE),
-        sound.eAudioFormat, sound.eChannelInfo, sound.bLfePresent, soundStamp.uPts != 0);
+        sound.eAudioFormat, sound.eChannelInfo, sound.bLfePresent, soundStamp.uPts != 0,
+        static_cast<int>(description.kind), description.pid,
+        description.sinceUs == 0 ? -1 : static_cast<long>(description.sinceUs / 1000 - start));
 }
 
 }  // namespace
