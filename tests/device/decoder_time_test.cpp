@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <iterator>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -505,6 +507,102 @@ TEST_F(SimDecoderTime, FaultsReachTheEvents) {
     EXPECT_EQ(names(), "start absent sync");
     EXPECT_EQ(log_.first(QLX_EVENT_VIDEO_INFO_CHANGE).video.eVideoPresent, 2u);
     EXPECT_EQ(log_.first(QLX_EVENT_VIDEO_SYNC_DONE).word, 7u);
+}
+
+/** An index of any kind: damage, access points, formats and stamps without an order. */
+sim::VideoIndex anyIndex(std::mt19937& random) {
+    auto upTo = [&](uint32_t most) { return random() % (most + 1); };
+    sim::VideoIndex index = decoderIndex();
+    uint32_t damageOf = 1 + upTo(20);
+    index.changes.clear();
+    for (uint32_t i = 0; i < unitCount; i++) {
+        sim::AccessUnit& unit = index.units[i];
+        if (upTo(damageOf) == 0)
+            unit.flags |= sim::unit_damaged;
+        if (upTo(3) == 0)
+            unit.flags &= static_cast<uint8_t>(~sim::unit_decoded);
+        uint32_t stamp = upTo(30);
+        if (stamp == 0)
+            unit.pts = sim::noStamp;
+        else if (stamp == 1)
+            unit.pts = random();
+        if ((unit.flags & sim::unit_decoded) != 0 && upTo(4) == 0) {
+            unit.flags |= sim::unit_newFormat;
+            index.changes.push_back({i, pictureFormat(static_cast<uint16_t>(1 + upTo(3)), 576)});
+        }
+    }
+    if (index.changes.empty())
+        index.changes.push_back({0, pictureFormat(720, 576)});
+    return index;
+}
+
+TEST_F(SimDecoderTime, WhateverHappensTheRulesHold) {
+    std::mt19937 random(1);
+    const std::function<void()> deeds[] = {
+        [&] { receive(false); },
+        [&] { receive(true); },
+        [] { sim::decoderPause(family(), 0, true); },
+        [] { sim::decoderPause(family(), 0, false); },
+        [] {
+            setMode({static_cast<uint32_t>(QLX_VIDEOSYNC_MODE_PCR_MASTER), 0, otherPid});
+        },
+        [] {
+            setMode({static_cast<uint32_t>(QLX_VIDEOSYNC_MODE_PCR_MASTER), 0, clockPid});
+        },
+        [] { QLX_DemuxStop(0); },
+        [] { QLX_DemuxStart(0); },
+        [&] {
+            decodersFind() = anyIndex(random);
+            sim::changeWorld("stream " + file_ + " byte 1000 " + (random() % 2 == 0 ? "55" : "56"));
+        },
+    };
+    for (int round = 0; round < 100; round++) {
+        decodersFind() = anyIndex(random);
+        receive(true);
+        QLX_DemuxStart(0);
+        log_.clear();
+        size_t flushes = 0;
+        int64_t begin = sim::nowMs();
+        ASSERT_EQ(start(), 0);
+        for (int i = 0; i < 20; i++) {
+            sim::sleepMs(random() % 1500);
+            if (random() % 10 == 0) {
+                flushes++;
+                sim::decoderFlush(family(), 0);
+            } else {
+                deeds[random() % std::size(deeds)]();
+            }
+            pts();
+            stc();
+        }
+        ASSERT_EQ(stop(), 0);
+        size_t told = log_.all().size();
+        int64_t seconds = (sim::nowMs() - begin) / 1000;
+        sim::sleepMs(1000);
+        const std::vector<Told> log = log_.all();
+        ASSERT_EQ(log.size(), told) << "nothing comes behind a stop: " << names();
+        ASSERT_EQ(log.front().event, static_cast<uint32_t>(QLX_EVENT_VIDEO_START_DONE));
+        ASSERT_EQ(log.back().event, static_cast<uint32_t>(QLX_EVENT_VIDEO_STOP_DONE));
+        size_t frames = 0;
+        size_t errors = 0;
+        bool synced = false;
+        QLX_VideoDecInfo last = {};
+        for (const Told& one : log) {
+            frames += one.event == QLX_EVENT_VIDEO_FRAME_READY;
+            errors += one.event == QLX_EVENT_VIDEO_DECODE_ERROR;
+            if (one.event == QLX_EVENT_VIDEO_SYNC_DONE || one.event == QLX_EVENT_VIDEO_SYNC_LOST) {
+                ASSERT_EQ(synced, one.event == QLX_EVENT_VIDEO_SYNC_LOST) << names();
+                synced = !synced;
+            }
+            if (one.event == QLX_EVENT_VIDEO_INFO_CHANGE) {
+                ASSERT_NE(memcmp(&last, &one.video, sizeof last), 0) << names();
+                last = one.video;
+            }
+        }
+        ASSERT_LE(frames, 1 + flushes) << names();
+        ASSERT_LE(errors, static_cast<size_t>(seconds / 5 + 22)) << names();
+        ASSERT_EQ(last.eVideoPresent, static_cast<uint32_t>(QLX_VIDEO_NOT_PRESENT)) << names();
+    }
 }
 
 class SimDecoderSignal : public testing::Test {
