@@ -68,8 +68,8 @@ class SimDecoderTime : public testing::Test {
         rmdir(folder_.c_str());
     }
 
-    static void writeStream(const std::string& path) {
-        const demux_test::Bytes bytes = decoderStream();
+    static void writeStream(const std::string& path, uint16_t clock = clockPid) {
+        const demux_test::Bytes bytes = decoderStream(clock);
         FILE* file = fopen(path.c_str(), "wb");
         ASSERT_NE(file, nullptr);
         EXPECT_EQ(fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
@@ -339,12 +339,16 @@ TEST_F(SimDecoderTime, AnInterruptedDemultiplexerBeginsAnew) {
 
 TEST_F(SimDecoderTime, AnotherTunerIsAnInterruption) {
     std::string copy = folder_ + "/other.ts";
-    writeStream(copy);
+    writeStream(copy, otherPid);
     tune(1, copy);
+    setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, clockPid});
     play();
     QLX_Source tuner = {QLX_SOURCE_TYPE_TUNER, 1, 0};
     EXPECT_EQ(QLX_DemuxConnectSource(0, &tuner), 0);
     sim::sleepMs(1500);
+    EXPECT_EQ(names(), "lost") << "its clock is on another PID";
+    setMode({QLX_VIDEOSYNC_MODE_PCR_MASTER, 0, otherPid});
+    sim::sleepMs(100);
     EXPECT_EQ(names(), "lost sync");
     tune(1, "");
     unlink(copy.c_str());

@@ -18,7 +18,7 @@ namespace decoder_test {
 
 constexpr uint16_t esPid = 0x100;
 constexpr uint16_t clockPid = 0x101;
-/** Not in the stream. */
+/** Not in the stream, unless a test lets it carry the clock. */
 constexpr uint16_t otherPid = 0x102;
 constexpr uint32_t packetTicks = 13500;
 constexpr uint32_t unitPackets = 80;
@@ -28,14 +28,14 @@ constexpr int64_t unitMs = 40;
 constexpr int64_t loopMs = unitCount * unitMs;
 constexpr int64_t shownAfterMs = 200;
 
-inline demux_test::Bytes decoderStream() {
+inline demux_test::Bytes decoderStream(uint16_t clock = clockPid) {
     demux_test::StreamMaker maker;
     while (maker.count < unitCount * unitPackets) {
         uint32_t at = maker.count % unitPackets;
         if (at < unitPackets / 2)
             maker.packet(esPid, at == 0, demux_test::Bytes(180, 0));
         else if (at == unitPackets / 2)
-            maker.clock(clockPid, uint64_t{maker.count} * packetTicks);
+            maker.clock(clock, uint64_t{maker.count} * packetTicks);
         else
             maker.nulls(1);
     }
