@@ -118,6 +118,64 @@ int32_t QLX_VOutGetMute(uint32_t eDevId, uint32_t* pbMute);
  *  @param bFreeze  QLX_TRUE or QLX_FALSE */
 int32_t QLX_VOutFreeze(uint32_t eDevId, uint32_t bFreeze);
 
+/*
+ * Picture controls of an open output. A setter takes the value in its range, and answers QLX_FAILED
+ * when the output is not open, QLX_VOUT_ERR_INVALID_PARA beyond the range; a getter tells the value
+ * in force. Controls stay as they are set until QLX_VOutDeInit, and no one of them changes another.
+ */
+
+/** A preset of the others, which keep what they are set to: 0 to 39 without 14. */
+int32_t QLX_VOutSetPictureMode(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetPictureMode(uint32_t eDevId, int32_t* psValue);
+
+/** Brightness, 0 to 255. */
+int32_t QLX_VOutSetBrightness(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetBrightness(uint32_t eDevId, int32_t* psValue);
+
+/** Contrast, 0 to 255. */
+int32_t QLX_VOutSetContrast(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetContrast(uint32_t eDevId, int32_t* psValue);
+
+/** Hue, 0 to 255. */
+int32_t QLX_VOutSetHue(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetHue(uint32_t eDevId, int32_t* psValue);
+
+/** Saturation, 0 to 255. */
+int32_t QLX_VOutSetSaturation(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetSaturation(uint32_t eDevId, int32_t* psValue);
+
+/** Sharpness, 0 to 255. */
+int32_t QLX_VOutSetSharpness(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetSharpness(uint32_t eDevId, int32_t* psValue);
+
+/** The panel's own test pattern in place of the picture: 0 off, 1 on. */
+int32_t QLX_VOutSetTestPattern(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetTestPattern(uint32_t eDevId, int32_t* psValue);
+
+/** Colour temperature: 0 warm to 1024 cold. */
+int32_t QLX_VOutSetColorTemp(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetColorTemp(uint32_t eDevId, int32_t* psValue);
+
+/** Noise reduction: 0 off to 4. */
+int32_t QLX_VOutSetNR(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetNR(uint32_t eDevId, int32_t* psValue);
+
+/** Reduction of block noise: 0 off to 4. */
+int32_t QLX_VOutSetMpegNR(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetMpegNR(uint32_t eDevId, int32_t* psValue);
+
+/** Curve: 0 to 49. */
+int32_t QLX_VOutSetGamma(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetGamma(uint32_t eDevId, int32_t* psValue);
+
+/** Levels of HDMI: 0 automatic, 1 limited, 2 full. */
+int32_t QLX_VOutSetHdmiRange(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetHdmiRange(uint32_t eDevId, int32_t* psValue);
+
+/** Strength of the colour tuner, 0 to 255. */
+int32_t QLX_VOutSetColorTuner(uint32_t eDevId, int32_t sValue);
+int32_t QLX_VOutGetColorTuner(uint32_t eDevId, int32_t* psValue);
+
 #ifdef __cplusplus
 }
 #endif

@@ -15,6 +15,7 @@
 #include "simulator/core/source_record.h"
 #include "simulator/demux/demux.h"
 #include "simulator/output/panel.h"
+#include "simulator/output/picture_control.h"
 #include "simulator/world/signal_source.h"
 
 namespace sim {
@@ -129,6 +130,7 @@ static void end() {
     state().initialised = false;
     for (Output& output : state().outputs)
         output = Output();
+    sim::resetPictureControls();
 }
 
 int32_t QLX_VOutDeInit(void) {
@@ -305,6 +307,11 @@ std::vector<PanelLayer> panelLayers() {
                           output.frozen ? output.held : shownOn(i, output)});
     }
     return layers;
+}
+
+int32_t videoOutputRefusal(uint32_t output) {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    return refusalOf(output, Need::open);
 }
 
 extern const Family familyVOut = {reset, describe};

@@ -145,6 +145,64 @@ TEST_F(SimOutput, WhatIsSetIsReadBackAndSurvivesASecondOpen) {
     EXPECT_EQ(outGot.uWidth + nonLinear, 0u);
 }
 
+TEST_F(SimOutput, PictureControlsKeepWhatIsInTheirRanges) {
+    const struct {
+        int32_t (*set)(uint32_t, int32_t);
+        int32_t (*get)(uint32_t, int32_t*);
+        std::vector<int32_t> good;
+        std::vector<int32_t> bad;
+    } controls[] = {
+        {QLX_VOutSetPictureMode, QLX_VOutGetPictureMode, {0, 13, 15, 39}, {-1, 14, 40}},
+        {QLX_VOutSetBrightness, QLX_VOutGetBrightness, {0, 128, 255}, {-1, 256}},
+        {QLX_VOutSetContrast, QLX_VOutGetContrast, {0, 128, 255}, {-1, 256}},
+        {QLX_VOutSetHue, QLX_VOutGetHue, {0, 128, 255}, {-1, 256}},
+        {QLX_VOutSetSaturation, QLX_VOutGetSaturation, {0, 128, 255}, {-1, 256}},
+        {QLX_VOutSetSharpness, QLX_VOutGetSharpness, {0, 128, 255}, {-1, 256}},
+        {QLX_VOutSetTestPattern, QLX_VOutGetTestPattern, {0, 1}, {-1, 2}},
+        {QLX_VOutSetColorTemp, QLX_VOutGetColorTemp, {0, 1024}, {-1, 1025}},
+        {QLX_VOutSetNR, QLX_VOutGetNR, {0, 4}, {-1, 5}},
+        {QLX_VOutSetMpegNR, QLX_VOutGetMpegNR, {0, 4}, {-1, 5}},
+        {QLX_VOutSetGamma, QLX_VOutGetGamma, {0, 49}, {-1, 50}},
+        {QLX_VOutSetHdmiRange, QLX_VOutGetHdmiRange, {0, 2}, {-1, 3}},
+        {QLX_VOutSetColorTuner, QLX_VOutGetColorTuner, {0, 128, 255}, {-1, 256}},
+    };
+    int32_t value = 0;
+    EXPECT_EQ(controls[1].set(0, 1), QLX_FAILED);
+    bringSourceUp();
+    EXPECT_EQ(QLX_VOutInit(), 0);
+    EXPECT_EQ(controls[1].get(0, &value), QLX_FAILED);
+    EXPECT_EQ(openOn(0, QLX_SOURCE_TYPE_HDMI, 0), 0);
+    EXPECT_EQ(controls[1].set(QLX_VOUTDEV_NUMBER_MAX, 1), invalid);
+    EXPECT_EQ(controls[1].get(0, nullptr), invalid);
+    std::vector<int32_t> atPowerOn;
+    for (const auto& control : controls) {
+        EXPECT_EQ(control.get(0, &value), 0);
+        atPowerOn.push_back(value);
+    }
+    for (const auto& control : controls) {
+        for (int32_t good : control.good) {
+            EXPECT_EQ(control.set(0, good), 0) << good;
+            EXPECT_EQ(control.get(0, &value), 0);
+            EXPECT_EQ(value, good);
+        }
+        for (int32_t bad : control.bad)
+            EXPECT_EQ(control.set(0, bad), invalid) << bad;
+    }
+    // None has changed another, and a second output has its own.
+    EXPECT_EQ(openOn(1, QLX_SOURCE_TYPE_HDMI, 0), 0);
+    for (size_t i = 0; i < atPowerOn.size(); i++) {
+        EXPECT_EQ(controls[i].get(0, &value), 0);
+        EXPECT_EQ(value, controls[i].good.back()) << i;
+        EXPECT_EQ(controls[i].get(1, &value), 0);
+        EXPECT_EQ(value, atPowerOn[i]) << i;
+    }
+    EXPECT_EQ(QLX_VOutDeInit(), 0);
+    EXPECT_EQ(QLX_VOutInit(), 0);
+    EXPECT_EQ(openOn(0, QLX_SOURCE_TYPE_HDMI, 0), 0);
+    EXPECT_EQ(controls[0].get(0, &value), 0);
+    EXPECT_EQ(value, atPowerOn[0]);
+}
+
 TEST_F(SimOutput, EachStateOfAnAudioOutputRefusesWhatItMust) {
     struct {
         const char* what;
