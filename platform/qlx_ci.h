@@ -60,6 +60,13 @@ int32_t QLX_CIOpen(uint32_t eSlot);
 int32_t QLX_CIClose(uint32_t eSlot);
 
 /**
+ * Tells whether a module is in the slot, open or not.
+ * @param pbPresent  receives QLX_TRUE or QLX_FALSE; QLX_FALSE before init
+ * @return 0; QLX_CI_ERR_INVALID_PARA
+ */
+int32_t QLX_CIIsCamPresent(uint32_t eSlot, uint32_t* pbPresent);
+
+/**
  * Chooses the kind of source that the slots are fed from.
  * @param eSourceType  QLX_SOURCE_TYPE_TUNER or QLX_SOURCE_TYPE_RECORD
  * @return 0; QLX_FAILED before init; QLX_CI_ERR_INVALID_PARA

@@ -13,6 +13,11 @@ enum QLX_GPIOError {
     QLX_GPIO_ERR_NOT_INIT = 0x100e02,
 };
 
+enum QLX_GPIOValue {
+    QLX_GPIO_VALUE_LOW = 0,
+    QLX_GPIO_VALUE_HIGH = 1,
+};
+
 /** Initialises the service; a repeated call is a success. Returns 0. */
 int32_t QLX_GPIOInit(void);
 
@@ -30,7 +35,7 @@ int32_t QLX_GPIOGetValue(uint32_t pin, int32_t* level);
 /**
  * Drives a pin.
  * @param pin    pin number of the board
- * @param level  0 or 1
+ * @param level  QLX_GPIOValue
  * @return 0; QLX_GPIO_ERR_NOT_INIT; QLX_GPIO_ERR_INVALID_PARA for any other level
  */
 int32_t QLX_GPIOSetValue(uint32_t pin, int32_t level);

@@ -14,6 +14,7 @@
     FAMILY(familyDemux)  \
     FAMILY(familyVideo)  \
     FAMILY(familyAudio)  \
+    FAMILY(familyDesc)   \
     FAMILY(familyCI)     \
     FAMILY(familyExtIn)  \
     FAMILY(familyVOut)   \

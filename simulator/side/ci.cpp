@@ -1,15 +1,17 @@
 // Common interface slots: which are open, and the path of the stream through them.
 //
-// The slots of the default board are empty. A slot without a module closes the loop by itself, so
-// that the stream reaches the demultiplexer on either path.
+// The board tells which slots have a module; those of the default board are empty. A slot without
+// one closes the loop by itself, so that the stream reaches the demultiplexer on either path.
 //
 // State rules: initialisation is a flag, its end closes all slots. A slot that is open may be
 // opened again. Opening needs no module. The path of a slot goes back to the bypass when it is
 // closed.
 #include <mutex>
+#include <string>
 
 #include "platform/qlx_ci.h"
 #include "platform/qlx_demux.h"
+#include "simulator/core/board.h"
 #include "simulator/core/family.h"
 #include "simulator/core/sim.h"
 #include "simulator/core/source_record.h"
@@ -46,6 +48,11 @@ void closeAll(CIState& s) {
     s.sourceType = QLX_SOURCE_TYPE_TUNER;
     for (Slot& slot : s.slots)
         slot = Slot();
+}
+
+/** A module passes the stream through as it is: it has no keys. */
+bool hasModule(uint32_t slot) {
+    return sim::board().number("CI", "MODULE" + std::to_string(slot)) != 0;
 }
 
 bool isPath(const QLX_CITsConfig& path) {
@@ -89,6 +96,16 @@ int32_t QLX_CIClose(uint32_t eSlot) {
     if (!state().slots[eSlot].open)
         SIM_RETURN(QLX_FAILED);
     state().slots[eSlot] = Slot();
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_CIIsCamPresent(uint32_t eSlot, uint32_t* pbPresent) {
+    SIM_ENTRY("slot=%d present=%s", static_cast<int>(eSlot), sim::showPointer(pbPresent));
+    std::lock_guard<std::mutex> lock(state().mutex);
+    if (eSlot >= QLX_CI_SLOT_MAX || pbPresent == nullptr)
+        SIM_RETURN(QLX_CI_ERR_INVALID_PARA);
+    *pbPresent = state().initialised && hasModule(eSlot) ? QLX_TRUE : QLX_FALSE;
+    simCall.output({sim::value("present", pbPresent)});
     SIM_RETURN(QLX_SUCCESS);
 }
 

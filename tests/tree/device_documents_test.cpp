@@ -63,7 +63,8 @@ std::string numbered(const std::string& name) {
     static const std::regex port("^(HDMI|CVBS|YPBPR|VGA|ATV)/[0-9]+$");
     if (std::regex_match(name, port))
         return name.substr(0, name.find('/'));
-    return std::regex_replace(name, std::regex("^(TUNER|TRANSMITTER|USER_BAND)[0-9]+$"), "$1n");
+    return std::regex_replace(name, std::regex("^(TUNER|TRANSMITTER|USER_BAND|MODULE)[0-9]+$"),
+                              "$1n");
 }
 
 /** Keys of the default board by section: its own values, nothing of a board file. */
