@@ -30,7 +30,7 @@
     OPEN (AVDtvVideoCcModule,     "AV-VideoCC",        "Test module for video CC",                                  64,  64,   0,   0) \
     OPEN (AFEModule,              "AFE",               "Test module for the ATV ",                                 165, 153,   0,   0) \
     OPEN (AOutModule,             "AOUT",              "Test module for the AOUT",                                 163, 150,   0,   0) \
-    OPEN (VOutModulePrimary,      "VOUT-Primary",      "Test cases of VOUT for primary interface",                  64,  64,   0,   0) \
+    BUILT(VOutModulePrimary,      "VOUT-Primary",      "Test cases of VOUT for primary interface",                  64,  64,  64,  64) \
     OPEN (VOutModuleAdvance,      "VOUT-Advanced",     "Test cases of VOUT for advanced function",                 114,  72,   0,   0) \
     OPEN (DisplayModule,          "DISPLAY",           "Test module for the display",                                9,   9,   0,   0) \
     OPEN (LocalDimmingModule,     "LOCALDIMMING",      "Test module for the localdimming",                           6,   6,   0,   0) \

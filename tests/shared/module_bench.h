@@ -73,6 +73,16 @@ class ModuleBench : public testing::Test {
         gettimeofday(&now, nullptr);
         return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_usec / 1000;
     }
+    /** The names of the recorded calls, each with a blank behind it; no callbacks. */
+    static std::string callNames() {
+        std::istringstream lines(recordedCalls());
+        std::string names;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.find("QLX_") == 0)
+                names += line.substr(0, line.find('(')) + " ";
+        }
+        return names;
+    }
     static size_t count(const std::string& text, const std::string& part) {
         size_t found = 0;
         for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
