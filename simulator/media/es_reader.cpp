@@ -91,8 +91,11 @@ class EsReader {
         es_.pes.push_back({base, first_, stamped ? pes_get_pts(pes_.data()) : noStamp});
         for (const EsMark& mark : marks_)
             es_.marks.push_back({moved(mark.offset), mark.place});
-        for (size_t gap : gaps_)
-            es_.gaps.push_back(moved(gap));
+        for (size_t gap : gaps_) {
+            // Behind the length that is told there are others' bytes.
+            if (gap < end)
+                es_.gaps.push_back(moved(gap));
+        }
         es_.data.insert(es_.data.end(), pes_.begin() + static_cast<ptrdiff_t>(header),
                         pes_.begin() + static_cast<ptrdiff_t>(end));
     }

@@ -4,7 +4,11 @@
 #include <libucsi/section_buf.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <map>
+
+#include "tools/mkstreams/cfg_file.h"
 
 namespace mkstreams {
 
@@ -26,15 +30,42 @@ const Multiplex& multiplexOf(const std::string& file) {
     std::abort();
 }
 
+const std::string& streamFolder() {
+    static const std::string* folder = [] {
+        const std::string bench = ZK_BUILD_DIR "/streams_bench";
+        std::string command =
+            ZK_BUILD_DIR "/zkbench --source " ZK_SOURCE_DIR " --quiet --lay-out " + bench;
+        EXPECT_EQ(system((command + " > /dev/null").c_str()), 0);
+        return new std::string(bench + "/stream/ts/");
+    }();
+    return *folder;
+}
+
+/** Packet time of a file, by the manifest. */
+static int64_t packetTicksOf(const std::string& file) {
+    static const CfgFile* manifest = [] {
+        auto* read = new CfgFile;
+        EXPECT_TRUE(read->load(streamFolder() + "streams.cfg"));
+        return read;
+    }();
+    for (unsigned i = 0; i < manifest->number("COMMON", "TRANSMITTER_NUM"); i++) {
+        std::string section = "TRANSMITTER" + std::to_string(i);
+        if (manifest->text(section, "FILE") == file)
+            return manifest->number(section, "PACKET_TICKS");
+    }
+    ADD_FAILURE() << "no transmitter plays " << file;
+    return 0;
+}
+
 const TransportStream& streamOf(const std::string& file) {
     static std::map<std::string, TransportStream>* streams =
         new std::map<std::string, TransportStream>;
-    static EncodedContent* encoded = new EncodedContent;
     TransportStream& stream = (*streams)[file];
-    std::string error;
     if (stream.packets.empty()) {
-        EXPECT_TRUE(makeStream(shippedLineUp(), multiplexOf(file), encoded, &stream, &error))
-            << file << ": " << error;
+        std::ifstream content(streamFolder() + file, std::ios::binary);
+        stream.packets.assign(std::istreambuf_iterator<char>(content), {});
+        EXPECT_FALSE(stream.packets.empty()) << file;
+        stream.packetTicks = packetTicksOf(file);
     }
     return stream;
 }

@@ -1,4 +1,5 @@
-// Streams of the shipped configuration tree, made once, and packets taken from them.
+// Streams of the shipped configuration tree, as the runner lays them out for all who need them, and
+// packets taken from them.
 #ifndef TESTS_STREAMS_MADE_STREAMS_H
 #define TESTS_STREAMS_MADE_STREAMS_H
 
@@ -15,7 +16,10 @@ const LineUp& shippedLineUp();
 /** The first multiplex that plays a file; the test ends when there is none. */
 const Multiplex& multiplexOf(const std::string& file);
 
-/** The stream of a file, made on first use. */
+/** The folder of the line-up's streams, with a slash behind it; they are made if need be. */
+const std::string& streamFolder();
+
+/** The stream of a file, read on first use. */
 const TransportStream& streamOf(const std::string& file);
 
 /** A stream for tests. */
