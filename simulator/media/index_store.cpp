@@ -51,6 +51,9 @@ class StreamLock {
         if (file_ >= 0)
             close(file_);
     }
+    bool held() const {
+        return file_ >= 0;
+    }
     StreamLock(const StreamLock&) = delete;
     StreamLock& operator=(const StreamLock&) = delete;
 
@@ -143,7 +146,7 @@ std::shared_ptr<const Index> findOrMake(const TsStream& stream, uint16_t pid, Co
     }
     entriesOf(file, coding)[{pid, coding}] = {hash, *made};
     // Where nothing can be written every process makes it for itself.
-    if (!path.empty() && stream.origin().intact)
+    if (lock.held() && stream.origin().intact)
         saveFile(path, writeIndexFile(file));
     return made;
 }

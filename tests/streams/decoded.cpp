@@ -4,11 +4,13 @@
 #include <string.h>
 
 #include <algorithm>
+#include <functional>
 #include <tuple>
 
 extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/pixdesc.h>
+#include <libswscale/swscale.h>
 }
 
 namespace mkstreams {
@@ -164,6 +166,114 @@ Streams decode(const Bytes& bytes) {
     av_freep(&io->buffer);
     avio_context_free(&io);
     return streams;
+}
+
+namespace {
+
+sim::Picture toRgb(const AVFrame* frame) {
+    SwsContext* scaler = sws_getContext(
+        frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), frame->width,
+        frame->height, AV_PIX_FMT_RGB24, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT,
+        nullptr, nullptr, nullptr);
+    bool high = frame->height >= 720;
+    sws_setColorspaceDetails(scaler, sws_getCoefficients(high ? SWS_CS_ITU709 : SWS_CS_ITU601), 0,
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, 1 << 16, 1 << 16);
+    AVFrame* rgb = av_frame_alloc();
+    rgb->format = AV_PIX_FMT_RGB24;
+    rgb->width = frame->width;
+    rgb->height = frame->height;
+    EXPECT_EQ(av_frame_get_buffer(rgb, 0), 0);
+    sws_scale(scaler, frame->data, frame->linesize, 0, frame->height, rgb->data, rgb->linesize);
+    sim::Picture picture = {
+        static_cast<uint32_t>(frame->width), static_cast<uint32_t>(frame->height), {}};
+    for (int row = 0; row < rgb->height; row++) {
+        const uint8_t* from = rgb->data[0] + row * rgb->linesize[0];
+        picture.rgb.insert(picture.rgb.end(), from, from + rgb->width * 3);
+    }
+    av_frame_free(&rgb);
+    sws_freeContext(scaler);
+    return picture;
+}
+
+/** Decodes one stream of an opened file until `take` has enough. */
+void decodeStream(AVFormatContext* format, int index, const std::function<bool(AVFrame*)>& take) {
+    AVStream* stream = format->streams[index];
+    AVCodecContext* context =
+        avcodec_alloc_context3(avcodec_find_decoder(stream->codecpar->codec_id));
+    avcodec_parameters_to_context(context, stream->codecpar);
+    context->thread_count = 1;
+    EXPECT_EQ(avcodec_open2(context, nullptr, nullptr), 0);
+    AVPacket* packet = av_packet_alloc();
+    AVFrame* frame = av_frame_alloc();
+    bool enough = false;
+    for (bool more = true; more && !enough;) {
+        more = av_read_frame(format, packet) == 0;
+        if (!more || packet->stream_index == index)
+            avcodec_send_packet(context, more ? packet : nullptr);
+        while (!enough && avcodec_receive_frame(context, frame) == 0)
+            enough = take(frame);
+        av_packet_unref(packet);
+    }
+    av_frame_free(&frame);
+    av_packet_free(&packet);
+    avcodec_free_context(&context);
+}
+
+void openFile(const std::string& path, AVFormatContext** format) {
+    ASSERT_EQ(avformat_open_input(format, path.c_str(), nullptr, nullptr), 0) << path;
+    ASSERT_GE(avformat_find_stream_info(*format, nullptr), 0);
+}
+
+}  // namespace
+
+sim::Picture decodedPicture(const std::string& path, int pid, int64_t pts) {
+    AVFormatContext* format = nullptr;
+    openFile(path, &format);
+    sim::Picture picture;
+    for (unsigned i = 0; i < format->nb_streams; i++) {
+        if (format->streams[i]->id != pid)
+            continue;
+        decodeStream(format, static_cast<int>(i), [&](AVFrame* frame) {
+            if (frame->best_effort_timestamp == pts)
+                picture = toRgb(frame);
+            return frame->best_effort_timestamp == pts;
+        });
+    }
+    avformat_close_input(&format);
+    return picture;
+}
+
+sim::Picture decodedImage(const std::string& path) {
+    AVFormatContext* format = nullptr;
+    openFile(path, &format);
+    sim::Picture picture;
+    decodeStream(format, 0, [&](AVFrame* frame) {
+        EXPECT_EQ(frame->format, AV_PIX_FMT_RGB24);
+        for (int row = 0; row < frame->height; row++) {
+            const uint8_t* from = frame->data[0] + row * frame->linesize[0];
+            picture.rgb.insert(picture.rgb.end(), from, from + frame->width * 3);
+        }
+        return true;
+    });
+    avformat_close_input(&format);
+    return picture;
+}
+
+std::vector<int16_t> decodedWave(const std::string& path) {
+    AVFormatContext* format = nullptr;
+    openFile(path, &format);
+    EXPECT_EQ(format->streams[0]->codecpar->sample_rate, 48000);
+    EXPECT_EQ(format->streams[0]->codecpar->ch_layout.nb_channels, 2);
+    std::vector<int16_t> samples;
+    decodeStream(format, 0, [&](AVFrame* frame) {
+        EXPECT_EQ(frame->format, AV_SAMPLE_FMT_S16);
+        size_t before = samples.size();
+        samples.resize(before + static_cast<size_t>(frame->nb_samples) * 2);
+        memcpy(&samples[before], frame->data[0], (samples.size() - before) * sizeof(int16_t));
+        return false;
+    });
+    avformat_close_input(&format);
+    return samples;
 }
 
 }  // namespace mkstreams

@@ -3,12 +3,14 @@
 #define TESTS_STREAMS_DECODED_H
 
 #include <map>
+#include <string>
 #include <vector>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
+#include "simulator/media/picture.h"
 #include "tools/mkstreams/bytes.h"
 
 namespace mkstreams {
@@ -50,6 +52,14 @@ using Streams = std::map<int, Decoded>;  // by PID
 
 /** Decodes all pictures and sound of a stream, and tells the packets of what else there is. */
 Streams decode(const Bytes& bytes);
+
+/** The picture of a stream with that time stamp, as FFmpeg decodes the whole file and converts it;
+ *  empty when there is none. */
+sim::Picture decodedPicture(const std::string& path, int pid, int64_t pts);
+
+/** The first picture of an image file, and the samples of a sound file. */
+sim::Picture decodedImage(const std::string& path);
+std::vector<int16_t> decodedWave(const std::string& path);
 
 }  // namespace mkstreams
 
