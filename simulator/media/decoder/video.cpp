@@ -1,6 +1,7 @@
 // Video: where decoding can begin, and what the pictures are that it begins with.
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <numeric>
 #include <optional>
 #include <string_view>
@@ -90,6 +91,15 @@ bool has(const AVFrame& frame, AVFrameSideDataType type) {
     return av_frame_get_side_data(&frame, type) != nullptr;
 }
 
+/** Coded data may hold numbers that the enumeration does not have. */
+template <typename Enum>
+int codePoint(const Enum& value) {
+    int number = 0;
+    static_assert(sizeof number == sizeof value);
+    memcpy(&number, &value, sizeof number);
+    return number;
+}
+
 VideoFormat formatOf(VideoCoding coding, const AVCodecContext& decoder, const AVFrame& frame) {
     VideoFormat format;
     format.coding = coding;
@@ -104,10 +114,10 @@ VideoFormat formatOf(VideoCoding coding, const AVCodecContext& decoder, const AV
     const AVFrameSideData* afd = av_frame_get_side_data(&frame, AV_FRAME_DATA_AFD);
     if (afd != nullptr && afd->size > 0)
         format.activeFormat = afd->data[0] & 0xf;
-    format.primaries = static_cast<uint8_t>(frame.color_primaries);
-    format.transfer = static_cast<uint8_t>(frame.color_trc);
-    format.matrix = static_cast<uint8_t>(frame.colorspace);
-    format.fullRange = frame.color_range == AVCOL_RANGE_JPEG;
+    format.primaries = static_cast<uint8_t>(codePoint(frame.color_primaries));
+    format.transfer = static_cast<uint8_t>(codePoint(frame.color_trc));
+    format.matrix = static_cast<uint8_t>(codePoint(frame.colorspace));
+    format.fullRange = codePoint(frame.color_range) == AVCOL_RANGE_JPEG;
     const AVPixFmtDescriptor* pixels =
         av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
     if (pixels != nullptr)
@@ -228,12 +238,13 @@ Picture toRgb(const AVFrame& frame) {
         SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
     if (scaler == nullptr)
         return picture;
-    int matrix = frame.colorspace;
+    int matrix = codePoint(frame.colorspace);
     if (matrix == AVCOL_SPC_UNSPECIFIED)
         matrix = frame.height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
     const int* coefficients = sws_getCoefficients(matrix);
-    sws_setColorspaceDetails(scaler.get(), coefficients, frame.color_range == AVCOL_RANGE_JPEG,
-                             coefficients, 1, 0, 1 << 16, 1 << 16);
+    sws_setColorspaceDetails(scaler.get(), coefficients,
+                             codePoint(frame.color_range) == AVCOL_RANGE_JPEG, coefficients, 1, 0,
+                             1 << 16, 1 << 16);
     picture.width = static_cast<uint32_t>(frame.width);
     picture.height = static_cast<uint32_t>(frame.height);
     // The scaler writes whole vectors, a little beyond a row's end.
