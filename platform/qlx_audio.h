@@ -56,7 +56,7 @@ enum QLX_AudioFormat {
 
 /** What a decoder reports, one bit each, and what the event data of its callback points to. */
 enum QLX_AudioEvent {
-    /** Data that do not decode; a word. Told once until sound comes again. */
+    /** Data that do not decode; a word. Told now and then, not frame by frame. */
     QLX_EVENT_AUDIO_DECODE_ERROR = 1,
     /** The decoder has stopped; a word. */
     QLX_EVENT_AUDIO_STOP_DONE = 2,

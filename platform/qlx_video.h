@@ -65,7 +65,7 @@ enum QLX_VideoFormat {
 
 /** What a decoder reports, one bit each, and what the event data of its callback points to. */
 enum QLX_VideoEvent {
-    /** Data that do not decode; a word. Told once until pictures come again. */
+    /** Data that do not decode; a word. Told now and then, not picture by picture. */
     QLX_EVENT_VIDEO_DECODE_ERROR = 1,
     /** The decoder has stopped; a word. */
     QLX_EVENT_VIDEO_STOP_DONE = 2,
