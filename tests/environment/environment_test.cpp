@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 
@@ -154,6 +155,37 @@ TEST(DiffTime, BorrowsFromTheSeconds) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(zk_test_diff_timeMs(&row.start, &row.end), row.ms);
+}
+
+/** Each line of the menu leads to the folder of its name, and one platform tells the sound library
+ *  where its settings are. */
+TEST(Platforms, AreInTheFoldersOfTheirNames) {
+    const char* const names[] = {"mtk9602-au",       "novatek",     "mtk9900-android-us",
+                                 "rtd2851a-eu",      "mtk9602-eu",  "mtk9900-linux-us",
+                                 "mtk9900-linux-eu", "mtk9602-isdb"};
+    for (int32_t index = 1; index <= 8; index++) {
+        ConfigFiles files = {};
+        std::string name = names[index - 1];
+        const char* line = config_platformMenuLine(index);
+        ASSERT_NE(line, nullptr) << index;
+        EXPECT_EQ(std::string(line).find(std::to_string(index) + ".    " + name + " "), 0u) << line;
+        unsetenv("ALSA_CONFIG_PATH");
+        set_platform(&files, &index);
+        std::replace(name.begin(), name.end(), '-', '_');
+        EXPECT_STREQ(files.platformDir, ("config/" + name).c_str());
+        EXPECT_STREQ(files.tuner, ("config/" + name + "/tuner_config.cfg").c_str());
+        const char* sound = getenv("ALSA_CONFIG_PATH");
+        EXPECT_STREQ(sound != nullptr ? sound : "",
+                     index == 2 ? "/mtd_apexe/board/etc/alsa.conf" : "");
+    }
+    unsetenv("ALSA_CONFIG_PATH");
+    EXPECT_EQ(config_platformMenuLine(0), nullptr);
+    EXPECT_EQ(config_platformMenuLine(9), nullptr);
+    for (int32_t index : {0, 9, -1}) {
+        ConfigFiles files = {};
+        set_platform(&files, &index);
+        EXPECT_STREQ(files.platformDir, "") << index;
+    }
 }
 
 }  // namespace

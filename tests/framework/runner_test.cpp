@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "framework/case/check.h"
+#include "framework/console.h"
 #include "framework/instance.h"
 #include "framework/report.h"
 #include "framework/workbook/xlslib.h"
@@ -21,6 +22,7 @@ namespace {
 /** What the modules were asked to do. */
 std::string g_calls;
 uint32_t g_setupResult;
+uint32_t g_teardownResult;
 
 void called(const std::string& what) {
     const char* name = zk_currentCaseName;
@@ -34,7 +36,7 @@ uint32_t setup() {
 }
 uint32_t teardown() {
     called("teardown");
-    return 0;
+    return g_teardownResult;
 }
 uint32_t caseSetup(const char* name, const char* file) {
     called(name == nullptr && file == nullptr ? "before" : "before-manual");
@@ -67,7 +69,10 @@ const TcCase secondCases[] = {{passes, "X", "", AUTO}, {passes, "Y", "", AUTO}};
 const TcModule first = {setup, teardown, caseSetup, caseTeardown, firstCases,
                         4,     "First",  "",        nullptr};
 const TcModule second = {setup, teardown, nullptr, nullptr, secondCases, 2, "Second", "", nullptr};
-const TcModule* const modules[] = {&first, &second};
+/** Without a hook. */
+const TcModule third = {nullptr, nullptr, nullptr, nullptr, secondCases, 1, "Third", "", nullptr};
+const TcModule empty = {nullptr, nullptr, nullptr, nullptr, nullptr, 0, "Empty", "", nullptr};
+const TcModule* const modules[] = {&first, &second, &third, &empty};
 
 using Row = std::vector<std::string>;
 /** A sheet: its name, and each row's cells. */
@@ -84,6 +89,7 @@ class Runner : public testing::Test {
         tcXlsData = {};
         g_calls.clear();
         g_setupResult = 0;
+        g_teardownResult = 0;
         snprintf(tcFwInstance.reportFile, sizeof tcFwInstance.reportFile, "%s", report_.c_str());
         tcFwInstance.modules = modules;
         tcFwInstance.moduleCount = 2;
@@ -118,9 +124,13 @@ class Runner : public testing::Test {
     }
 
     /** Loads a checklist with these rows, name and mark, in the modules' sheets. */
-    void loadChecklist(const std::vector<Row>& ofFirst, const std::vector<Row>& ofSecond) {
+    void loadChecklist(const std::vector<Row>& ofFirst, const std::vector<Row>& ofSecond,
+                       const std::vector<Row>& ofThird = {}) {
         std::vector<Sheet> sheets = {{"Cover", {{"cover"}}}};
-        for (const auto& module : {std::make_pair("First", ofFirst), {"Second", ofSecond}}) {
+        for (const auto& module :
+             {std::make_pair("First", ofFirst), {"Second", ofSecond}, {"Third", ofThird}}) {
+            if (module.second.empty() && module.first == std::string("Third"))
+                continue;
             Sheet sheet = {module.first, {{"No.", "Case", "", "", "Test"}}};
             for (const Row& row : module.second)
                 sheet.second.push_back({"1", row[0], "", "", row[1]});
@@ -128,7 +138,9 @@ class Runner : public testing::Test {
             sheets.push_back(sheet);
         }
         write(checklist_, sheets);
+        testing::internal::CaptureStdout();
         tcFwInstance.checklistLoaded = zk_xlsLoadDataFromChecklist(checklist_.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
         ASSERT_EQ(tcFwInstance.checklistLoaded, 1);
     }
     void loadUsualChecklist() {
@@ -205,6 +217,57 @@ TEST_F(Runner, JudgesARowsNameBeforeItsFlagAndItsMark) {
     EXPECT_EQ(g_calls, "setup teardown setup runs@X teardown");
     EXPECT_NE(printed.find("[First] module: cases in checklist is more than actual cases"),
               printed.npos);
+    for (const char* line : {"]case 1:[P] Case hase been marked as 'N' in checklist. Skip! \r\n",
+                             "]case 2:[other] Can't find this case. Skip! \r\n",
+                             "]case 3:[N] Case hase been marked as 'N' in checklist. Skip! \r\n"})
+        EXPECT_NE(printed.find(line), printed.npos) << line << printed;
+}
+
+TEST_F(Runner, RunsAModuleWithoutHooks) {
+    loadChecklist({{"P", "N"}}, {{"X", "N"}}, {{"X", "Y"}});
+    tcFwInstance.moduleCount = 3;
+    std::string printed = run();
+    EXPECT_EQ(g_calls, "setup teardown setup teardown runs@X");
+    EXPECT_EQ(reported(), "First: P N N/A; Second: X N N/A; Third: X Y Pass");
+    EXPECT_EQ(printed.find("failed!!!"), printed.npos);
+}
+
+TEST_F(Runner, TellsATearDownThatFails) {
+    loadUsualChecklist();
+    g_teardownResult = 3;
+    std::string printed = run();
+    EXPECT_EQ(result_, 3);
+    EXPECT_NE(printed.find("][First] module teardown failed!!! \r\n"), printed.npos);
+    EXPECT_NE(printed.find("][Second] module teardown failed!!! \r\n"), printed.npos);
+}
+
+/** What the console does with one case: a manual one is set up a second time, with its name. */
+TEST_F(Runner, RunsWhatTheOperatorSelects) {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(selectModule(1), 0);
+    EXPECT_EQ(tcFwInstance.curModule, 0);
+    EXPECT_EQ(runSelectedCase(4), 0);
+    EXPECT_EQ(runSelectedCase(2), static_cast<int32_t>(TC_FAILURE));
+    g_teardownResult = 2;
+    EXPECT_EQ(exitFromModule(), 2);
+    EXPECT_EQ(tcFwInstance.curModule, -1);
+    std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(g_calls,
+              "setup before@M before-manual@M runs@M after@M before@F runs@F after@F "
+              "teardown");
+    for (const char* line :
+         {"testcase [4] setup failed!!! please check! \r\n", "][First] testcase [4] SUCCESS! \r\n",
+          "testcase [4] teardown failed!!! please check! \r\n",
+          "][First] testcase [2] FAILED! \r\n",
+          "][First] module teardown failed!!! please check!\r\n"})
+        EXPECT_NE(printed.find(line), printed.npos) << line << printed;
+    EXPECT_EQ(printed.find("module setup failed"), printed.npos);
+    g_setupResult = 9;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(selectModule(2), 9);
+    printed = testing::internal::GetCapturedStdout();
+    EXPECT_NE(printed.find("][Second] module setup failed!!! please check! \r\n"), printed.npos);
+    EXPECT_EQ(tcFwInstance.curModule, 1);
 }
 
 TEST_F(Runner, LeavesAModuleWhoseSetUpFails) {
@@ -304,6 +367,8 @@ TEST_F(Runner, RunsOneModuleWithoutAChecklist) {
     tcFwInstance.curModule = 0;
     testing::internal::CaptureStdout();
     EXPECT_EQ(runAutoCasesInSingleModule(), 0);
+    tcFwInstance.curModule = 3;
+    EXPECT_EQ(runAutoCasesInSingleModule(), 0) << "a module without cases";
     std::string printed = testing::internal::GetCapturedStdout();
     EXPECT_EQ(g_calls, "before@P runs@P after@P before@F runs@F after@F before@N runs@N after@N");
     for (const char* line : {"[First] testcase [1] SUCCESS!", "[First] testcase [2] FAILED!",
