@@ -61,6 +61,30 @@ typedef struct QLX_ExtInAdcPhase {
 } QLX_ExtInAdcPhase;
 QLX_RECORD_SIZE(QLX_ExtInAdcPhase, 12);
 
+/** What the EDID of a HDMI port announces. */
+enum QLX_HdmiEdidVersion {
+    /** Pictures up to 300 MHz. */
+    QLX_HDMI_EDID_1_4 = 0,
+    /** Pictures up to 600 MHz too. */
+    QLX_HDMI_EDID_2_0 = 1,
+};
+
+enum QLX_HdmiEdidOperation {
+    /** Enters a short audio descriptor of three bytes (CTA-861) in the place of that of its format.
+     */
+    QLX_HDMI_EDID_AUDIO_SAD_UPDAE = 0,
+    /** Reads the two blocks, 256 bytes. */
+    QLX_HDMI_EDID_READ = 2,
+};
+
+/** Data of an operation on an EDID. */
+typedef struct QLX_HdmiEdid {
+    uint8_t* pData;
+    uint32_t uLength; /**< Bytes at pData: 3 to enter, 256 or more to read. */
+    uint32_t uPort;   /**< HDMI port, from 0. */
+} QLX_HdmiEdid;
+QLX_RECORD_SIZE_32(QLX_HdmiEdid, 12);
+
 enum QLX_ExtInEvent {
     QLX_EXTIN_EVENT_CABLE_LINKED = 2,
     QLX_EXTIN_EVENT_SIGNAL_STATUS = 4,
@@ -143,6 +167,22 @@ int32_t QLX_ExtInSetHDMISignalFormat(const QLX_ExtInSource* pstSource, uint32_t 
 
 /** Gives what QLX_ExtInSetHDMISignalFormat has set. */
 int32_t QLX_ExtInGetHDMISignalFormat(const QLX_ExtInSource* pstSource, uint32_t* peFormat);
+
+/**
+ * Makes the EDID of a HDMI port anew, with the television's own audio descriptors.
+ * @param uPort     HDMI port, from 0
+ * @param eVersion  QLX_HdmiEdidVersion
+ * @return 0; QLX_FAILED before init; QLX_EXTIN_ERR_INVALID_PARA
+ */
+int32_t QLX_ExtInEDIDInit(uint32_t uPort, uint32_t eVersion);
+
+/**
+ * Reads or alters the EDID of a HDMI port.
+ * @param eOperation  QLX_HdmiEdidOperation
+ * @return 0; QLX_FAILED before init, before the port's QLX_ExtInEDIDInit, and when ten formats are
+ *         entered already; QLX_EXTIN_ERR_INVALID_PARA
+ */
+int32_t QLX_ExtInEDIDOperate(uint32_t eOperation, QLX_HdmiEdid* pstEdid);
 
 #ifdef __cplusplus
 }

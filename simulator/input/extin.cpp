@@ -8,6 +8,7 @@
 //
 // State rules: initialisation is a flag, and its end closes everything. An open port may be opened
 // again; one that is not open cannot be closed or asked.
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <string>
@@ -18,6 +19,7 @@
 #include "simulator/core/board.h"
 #include "simulator/core/family.h"
 #include "simulator/core/sim.h"
+#include "simulator/input/edid.h"
 #include "simulator/world/inputs.h"
 #include "simulator/world/signal_source.h"
 #include "simulator/world/world.h"
@@ -28,6 +30,8 @@ SIM_RECORD(QLX_ExtInSource, SIM_MEMBER(QLX_ExtInSource, eType), SIM_MEMBER(QLX_E
            SIM_MEMBER(QLX_ExtInSource, eInputClass))
 SIM_RECORD(QLX_ExtInAdcPhase, SIM_MEMBER(QLX_ExtInAdcPhase, uRY), SIM_MEMBER(QLX_ExtInAdcPhase, uG),
            SIM_MEMBER(QLX_ExtInAdcPhase, uB))
+SIM_RECORD(QLX_HdmiEdid, SIM_MEMBER(QLX_HdmiEdid, pData), SIM_MEMBER(QLX_HdmiEdid, uLength),
+           SIM_MEMBER(QLX_HdmiEdid, uPort))
 SIM_RECORD(QLX_ExtInCableEvent, SIM_MEMBER(QLX_ExtInCableEvent, eType),
            SIM_MEMBER(QLX_ExtInCableEvent, eInputClass), SIM_MEMBER(QLX_ExtInCableEvent, uPort),
            SIM_MEMBER(QLX_ExtInCableEvent, bLinked))
@@ -48,6 +52,9 @@ struct Port {
     int64_t measuredMs = 0;
     QLX_ExtInAdcPhase phase = {phaseAtPowerOn, phaseAtPowerOn, phaseAtPowerOn};
     uint32_t signalFormat = QLX_EXTIN_HDMI_SIGNAL_FORMAT_STANDARD;
+    /** QLX_HdmiEdidVersion, -1 before there is an EDID; and what it says of sound. */
+    int64_t edidVersion = -1;
+    std::vector<AudioDescriptor> descriptors;
     /** What the program was told last. */
     uint32_t toldLinked = QLX_FALSE;
     uint32_t toldStatus = QLX_EXTIN_SIGNAL_STATUS_NONE;
@@ -220,13 +227,28 @@ void closePort(const PortId& id, Port& port) {
     publish(id, port);
 }
 
+/** The HDMI port of a call; null, with the refusal, when the board lacks it or before init. */
+Port* hdmiPort(uint32_t number, int32_t* refusal) {
+    ExtInFamily& f = family();
+    loadOnce(f);
+    const auto found = f.ports.find({QLX_SOURCE_TYPE_HDMI, number});
+    *refusal = QLX_SUCCESS;
+    if (found == f.ports.end())
+        *refusal = QLX_EXTIN_ERR_INVALID_PARA;
+    else if (!f.initialised)
+        *refusal = QLX_FAILED;
+    return *refusal == QLX_SUCCESS ? &found->second : nullptr;
+}
+
 /** Closes everything and ends the events. */
 void end(std::unique_lock<std::mutex>& lock) {
     ExtInFamily& f = family();
     f.initialised = false;
     f.callback = nullptr;
-    for (auto& [id, port] : f.ports)
+    for (auto& [id, port] : f.ports) {
         closePort(id, port);
+        port.edidVersion = -1;
+    }
     lock.unlock();
     f.events.cancel(&tellsProgram);
     lock.lock();
@@ -467,5 +489,47 @@ int32_t QLX_ExtInGetHDMISignalFormat(const QLX_ExtInSource* pstSource, uint32_t*
         SIM_RETURN(refusal);
     *peFormat = port->signalFormat;
     simCall.output({sim::value("format", peFormat)});
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_ExtInEDIDInit(uint32_t uPort, uint32_t eVersion) {
+    SIM_ENTRY("port=%u version=%u", uPort, eVersion);
+    std::lock_guard<std::mutex> lock(family().mutex);
+    int32_t refusal = QLX_SUCCESS;
+    Port* port = sim::hdmiPort(uPort, &refusal);
+    if (port == nullptr)
+        SIM_RETURN(refusal);
+    if (eVersion > QLX_HDMI_EDID_2_0)
+        SIM_RETURN(QLX_EXTIN_ERR_INVALID_PARA);
+    port->edidVersion = eVersion;
+    port->descriptors = sim::ownAudioDescriptors();
+    SIM_RETURN(QLX_SUCCESS);
+}
+
+int32_t QLX_ExtInEDIDOperate(uint32_t eOperation, QLX_HdmiEdid* pstEdid) {
+    bool given = pstEdid != nullptr && eOperation == QLX_HDMI_EDID_AUDIO_SAD_UPDAE;
+    SIM_ENTRY("operation=%u edid=%s data=%s", eOperation, sim::show(pstEdid).c_str(),
+              given ? sim::showBytes(pstEdid->pData, pstEdid->uLength, 3).c_str() : "");
+    std::lock_guard<std::mutex> lock(family().mutex);
+    if (pstEdid == nullptr || pstEdid->pData == nullptr)
+        SIM_RETURN(QLX_EXTIN_ERR_INVALID_PARA);
+    int32_t refusal = QLX_SUCCESS;
+    Port* port = sim::hdmiPort(pstEdid->uPort, &refusal);
+    if (port == nullptr)
+        SIM_RETURN(refusal);
+    sim::AudioDescriptor descriptor;
+    auto edid =
+        sim::makeEdid(pstEdid->uPort, port->edidVersion == QLX_HDMI_EDID_2_0, port->descriptors);
+    bool read = eOperation == QLX_HDMI_EDID_READ && pstEdid->uLength >= edid.size();
+    if (!read && !(given && pstEdid->uLength == descriptor.size()))
+        SIM_RETURN(QLX_EXTIN_ERR_INVALID_PARA);
+    if (port->edidVersion < 0)
+        SIM_RETURN(QLX_FAILED);
+    if (!read) {
+        std::copy_n(pstEdid->pData, descriptor.size(), descriptor.begin());
+        SIM_RETURN(sim::enterDescriptor(&port->descriptors, descriptor) ? QLX_SUCCESS : QLX_FAILED);
+    }
+    std::copy(edid.begin(), edid.end(), pstEdid->pData);
+    simCall.output({sim::bytesValue("data", pstEdid->pData, edid.size())});
     SIM_RETURN(QLX_SUCCESS);
 }

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <mutex>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -234,6 +236,78 @@ TEST_F(SimExtIn, WhatIsSetIsReadBack) {
     EXPECT_EQ(qlx_sim_event("input HDMI/0 HDMI_SOURCE=0"), 0);
     EXPECT_EQ(QLX_ExtInGetHdmiType(&hdmi0, &value), 0);
     EXPECT_EQ(value, static_cast<uint32_t>(QLX_EXTIN_HDMI_TYPE_DVI));
+}
+
+using Bytes = std::vector<uint8_t>;
+
+int32_t operate(uint32_t operation, uint32_t port, Bytes* data) {
+    QLX_HdmiEdid edid = {data->data(), static_cast<uint32_t>(data->size()), port};
+    return QLX_ExtInEDIDOperate(operation, &edid);
+}
+
+/** The data blocks of the extension by tag, all of one tag one after the other. */
+std::map<int, Bytes> dataBlocks(const Bytes& edid) {
+    std::map<int, Bytes> blocks;
+    for (size_t at = 128 + 4; at < 128u + edid[128 + 2];) {
+        size_t length = edid[at] & 31;
+        Bytes& block = blocks[edid[at] >> 5];
+        block.insert(block.end(), edid.begin() + static_cast<ptrdiff_t>(at + 1),
+                     edid.begin() + static_cast<ptrdiff_t>(at + 1 + length));
+        at += 1 + length;
+    }
+    return blocks;
+}
+
+TEST_F(SimExtIn, TheEdidIsWholeAndTakesDescriptors) {
+    Bytes edid(256);
+    Bytes eac3 = {0x55, 0x06, 0x01};
+    EXPECT_EQ(QLX_ExtInEDIDInit(0, QLX_HDMI_EDID_2_0), QLX_FAILED);
+    EXPECT_EQ(QLX_ExtInInit(), 0);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 0, &edid), QLX_FAILED) << "there is none yet";
+    EXPECT_EQ(QLX_ExtInEDIDInit(3, QLX_HDMI_EDID_2_0), invalid);
+    EXPECT_EQ(QLX_ExtInEDIDInit(0, 2), invalid);
+    for (uint32_t version : {QLX_HDMI_EDID_1_4, QLX_HDMI_EDID_2_0}) {
+        for (uint32_t port : {0u, 2u}) {
+            EXPECT_EQ(QLX_ExtInEDIDInit(port, version), 0);
+            ASSERT_EQ(operate(QLX_HDMI_EDID_READ, port, &edid), 0);
+            EXPECT_EQ(Bytes(edid.begin(), edid.begin() + 8),
+                      Bytes({0, 255, 255, 255, 255, 255, 255, 0}));
+            EXPECT_EQ(edid[126], 1) << "one extension";
+            EXPECT_EQ(edid[128], 2) << "of CTA-861";
+            for (size_t block : {0, 128}) {
+                uint8_t sum = 0;
+                for (size_t i = 0; i < 128; i++)
+                    sum = static_cast<uint8_t>(sum + edid[block + i]);
+                EXPECT_EQ(sum, 0);
+            }
+            std::map<int, Bytes> blocks = dataBlocks(edid);
+            EXPECT_EQ(blocks[1], Bytes({0x09, 0x07, 0x07, 0x15, 0x07, 0x50}));
+            EXPECT_EQ(blocks[3][3], (port + 1) << 4) << "physical address";
+            EXPECT_EQ(std::count(blocks[2].begin(), blocks[2].end(), 97), version);
+            EXPECT_EQ(blocks[3].size(), version == QLX_HDMI_EDID_2_0 ? 14u : 7u);
+        }
+    }
+    EXPECT_EQ(operate(QLX_HDMI_EDID_AUDIO_SAD_UPDAE, 0, &eac3), 0);
+    Bytes sixLpcm = {0x0D, 0x07, 0x07};
+    EXPECT_EQ(operate(QLX_HDMI_EDID_AUDIO_SAD_UPDAE, 0, &sixLpcm), 0);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 0, &edid), 0);
+    EXPECT_EQ(dataBlocks(edid)[1], Bytes({0x0D, 7, 7, 0x15, 7, 0x50, 0x55, 6, 1}));
+    EXPECT_EQ(std::accumulate(edid.begin() + 128, edid.end(), 0) % 256, 0);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 2, &edid), 0);
+    EXPECT_EQ(dataBlocks(edid)[1].size(), 6u) << "another port has its own";
+    for (uint8_t format = 3; format < 10; format++) {
+        Bytes further = {static_cast<uint8_t>(format << 3), 1, 1};
+        EXPECT_EQ(operate(QLX_HDMI_EDID_AUDIO_SAD_UPDAE, 0, &further), 0);
+    }
+    Bytes tooMany = {11 << 3, 1, 1};
+    EXPECT_EQ(operate(QLX_HDMI_EDID_AUDIO_SAD_UPDAE, 0, &tooMany), QLX_FAILED);
+    Bytes small(255), two(2);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 0, &small), invalid);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_AUDIO_SAD_UPDAE, 0, &two), invalid);
+    EXPECT_EQ(operate(1, 0, &edid), invalid);
+    EXPECT_EQ(QLX_ExtInEDIDOperate(QLX_HDMI_EDID_READ, nullptr), invalid);
+    EXPECT_EQ(QLX_ExtInDeInit(), 0);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 0, &edid), QLX_FAILED);
 }
 
 }  // namespace
