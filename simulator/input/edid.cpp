@@ -20,7 +20,7 @@ const uint8_t identity[] = {
     1, 2026 - 1990,                                              // week and year
     1, 3,                                                        // version
     0x80, 121, 68, 120,                                          // digital, cm, gamma 2.2
-    0x0A,  // RGB, the first timing is the preferred one
+    0x0E,  // RGB by sRGB, the first timing is the preferred one
     0xEE, 0x91, 0xA3, 0x54, 0x4C, 0x99, 0x26, 0x0F, 0x50, 0x54,  // sRGB
     0x21, 0x08, 0x00,                                            // 640x480, 800x600, 1024x768
     1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1,              // no standard timings
@@ -43,7 +43,7 @@ const uint8_t nameAndLimits[] = {
 const uint8_t limitsEnd[] = {0, '\n', ' ', ' ', ' ', ' ', ' ', ' '};
 
 /** Tags of data blocks. */
-enum : uint8_t { tagAudio = 1, tagVideo = 2, tagVendor = 3, tagSpeakers = 4 };
+enum : uint8_t { tagAudio = 1, tagVideo = 2, tagVendor = 3, tagSpeakers = 4, tagExtended = 7 };
 
 void addBlock(std::vector<uint8_t>* out, uint8_t tag, const std::vector<uint8_t>& body) {
     out->push_back(static_cast<uint8_t>(tag << 5 | body.size()));
@@ -62,8 +62,8 @@ std::vector<uint8_t> extensionOf(uint32_t port, bool enhanced,
                                  const std::vector<AudioDescriptor>& descriptors) {
     // Revision 3; underscan, basic audio, YCbCr 4:4:4 and 4:2:2, one native timing.
     std::vector<uint8_t> block = {2, 3, 0, 0xF1};
-    // Pictures by their codes, the highest bit on the native one: 1080, 720 and 576 or 480 lines.
-    std::vector<uint8_t> pictures = {0x90, 31, 5, 20, 4, 19, 2, 17};
+    // Pictures by their codes: 1080, 720 and 576 or 480 lines.
+    std::vector<uint8_t> pictures = {16, 31, 5, 20, 4, 19, 2, 17};
     if (enhanced)
         pictures.insert(pictures.end(), {97, 96});
     addBlock(&block, tagVideo, pictures);
@@ -78,6 +78,8 @@ std::vector<uint8_t> extensionOf(uint32_t port, bool enhanced,
     // HDMI forum: identifier, version 1, 600 MHz, a status and control channel.
     if (enhanced)
         addBlock(&block, tagVendor, {0xD8, 0x5D, 0xC4, 1, 120, 0x80, 0x00});
+    // Video capability: the range of RGB and YCbCr can be chosen, overscan and underscan too.
+    addBlock(&block, tagExtended, {0, 0xCF});
     block[2] = static_cast<uint8_t>(block.size());
     return block;
 }
