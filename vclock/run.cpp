@@ -36,7 +36,9 @@ static bool isNumber(const char* text, unsigned long long most) {
     return strtoull(text, nullptr, 10) <= most && errno == 0;
 }
 
-// Returns the index of the program in argv, 0 when the arguments make no sense.
+// Returns the index of the program in argv, 0 when the arguments make no sense. By hand: the first
+// word that is no option is the program, and all behind it is the program's own, whatever it looks
+// like; an option before it that is not known is refused.
 static int readOptions(int argc, char** argv) {
     struct {
         const char* name;
@@ -53,6 +55,10 @@ static int readOptions(int argc, char** argv) {
         if (strcmp(argv[at], "--") == 0) {
             at++;
             break;
+        }
+        if (strcmp(argv[at], "--help") == 0) {
+            fputs(kUsage, stdout);
+            exit(EXIT_DONE);
         }
         bool known = false;
         for (const auto& option : options) {

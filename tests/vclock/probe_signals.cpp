@@ -270,7 +270,6 @@ static void endsOfChildren() {
     timespec limit = {30, 0};
     signalfd_siginfo about;
     const std::function<void(pid_t)> waits[] = {
-        [&](pid_t) { CHECK(sigtimedwait(&ends, nullptr, &limit) == SIGCHLD); },
         [&](pid_t child) {
             CHECK(poll(&told, 1, 30000) == 1);
             CHECK(read(signals, &about, sizeof about) == sizeof about);
@@ -282,6 +281,7 @@ static void endsOfChildren() {
             CHECK(poll(&end, 1, -1) == 1 && close(end.fd) == 0);
             CHECK(read(signals, &about, sizeof about) == sizeof about);
         },
+        [&](pid_t) { CHECK(sigtimedwait(&ends, nullptr, &limit) == SIGCHLD); },
     };
     for (const auto& wait : waits) {
         for (int i = 0; i < 5; i++) {
@@ -300,8 +300,19 @@ static void endsOfChildren() {
     CHECK(waitpid(child, nullptr, 0) == child);
 }
 
-// Counts signals that come from outside in real time, while two threads hand over all the time; the
-// signal with the next number ends it.
+// Nobody but the world outside can send what it waits for.
+static void awaitsSignal() {
+    sigset_t user = only(SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &user, nullptr);
+    int signals = signalfd(-1, &user, SFD_CLOEXEC);
+    signalfd_siginfo about;
+    printf("ready\n");
+    fflush(stdout);
+    CHECK(read(signals, &about, sizeof about) == sizeof about && about.ssi_signo == SIGUSR1);
+}
+
+// Counts signals that come from outside in real time, while two threads hand over all the time and
+// others begin and end; the signal with the next number ends it.
 static void countsSignals() {
     static std::atomic<bool> over{false};
     install(SIGRTMIN + 2, SA_RESTART);
@@ -316,6 +327,7 @@ static void countsSignals() {
             while (sem_wait(&turns[mine]) != 0) {
             }
             sem_post(&turns[1 - mine]);
+            std::thread([] {}).join();
         } while (!over);
     };
     std::thread other([&] { side(1); });
@@ -589,6 +601,7 @@ const Probe signalProbes[] = {
     {"signals_to_processes", signalsToProcesses},
     {"masked_waits", maskedWaits},
     {"ends_of_children", endsOfChildren},
+    {"awaits_signal", awaitsSignal},
     {"counts_signals", countsSignals},
     {"jumps_out", jumpsOut},
     {"alarms", alarms},
