@@ -308,6 +308,8 @@ TEST_F(SimExtIn, TheEdidIsWholeAndTakesDescriptors) {
     EXPECT_EQ(QLX_ExtInEDIDOperate(QLX_HDMI_EDID_READ, nullptr), invalid);
     EXPECT_EQ(QLX_ExtInDeInit(), 0);
     EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 0, &edid), QLX_FAILED);
+    EXPECT_EQ(QLX_ExtInInit(), 0);
+    EXPECT_EQ(operate(QLX_HDMI_EDID_READ, 0, &edid), QLX_FAILED) << "it went with the service";
 }
 
 }  // namespace
