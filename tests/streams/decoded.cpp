@@ -226,21 +226,22 @@ void openFile(const std::string& path, AVFormatContext** format) {
 
 }  // namespace
 
-sim::Picture decodedPicture(const std::string& path, int pid, int64_t pts) {
+std::map<int64_t, sim::Picture> decodedPictures(const std::string& path, int pid,
+                                                const std::set<int64_t>& stamps) {
     AVFormatContext* format = nullptr;
     openFile(path, &format);
-    sim::Picture picture;
+    std::map<int64_t, sim::Picture> pictures;
     for (unsigned i = 0; i < format->nb_streams; i++) {
         if (format->streams[i]->id != pid)
             continue;
         decodeStream(format, static_cast<int>(i), [&](AVFrame* frame) {
-            if (frame->best_effort_timestamp == pts)
-                picture = toRgb(frame);
-            return frame->best_effort_timestamp == pts;
+            if (stamps.count(frame->best_effort_timestamp) != 0)
+                pictures[frame->best_effort_timestamp] = toRgb(frame);
+            return pictures.size() == stamps.size();
         });
     }
     avformat_close_input(&format);
-    return picture;
+    return pictures;
 }
 
 sim::Picture decodedImage(const std::string& path) {

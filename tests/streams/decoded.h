@@ -3,6 +3,7 @@
 #define TESTS_STREAMS_DECODED_H
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,9 +54,10 @@ using Streams = std::map<int, Decoded>;  // by PID
 /** Decodes all pictures and sound of a stream, and tells the packets of what else there is. */
 Streams decode(const Bytes& bytes);
 
-/** The picture of a stream with that time stamp, as FFmpeg decodes the whole file and converts it;
- *  empty when there is none. */
-sim::Picture decodedPicture(const std::string& path, int pid, int64_t pts);
+/** The pictures of a stream with those time stamps, as FFmpeg decodes the file from its beginning
+ * and converts them; without those that there are not. */
+std::map<int64_t, sim::Picture> decodedPictures(const std::string& path, int pid,
+                                                const std::set<int64_t>& stamps);
 
 /** The first picture of an image file, and the samples of a sound file. */
 sim::Picture decodedImage(const std::string& path);
