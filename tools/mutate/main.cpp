@@ -292,9 +292,13 @@ Result judgeMutant(const Options& options, const Builder& builder, const Work& w
             if (mutant.constant && needed && linked.insert(program).second)
                 builder.linkOne(work.places, mutant, program, own);
         }
-        // Generous: the machine may have other work.
+        // Generous, and a second time more so: the machine may have other work. What fails has to
+        // fail again, so that no chance counts as found.
         double limit = 10 + 20 * judge->seconds;
-        Outcome outcome = runJudge(*judge, room, mutant.constant ? 0 : mutant.id, "", limit);
+        unsigned id = mutant.constant ? 0 : mutant.id;
+        Outcome outcome = runJudge(*judge, room, id, "", limit);
+        if (outcome.late || outcome.status != 0)
+            outcome = runJudge(*judge, room, id, "", 3 * limit);
         if (outcome.late || outcome.status != 0)
             return {Verdict::FOUND, judge->name};
     }
