@@ -21,7 +21,7 @@ enum QLX_CISlot {
 };
 
 enum QLX_CIError {
-    QLX_CI_ERR_INVALID_PARA = 0x101501,
+    QLX_CI_ERR_INVALID_PARA = 0x101B01,
 };
 
 enum QLX_CITsMode {

@@ -9,7 +9,7 @@ extern "C" {
 #endif
 
 enum QLX_DisplayError {
-    QLX_DISPLAY_ERR_INVALID_PARA = 0x100D01,
+    QLX_DISPLAY_ERR_INVALID_PARA = 0x101A01,
 };
 
 /** Size of the panel in pixels. */

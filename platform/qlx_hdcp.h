@@ -9,7 +9,7 @@ extern "C" {
 #endif
 
 enum QLX_HDCPError {
-    QLX_HDCP_ERR_INVALID_PARA = 0x100401,
+    QLX_HDCP_ERR_INVALID_PARA = 0x101801,
 };
 
 /** What the service tells of an authentication. */

@@ -13,7 +13,7 @@ extern "C" {
 #endif
 
 enum QLX_VideoSyncError {
-    QLX_VIDEOSYNC_ERR_INVALID_PARA = 0x100c01,
+    QLX_VIDEOSYNC_ERR_INVALID_PARA = 0x101901,
 };
 
 /** What the system time clock follows. */

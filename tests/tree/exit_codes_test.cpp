@@ -1,5 +1,5 @@
 // Exit codes: one number has one meaning, the document lists all, and nobody writes them as
-// numbers.
+// numbers. The library's error codes: a number tells the family that it comes from.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -52,6 +52,19 @@ TEST(ExitCodes, AreWrittenByName) {
                 EXPECT_FALSE(std::regex_search(line, number)) << entry.path() << ": " << line;
         }
     }
+}
+
+TEST(ErrorCodes, OfTheLibraryBelongToOneFamilyEach) {
+    const std::regex entry("QLX_([A-Z0-9]+)_ERR_[A-Z_]+ = 0x([0-9A-Fa-f]{4})[0-9A-Fa-f]{2}\\b");
+    std::map<unsigned long, std::string> families;
+    for (const auto& header : fs::directory_iterator(fs::path(ZK_SOURCE_DIR) / "platform")) {
+        const std::string text = readFile(header.path());
+        for (std::sregex_iterator at(text.begin(), text.end(), entry), end; at != end; ++at)
+            EXPECT_EQ(families.emplace(std::stoul((*at)[2], nullptr, 16), (*at)[1]).first->second,
+                      (*at)[1])
+                << header.path();
+    }
+    EXPECT_GE(families.size(), 20u);
 }
 
 }  // namespace
