@@ -55,6 +55,10 @@ size_t qlx_sim_recorded(char* buffer, size_t size) {
     return hand(sim::recordedTrace(), buffer, size);
 }
 
+size_t qlx_sim_handed_out(char* buffer, size_t size) {
+    return hand(sim::handedOut(), buffer, size);
+}
+
 void qlx_sim_remark(const char* line) {
     sim::traceLine(line);
 }

@@ -26,6 +26,7 @@
  *     flip=MEMBER        every second bit of that member is inverted
  *     zero=MEMBER        that member is 0
  *     set=MEMBER:VALUE   that member, a number or a text, is VALUE
+ *     add=MEMBER:NUMBER  NUMBER, which may be negative, is added to that member
  *     drop               the callback does not come
  *     repeat=N           the callback comes N more times
  *
@@ -61,6 +62,10 @@ size_t qlx_sim_state(char* buffer, size_t size);
 void qlx_sim_record(int on);
 /** The record so far, one line each, as qlx_sim_state answers. */
 size_t qlx_sim_recorded(char* buffer, size_t size);
+/** What was handed out since recording began, as qlx_sim_state answers: a line for each member that
+ *  faults can alter, "NAME MEMBER value|mark zero|set". NAME is the function or callback; a mark is
+ *  a handle, a length or a count beside the data; `set` says that it was once not zero. */
+size_t qlx_sim_handed_out(char* buffer, size_t size);
 /** Writes a line of the caller's own into the trace, between those of calls. */
 void qlx_sim_remark(const char* line);
 

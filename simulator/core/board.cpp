@@ -20,17 +20,31 @@ static std::string trim(const std::string& text) {
 }
 
 bool Cfg::load(const std::string& path) {
-    values_.clear();
+    // Channel tables are read at each tuning, and change once in a while.
+    struct Known {
+        std::string text;
+        std::shared_ptr<const Values> values;
+    };
+    static std::mutex* mutex = new std::mutex;
+    static std::map<std::string, Known>* known = new std::map<std::string, Known>;
+    values_ = std::make_shared<const Values>();
     std::ifstream file(path);
     if (!file)
         return false;
     std::ostringstream text;
     text << file.rdbuf();
-    add(text.str());
+    std::lock_guard<std::mutex> lock(*mutex);
+    Known& last = (*known)[path];
+    if (last.values == nullptr || last.text != text.str()) {
+        add(text.str());
+        last = {text.str(), values_};
+    }
+    values_ = last.values;
     return true;
 }
 
 void Cfg::add(const std::string& text) {
+    auto values = std::make_shared<Values>(*values_);
     std::istringstream in(text);
     std::string section;
     for (std::string line; std::getline(in, line);) {
@@ -44,13 +58,14 @@ void Cfg::add(const std::string& text) {
         size_t equals = line.find('=');
         if (equals == std::string::npos)
             continue;
-        values_.emplace(std::make_pair(section, trim(line.substr(0, equals))),
+        values->emplace(std::make_pair(section, trim(line.substr(0, equals))),
                         trim(line.substr(equals + 1)));
     }
+    values_ = values;
 }
 
 bool Cfg::has(const std::string& section, const std::string& key) const {
-    return values_.count({section, key}) != 0;
+    return values_->count({section, key}) != 0;
 }
 
 int64_t Cfg::number(const std::string& section, const std::string& key) const {
@@ -58,8 +73,8 @@ int64_t Cfg::number(const std::string& section, const std::string& key) const {
 }
 
 std::string Cfg::text(const std::string& section, const std::string& key) const {
-    auto found = values_.find({section, key});
-    return found == values_.end() ? "" : found->second;
+    auto found = values_->find({section, key});
+    return found == values_->end() ? "" : found->second;
 }
 
 struct BoardFiles {

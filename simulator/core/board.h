@@ -11,6 +11,7 @@
 #include <stdint.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -32,11 +33,12 @@ class Cfg {
 
     using Values = std::map<std::pair<std::string, std::string>, std::string>;
     const Values& values() const {
-        return values_;
+        return *values_;
     }
 
  private:
-    Values values_;
+    /** Shared by all that have loaded the same content. */
+    std::shared_ptr<const Values> values_ = std::make_shared<const Values>();
 };
 
 /** The default board, text of a configuration file. */

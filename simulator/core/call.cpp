@@ -25,7 +25,7 @@ static void sufferFaults(const FaultEffect& effect, const std::string& what) {
 
 bool callsAreTold() {
     loadFaultFile();
-    return tracing() || haveFaults();
+    return tracing() || faultsReadArguments();
 }
 
 Call::Call(const char* function, std::string arguments)
@@ -63,6 +63,7 @@ void Call::output(const std::vector<Value>& values) {
     corrupt(effect_, function_, values);
     if (!tracing())
         return;
+    noteHandedOut(function_, values);
     for (const Value& one : values) {
         if (one.data != nullptr)
             note_ += std::string(" ") + (one.marked ? one.member.name : "out") + "=" + show(one);
@@ -101,8 +102,10 @@ void deliver(const char* name, const std::string& text, const std::vector<Value>
         return;
     }
     corrupt(effect, name, values);
-    if (tracing())
+    if (tracing()) {
         what = textOf(text, values);
+        noteHandedOut(name, values);
+    }
     for (int i = 0; i <= effect.repeat; i++) {
         traceLine(line());
         call();

@@ -51,15 +51,15 @@ static bool parseCorruption(const std::string& value, FaultEffect* effect) {
     return true;
 }
 
-/** "flip=MEMBER", "zero=MEMBER", "set=MEMBER:VALUE". */
+/** "flip=MEMBER", "zero=MEMBER", "set=MEMBER:VALUE", "add=MEMBER:NUMBER". */
 static bool parseMemberChange(const std::string& key, const std::string& value,
                               FaultEffect* effect) {
     using Change = FaultEffect::MemberChange;
     Change change = {Change::flip, value, ""};
     if (key == "zero")
         change.kind = Change::zero;
-    if (key == "set") {
-        change.kind = Change::set;
+    if (key == "set" || key == "add") {
+        change.kind = key == "set" ? Change::set : Change::add;
         if (!partWord(value, ':', &change.path, &change.word))
             return false;
     }
@@ -112,7 +112,7 @@ static bool parseWord(const std::string& word, Fault* fault) {
         return parseCall(value, fault);
     if (key == "corrupt")
         return parseCorruption(value, &effect);
-    if (key == "flip" || key == "zero" || key == "set")
+    if (key == "flip" || key == "zero" || key == "set" || key == "add")
         return parseMemberChange(key, value, &effect);
     int64_t number = 0;
     if (key == "return" && readNumber(value, INT32_MIN, UINT32_MAX, &number)) {
@@ -203,9 +203,11 @@ static bool argumentMatches(const Fault& fault, const std::string& arguments) {
     return false;
 }
 
-bool haveFaults() {
+bool faultsReadArguments() {
     std::lock_guard<std::mutex> lock(faults().mutex);
-    return !faults().list.empty();
+    const std::vector<Fault>& list = faults().list;
+    return std::any_of(list.begin(), list.end(),
+                       [](const Fault& fault) { return !fault.argument.empty(); });
 }
 
 FaultEffect faultsOn(const char* name, const std::string& arguments) {
@@ -257,6 +259,8 @@ static bool changeMember(const FaultEffect::MemberChange& change, const Place& p
         return flipMember(place);
     if (change.kind == FaultEffect::MemberChange::set)
         return setMember(place, change.word);
+    if (change.kind == FaultEffect::MemberChange::add)
+        return addToMember(place, change.word);
     zeroMember(place);
     return true;
 }

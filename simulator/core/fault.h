@@ -29,7 +29,7 @@ struct FaultEffect {
     bool blank = false;
     /** A member, and what is done to it. */
     struct MemberChange {
-        enum { flip, zero, set } kind;
+        enum { flip, zero, set, add } kind;
         std::string path;
         std::string word;
     };
@@ -41,7 +41,8 @@ bool addFault(const std::string& line, std::string* error);
 void clearFaults();
 unsigned faultsActed();
 
-bool haveFaults();
+/** Whether a fault looks at the arguments of calls. */
+bool faultsReadArguments();
 
 /** Counts a call or callback of that name, and collects what the faults do to it.
  *  @param arguments  as the trace tells them: words such as "filter=2" */

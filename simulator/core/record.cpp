@@ -171,6 +171,30 @@ bool findWithin(Member member, uint8_t* at, std::string path, Place* place) {
     return false;
 }
 
+void collectPaths(const Member& member, const uint8_t* at, const std::string& path,
+                  std::vector<MemberPath>* paths) {
+    if (member.kind == MemberKind::pointer)
+        return;
+    if (member.kind != MemberKind::record) {
+        paths->push_back({path, allZero(at, member.size * member.count)});
+        return;
+    }
+    size_t last = member.count - 1;
+    while (last > 0 && allZero(at + last * member.size, member.size))
+        last--;
+    for (size_t index = 0; index < member.count; index++) {
+        if (index != 0 && index != last)
+            continue;
+        const uint8_t* record = at + index * member.size;
+        std::string place = path + (member.array ? format("[%zu]", index) : "");
+        for (const Member& inner : member.record->members) {
+            if (inner.applies == nullptr || inner.applies(record))
+                collectPaths(inner, record + inner.offset,
+                             place + (place.empty() ? "" : ".") + inner.name, paths);
+        }
+    }
+}
+
 bool readBits(const Member& member, const std::string& word, uint64_t* bits) {
     unsigned unused = static_cast<unsigned>(64 - 8 * member.size);
     if (member.kind != MemberKind::signedNumber)
@@ -288,6 +312,16 @@ bool findMember(const Value& value, const std::string& path, Place* place) {
            findWithin(value.member, at, path.substr(length), place);
 }
 
+std::vector<MemberPath> memberPaths(const Value& value) {
+    std::vector<MemberPath> paths;
+    if (value.data != nullptr) {
+        bool record = value.member.kind == MemberKind::record;
+        collectPaths(value.member, static_cast<const uint8_t*>(value.data),
+                     record ? "" : value.member.name, &paths);
+    }
+    return paths;
+}
+
 bool flipMember(const Place& place) {
     if (hasPointer(place.member))
         return false;
@@ -322,6 +356,20 @@ bool setMember(const Place& place, const std::string& word) {
         bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
     // Both this machine and the device are little-endian.
     memcpy(place.data, bytes, member.size);
+    return true;
+}
+
+bool addToMember(const Place& place, const std::string& word) {
+    const Member& member = place.member;
+    int64_t number = 0;
+    bool integer =
+        member.kind == MemberKind::unsignedNumber || member.kind == MemberKind::signedNumber;
+    if (!integer || member.array || !readNumber(word, INT64_MIN, INT64_MAX, &number))
+        return false;
+    uint64_t bits = 0;
+    memcpy(&bits, place.data, member.size);
+    bits += static_cast<uint64_t>(number);
+    memcpy(place.data, &bits, member.size);
     return true;
 }
 

@@ -178,11 +178,23 @@ struct Place {
  */
 bool findMember(const Value& value, const std::string& path, Place* place);
 
+/** A member that faults can alter. */
+struct MemberPath {
+    std::string path;
+    bool zero;
+};
+
+/** The members of a value down to numbers, texts and bytes, without pointers: of an array of
+ * records those of the first element, and of the last that is not all zero. */
+std::vector<MemberPath> memberPaths(const Value& value);
+
 /** Inverts every second bit. False for a pointer, which would then lead astray. */
 bool flipMember(const Place& place);
 void zeroMember(const Place& place);
 /** Sets a number or a text; false, with the member untouched, when it cannot hold the word. */
 bool setMember(const Place& place, const std::string& word);
+/** Adds to an integer; false when the member is none, or `word` no number. */
+bool addToMember(const Place& place, const std::string& word);
 
 }  // namespace sim
 

@@ -77,7 +77,7 @@ class Call {
     bool handedOut_ = false;
 };
 
-/** Whether somebody wants to know the arguments of calls: trace, record or faults. */
+/** Whether somebody wants to know the arguments of calls: trace, record, or a fault. */
 bool callsAreTold();
 
 /** The arguments are printf's, "pin=%u level=%d", all that the function has; they are put into

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <map>
 #include <mutex>
 
 #include "simulator/core/sim.h"
@@ -17,6 +18,13 @@ struct Trace {
     bool opened = false;
     bool recording = false;
     std::string record;
+    /** What was handed out, in the order of its first appearance, and where it stands there. */
+    struct HandedOut {
+        std::string text;
+        bool zero;
+    };
+    std::vector<HandedOut> handedOut;
+    std::map<std::string, size_t> places;
 };
 
 static Trace& trace() {
@@ -63,8 +71,11 @@ void traceLine(const std::string& text) {
 void recordTrace(bool on) {
     Trace& t = trace();
     std::lock_guard<std::mutex> lock(t.mutex);
-    if (on)
+    if (on) {
         t.record.clear();
+        t.handedOut.clear();
+        t.places.clear();
+    }
     t.recording = on;
 }
 
@@ -72,6 +83,33 @@ std::string recordedTrace() {
     Trace& t = trace();
     std::lock_guard<std::mutex> lock(t.mutex);
     return t.record;
+}
+
+void noteHandedOut(const char* name, const std::vector<Value>& values) {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    for (const Value& one : values) {
+        if (!t.recording)
+            return;
+        for (const MemberPath& member : memberPaths(one)) {
+            std::string text =
+                format("%s %s %s", name, member.path.c_str(), one.marked ? "mark" : "value");
+            auto added = t.places.emplace(text, t.handedOut.size());
+            if (added.second)
+                t.handedOut.push_back({text, true});
+            Trace::HandedOut& known = t.handedOut[added.first->second];
+            known.zero = known.zero && member.zero;
+        }
+    }
+}
+
+std::string handedOut() {
+    Trace& t = trace();
+    std::lock_guard<std::mutex> lock(t.mutex);
+    std::string lines;
+    for (const Trace::HandedOut& one : t.handedOut)
+        lines += one.text + (one.zero ? " zero\n" : " set\n");
+    return lines;
 }
 
 }  // namespace sim

@@ -3,6 +3,9 @@
 #define SIMULATOR_CORE_TRACE_H
 
 #include <string>
+#include <vector>
+
+#include "simulator/core/record.h"
 
 namespace sim {
 
@@ -16,6 +19,11 @@ void traceLine(const std::string& text);
 /** Starts keeping the lines in memory, forgetting the last ones, or stops. */
 void recordTrace(bool on);
 std::string recordedTrace();
+
+/** Notes the members of what a call or callback hands out, while lines are kept. */
+void noteHandedOut(const char* name, const std::vector<Value>& values);
+/** A line for each of them, "NAME MEMBER value|mark zero|set". */
+std::string handedOut();
 
 }  // namespace sim
 

@@ -50,12 +50,12 @@ struct Options {
     unsigned jobs = 0;
     unsigned every = 1;
     bool resume = false;
+    bool write = false;
 };
 
 struct Job {
     Result result;
     pid_t pid = 0;
-    unsigned firstStep = 0;
 };
 
 /** In a child: becomes this program again, as a worker in virtual time. Its calendar begins on a
@@ -70,6 +70,7 @@ struct Job {
     Words program = {programFile(),
                      "--worker",
                      options.golden.string(),
+                     options.lists.string(),
                      subject.module->name,
                      subject.testCase->name,
                      std::to_string(subject.script),
@@ -115,8 +116,8 @@ fs::file_time_type youngestInput(const Options& options) {
     return youngest;
 }
 
-/** After a worker's end: true when the case is through; else the step behind the one that ended the
- *  worker is next. */
+/** After a worker's end: true when the case is through; else another one takes the steps behind the
+ *  one that ended it. */
 bool settle(Job* job, int status) {
     const fs::path& path = job->result.file;
     if (isDone(path))
@@ -124,13 +125,12 @@ bool settle(Job* job, int status) {
     std::vector<std::string> lines = readLines(path);
     std::ofstream file(path, std::ios::app);
     if (lines.empty() || lines.back().compare(0, 5, "step\t") != 0) {
-        // Without any step the run without a fault itself came to an end.
+        // Not in a step: the run without a fault itself came to an end.
         file << "broken\t" << status << "\ndone\n";
         return true;
     }
     if (lines.back().find("endless") == std::string::npos)
         file << "crash\n";
-    job->firstStep = static_cast<unsigned>(strtoul(lines.back().c_str() + 5, nullptr, 10)) + 1;
     return false;
 }
 
@@ -149,7 +149,7 @@ bool planJobs(const Options& options, const Modules& modules, std::vector<Job>* 
                 number++ % options.every != 0)
                 continue;
             fs::path file = options.out / module->name / (subject.name() + ".txt");
-            jobs->push_back({{subject, file}, 0, 0});
+            jobs->push_back({{subject, file}, 0});
         }
     }
     return true;
@@ -181,8 +181,7 @@ void runJobs(const Options& options, std::vector<Job>* jobs) {
     }
     std::reverse(waiting.begin(), waiting.end());
     auto start = [&](Job* job) {
-        job->pid = startWorker(options, job->result.file, job->result.subject,
-                               {"steps", std::to_string(job->firstStep)});
+        job->pid = startWorker(options, job->result.file, job->result.subject, {"steps"});
         running.push_back(job);
     };
     while (!waiting.empty() || !running.empty()) {
@@ -322,6 +321,7 @@ int parse(int argc, char** argv, Options* options) {
         ->type_name("N")
         ->check(wholeNumber(1, UINT_MAX));
     app.add_flag("--resume", options->resume, "Keep the results that are younger than the build");
+    app.add_flag("--write", options->write, "Write the profiles of members anew, for a review");
     int code = readOptions(&app, argc, argv);
     if (code >= 0)
         return code;
@@ -340,22 +340,28 @@ int parse(int argc, char** argv, Options* options) {
     return -1;
 }
 
-/** --worker GOLDEN MODULE CASE SCRIPT FILE, then "steps FIRST" or "limit STEP MILLISECONDS". */
+/** --worker GOLDEN LISTS MODULE CASE SCRIPT FILE, then "steps" or "limit STEP MILLISECONDS". */
 int work(const Modules& modules, const Words& words) {
     Work work = {};
-    work.module = findModule(modules, words[1]);
+    work.module = findModule(modules, words[2]);
     for (uint32_t i = 0; work.module != nullptr && i < work.module->caseCount; i++) {
-        if (words[2] == work.module->cases[i].name)
+        if (words[3] == work.module->cases[i].name)
             work.testCase = &work.module->cases[i];
     }
-    if (work.testCase == nullptr ||
-        !loadScript(words[0], *work.module, words[2], atoi(words[3].c_str()), &work.script))
+    Subject subject = {work.module, work.testCase, atoi(words[4].c_str()), ""};
+    Profiles profiles;
+    if (work.testCase == nullptr || !loadScript(words[0], subject, &work.script) ||
+        !readProfiles(fs::path(words[1]) / "members" / (words[2] + ".txt"), &profiles))
         return EXIT_USAGE;
-    work.out = words[4];
-    if (words[5] == "steps")
-        workOnSteps(work, static_cast<unsigned>(strtoul(words[6].c_str(), nullptr, 10)));
-    if (words[5] == "limit" && words.size() == 8)
-        workOnLimit(work, words[6], strtoll(words[7].c_str(), nullptr, 10));
+    for (const auto& one : profiles) {
+        if (one.first == subject.name())
+            work.profile = one.second;
+    }
+    work.out = words[5];
+    if (words[6] == "steps")
+        workOnSteps(work);
+    if (words[6] == "limit" && words.size() == 9)
+        workOnLimit(work, words[7], strtoll(words[8].c_str(), nullptr, 10));
     return EXIT_USAGE;
 }
 
@@ -384,8 +390,14 @@ int run(const Modules& modules, int argc, char** argv) {
     std::vector<Result> results;
     for (const Job& job : jobs)
         results.push_back(job.result);
-    bool whole = options.every == 1 && options.modules.empty() && options.pattern == "*";
-    return judge(results, &lists, whole, options.out / "report.txt") ? EXIT_DONE : EXIT_FAILED;
+    Judging judging;
+    judging.lists = &lists;
+    judging.members = options.lists / "members";
+    judging.write = options.write;
+    judging.wholeModules = options.every == 1 && options.pattern == "*";
+    judging.whole = judging.wholeModules && options.modules.empty();
+    judging.report = options.out / "report.txt";
+    return judge(results, judging) ? EXIT_DONE : EXIT_FAILED;
 }
 
 }  // namespace torture

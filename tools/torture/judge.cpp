@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "tools/common/files.h"
+#include "tools/torture/members.h"
 #include "tools/torture/step.h"
 
 namespace fs = std::filesystem;
@@ -35,6 +36,10 @@ struct Count {
     unsigned broken = 0;
     /** Wrong without a fault. */
     unsigned base = 0;
+    unsigned members = 0;
+    unsigned judged = 0;
+    /** Profiles that are not the reviewed ones. */
+    unsigned otherwise = 0;
 };
 
 bool matches(const std::string& pattern, const std::string& text) {
@@ -51,7 +56,10 @@ class CaseJudge {
           count_(count),
           report_(report) {}
 
-    void judge();
+    /** Returns which members the case judges. */
+    Profile judge();
+    /** Compares that with the reviewed profile; null where there is none. */
+    void compare(const Profile* kept, const Profile& now);
 
  private:
     std::ostream& tell(const char* word);
@@ -65,6 +73,7 @@ class CaseJudge {
     Lists* lists_;
     Count* count_;
     std::ostream& report_;
+    ProfileMaker maker_;
 };
 
 std::ostream& CaseJudge::tell(const char* word) {
@@ -138,16 +147,20 @@ void CaseJudge::judgeCleanliness(const std::string& line, const std::string& ste
 
 void CaseJudge::judgeStep(const std::string& line) {
     std::istringstream parts(line);
-    std::string word, index, step;
+    std::string word, step;
     std::getline(parts, word, '\t');
-    std::getline(parts, index, '\t');
     std::getline(parts, step, '\t');
     count_->steps++;
     std::string verdict = field(line, "verdict");
+    bool ofMembers = maker_.take(step, verdict != "SUCCESS");
     if (verdict.empty()) {
         bool endless = line.find("endless") != std::string::npos;
         count_->broken++;
         tell(endless ? "ENDLESS" : "CRASH") << step << "\n";
+        return;
+    }
+    if (ofMembers) {
+        judgeCleanliness(line, step);
         return;
     }
     bool caught = verdict == "FAIL";
@@ -168,13 +181,32 @@ std::string exitOf(const std::string& line) {
                              : "signal " + std::to_string(WTERMSIG(status));
 }
 
-void CaseJudge::judge() {
+void CaseJudge::compare(const Profile* kept, const Profile& now) {
+    if (kept != nullptr && *kept == now)
+        return;
+    count_->otherwise++;
+    if (kept == nullptr)
+        tell("MEMBERS") << "has no reviewed profile\n";
+    auto tellOthers = [&](const Profile& some, const Profile& others, const char* sign) {
+        for (const auto& one : some) {
+            if (std::find(others.begin(), others.end(), one) == others.end())
+                tell("MEMBERS") << sign << " " << one.first << ": " << one.second << "\n";
+        }
+    };
+    if (kept != nullptr)
+        tellOthers(*kept, now, "-");
+    tellOthers(now, kept != nullptr ? *kept : Profile(), "+");
+}
+
+Profile CaseJudge::judge() {
     count_->cases++;
+    bool begun = false;
     for (const std::string& line : readLines(result_.file)) {
         std::istringstream parts(line);
         std::string word, verdict, took, steps, threads, left;
         std::getline(parts, word, '\t');
-        if (word == "base") {
+        if (word == "base" && !begun) {
+            begun = true;
             for (std::string* part : {&verdict, &took, &steps, &threads, &left})
                 std::getline(parts, *part, '\t');
             judgeBase(verdict, static_cast<unsigned>(strtoul(steps.c_str(), nullptr, 10)), left);
@@ -187,47 +219,107 @@ void CaseJudge::judge() {
             judgeBase(exitOf(line), 0, "");
         }
     }
+    count_->members += maker_.members();
+    count_->judged += maker_.judged();
+    return maker_.profile();
+}
+
+/** Judges the results of one module. */
+void judgeModule(const std::vector<Result>& results, const Judging& judging, Count* count,
+                 std::ostream& report) {
+    const std::string module = results[0].subject.module->name;
+    const fs::path path = judging.members / (module + ".txt");
+    Profiles kept;
+    Profiles merged;
+    if (!readProfiles(path, &kept)) {
+        count->otherwise++;
+        report << "MEMBERS " << module << " cannot be read\n";
+        return;
+    }
+    for (const Result& result : results) {
+        const std::string name = result.subject.name();
+        auto known = std::find_if(kept.begin(), kept.end(),
+                                  [&](const auto& one) { return one.first == name; });
+        CaseJudge caseJudge(result, judging.lists, count, report);
+        Profile now = caseJudge.judge();
+        const Profile* reviewed = known == kept.end() ? nullptr : &known->second;
+        if (!now.empty() || reviewed != nullptr)
+            caseJudge.compare(reviewed, now);
+        if (known != kept.end())
+            known->second = now;
+        else
+            kept.push_back({name, now});
+        merged.push_back({name, now});
+    }
+    for (const auto& one : kept) {
+        bool there = std::any_of(merged.begin(), merged.end(),
+                                 [&](const auto& other) { return other.first == one.first; });
+        if (judging.wholeModules && !there) {
+            count->otherwise++;
+            report << "MEMBERS " << one.first << " is no case that was tortured\n";
+        }
+    }
+    if (judging.write && count->otherwise > 0)
+        writeProfiles(path, judging.wholeModules ? merged : kept);
+}
+
+/** Tells the lines of the lists that nothing needed; returns their number. */
+unsigned tellUnused(const Lists& lists, std::ostream& report) {
+    unsigned unused = 0;
+    for (const Exception& one : lists.exceptions) {
+        if (one.used > 0)
+            continue;
+        unused++;
+        report << "UNUSED  exception " << one.casePattern << " " << one.stepPattern << "\n";
+    }
+    for (const Untortured& one : lists.untortured) {
+        if (one.used > 0)
+            continue;
+        unused++;
+        report << "UNUSED  untortured " << one.casePattern << "\n";
+    }
+    return unused;
 }
 
 }  // namespace
 
-bool judge(const std::vector<Result>& results, Lists* lists, bool whole, const fs::path& path) {
-    std::ofstream report(path);
-    std::vector<std::pair<std::string, Count>> modules;
-    for (const Result& result : results) {
-        const char* module = result.subject.module->name;
-        if (modules.empty() || modules.back().first != module)
-            modules.push_back({module, Count()});
-        CaseJudge(result, lists, &modules.back().second, report).judge();
-    }
+bool judge(const std::vector<Result>& results, const Judging& judging) {
+    std::ofstream report(judging.report);
     unsigned wrong = 0;
     unsigned steps = 0;
-    printf("%-16s %5s %6s %7s %7s %8s %6s %7s %6s %5s\n", "Module", "cases", "no run", "steps",
-           "caught", "excepted", "missed", "unclean", "broken", "base");
-    for (const auto& entry : modules) {
-        const Count& c = entry.second;
-        printf("%-16s %5u %6u %7u %7u %8u %6u %7u %6u %5u\n", entry.first.c_str(), c.cases,
-               c.untortured, c.steps, c.caught, c.excepted, c.missed, c.unclean, c.broken, c.base);
+    unsigned otherwise = 0;
+    printf("%-13s %5s %6s %6s %6s %8s %6s %7s %6s %4s %13s %9s\n", "Module", "cases", "no run",
+           "steps", "caught", "excepted", "missed", "unclean", "broken", "base", "members judged",
+           "otherwise");
+    for (size_t first = 0; first < results.size();) {
+        const TcModule* module = results[first].subject.module;
+        size_t end = first;
+        while (end < results.size() && results[end].subject.module == module)
+            end++;
+        Count c;
+        judgeModule({results.begin() + static_cast<ptrdiff_t>(first),
+                     results.begin() + static_cast<ptrdiff_t>(end)},
+                    judging, &c, report);
+        first = end;
+        printf("%-13s %5u %6u %6u %6u %8u %6u %7u %6u %4u %7u/%6u %9u\n", module->name, c.cases,
+               c.untortured, c.steps, c.caught, c.excepted, c.missed, c.unclean, c.broken, c.base,
+               c.judged, c.members, c.otherwise);
         wrong += c.missed + c.unclean + c.broken + c.base;
         steps += c.steps;
+        otherwise += c.otherwise;
     }
-    for (const Exception& one : lists->exceptions) {
-        if (!whole || one.used > 0)
-            continue;
-        wrong++;
-        report << "UNUSED  exception " << one.casePattern << " " << one.stepPattern << "\n";
-    }
-    for (const Untortured& one : lists->untortured) {
-        if (!whole || one.used > 0)
-            continue;
-        wrong++;
-        report << "UNUSED  untortured " << one.casePattern << "\n";
-    }
+    if (judging.whole)
+        wrong += tellUnused(*judging.lists, report);
     if (steps == 0) {
         wrong++;
         report << "EMPTY   no step was taken\n";
     }
-    printf("%s: %s\n", wrong == 0 ? "every fault is caught" : "FAULTS ARE MISSED", path.c_str());
+    if (otherwise > 0 && judging.write)
+        printf("profiles are written anew: %s\n", judging.members.c_str());
+    else
+        wrong += otherwise;
+    printf("%s: %s\n", wrong == 0 ? "every fault is caught" : "FAULTS ARE MISSED",
+           judging.report.c_str());
     return wrong == 0;
 }
 

@@ -132,16 +132,16 @@ bool loadSubjects(const fs::path& golden, const TcModule& module, std::vector<Su
     return true;
 }
 
-bool loadScript(const fs::path& golden, const TcModule& module, const std::string& caseName,
-                int number, Script* script) {
+bool loadScript(const fs::path& golden, const Subject& subject, Script* script) {
     std::map<std::string, std::vector<Script>> scripts;
     std::string error;
-    if (number < 0)
+    if (subject.script < 0)
         return true;
-    if (!loadScripts(fileOf(golden / "operator", module), &scripts, &error) ||
-        static_cast<size_t>(number) >= scripts[caseName].size())
+    size_t number = static_cast<size_t>(subject.script);
+    if (!loadScripts(fileOf(golden / "operator", *subject.module), &scripts, &error) ||
+        number >= scripts[subject.testCase->name].size())
         return false;
-    *script = scripts[caseName][static_cast<size_t>(number)];
+    *script = scripts[subject.testCase->name][number];
     return true;
 }
 

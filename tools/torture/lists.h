@@ -87,9 +87,8 @@ struct Subject {
 bool loadSubjects(const std::filesystem::path& golden, const TcModule& module,
                   std::vector<Subject>* subjects);
 
-/** The script of a subject, empty without one; null when it cannot be read. */
-bool loadScript(const std::filesystem::path& golden, const TcModule& module,
-                const std::string& caseName, int number, Script* script);
+/** The script of a subject, empty without one; false when it cannot be read. */
+bool loadScript(const std::filesystem::path& golden, const Subject& subject, Script* script);
 
 }  // namespace torture
 

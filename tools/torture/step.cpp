@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -26,21 +27,38 @@ struct Candidate {
 }  // namespace
 
 std::string Step::text() const {
-    std::string whose = source.empty() ? "" : "(" + source + ")";
-    return name + whose + "#" + std::to_string(nth) + " " + kind;
+    std::string out = name + (source.empty() ? "" : "(" + source + ")");
+    if (nth > 0)
+        out += "#" + std::to_string(nth);
+    out += " " + kind;
+    for (const std::string& member : members)
+        out += " " + member;
+    return out;
 }
 
 std::string Step::fault(const std::string& caseName, bool blank) const {
-    std::string action = kind;
+    std::string line = name + " case=" + caseName;
+    if (!source.empty())
+        line += " with=" + source;
+    if (nth > 0)
+        line += " call=" + std::to_string(nth);
+    for (const std::string& member : members) {
+        if (kind == "less")
+            line += " add=" + member + ":-1";
+        else
+            line += (kind == "none" ? " zero=" : " " + kind + "=") + member;
+    }
+    if (!members.empty())
+        return line;
     if (kind == "refuse")
-        action = "return=77";
-    else if (kind == "accept")
-        action = "return=0";
-    else if (kind == "garble")
-        action = blank ? "blank" : "scramble";
-    std::string whose = source.empty() ? "" : " with=" + source;
-    std::string which = nth == 0 ? "" : " call=" + std::to_string(nth);
-    return name + " case=" + caseName + whose + which + " " + action;
+        return line + " return=77";
+    if (kind == "accept")
+        return line + " return=0";
+    if (kind == "repeat")
+        return line + " repeat=1";
+    if (kind == "garble")
+        return line + (blank ? " blank" : " scramble");
+    return line + " " + kind;
 }
 
 // Lines read "time thread QLX_Name(...)=code..." and "time thread callback Name(...)".
@@ -58,7 +76,7 @@ std::vector<Step> planOf(const std::string& record) {
             words >> word;
         size_t open = word.find('(');
         std::string name = word.substr(0, open);
-        Candidate one = {{name, "", 0, ""}, ++totals[name]};
+        Candidate one = {{name, "", 0, "", {}}, ++totals[name]};
         auto add = [&](const char* kind) {
             one.step.kind = kind;
             all.push_back(one);
@@ -85,6 +103,30 @@ std::vector<Step> planOf(const std::string& record) {
             plan.push_back(one.step);
     }
     return plan;
+}
+
+std::vector<HandedOut> handedOutOf(const std::string& text) {
+    std::vector<HandedOut> all;
+    std::istringstream lines(text);
+    for (std::string name, member, kind, content; lines >> name >> member >> kind >> content;) {
+        auto known = std::find_if(all.begin(), all.end(),
+                                  [&](const HandedOut& one) { return one.name == name; });
+        if (known == all.end())
+            known = all.insert(all.end(), {name, {}, {}, {}});
+        (kind == "mark" ? known->marks : known->values).push_back(member);
+        if (kind == "value" && content == "set")
+            known->notZero.push_back(member);
+    }
+    return all;
+}
+
+std::vector<std::string> callbacksOf(const std::string& record) {
+    std::vector<std::string> names;
+    for (const Step& step : planOf(record)) {
+        if (step.kind == "drop" && std::find(names.begin(), names.end(), step.name) == names.end())
+            names.push_back(step.name);
+    }
+    return names;
 }
 
 bool isUndo(const std::string& function) {

@@ -14,6 +14,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,14 @@
 #include "tools/torture/step.h"
 
 namespace fs = std::filesystem;
+
+/** In the place of the C library's, which takes a lock for each number: some cases fill megabytes
+ * in each of their runs. */
+extern "C" long random() noexcept {
+    static uint64_t state = 1;
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<long>(state >> 33);
+}
 
 namespace torture {
 
@@ -237,15 +246,51 @@ void startWork(const Work& work) {
     pthread_create(&watcher, nullptr, watch, nullptr);
 }
 
-/** Runs a step and writes what came of it. What is garbled is first inverted, and blank if nobody
- *  notices. */
-void takeStep(const Work& work, const Step& step, int64_t bound) {
+/** Takes the steps of one case. What its file says already of a step is not run again: the worker
+ *  before this one got so far. */
+class Torturer {
+ public:
+    Torturer(const Work& work, int64_t boundMs) : work_(work), boundMs_(boundMs) {
+        std::ifstream file(work.out);
+        for (std::string line; std::getline(file, line);) {
+            size_t end = line.find('\t', 5);
+            if (line.compare(0, 5, "step\t") == 0 && end != std::string::npos)
+                known_[line.substr(5, end - 5)] =
+                    line.find("\tverdict=SUCCESS\t") == std::string::npos;
+        }
+    }
+
+    /** Runs a step and writes what came of it, unless it is known. What is garbled is first
+     *  inverted, and blank if nobody notices. Returns whether the case noticed. */
+    bool take(const Step& step);
+
+    /** Does it to these members of all calls: to several at once, and to those of each half if the
+     *  case notices. Returns those that it notices.
+     *  @param atOnce  more, and what one of them does could hide what another one does */
+    std::vector<std::string> probe(const std::string& name, const char* kind,
+                                   const std::vector<std::string>& members, size_t atOnce);
+
+    void takeMembers(const HandedOut& what);
+
+ private:
+    const Work& work_;
+    int64_t boundMs_;
+    /** Steps, and whether the case noticed. */
+    std::map<std::string, bool> known_;
+};
+
+bool Torturer::take(const Step& step) {
+    auto known = known_.find(step.text());
+    if (known != known_.end())
+        return known->second;
+    fprintf(g_out, "step\t%s\t", step.text().c_str());
+    fflush(g_out);
     Outcome run = {};
     bool leaking = false;
     for (bool blank : {false, true}) {
-        std::string fault = step.fault(work.testCase->name, blank);
-        run = runOnce(work, fault, bound);
-        leaking = run.heap > 0 && leaks(work, fault, bound);
+        std::string fault = step.fault(work_.testCase->name, blank);
+        run = runOnce(work_, fault, boundMs_);
+        leaking = run.heap > 0 && leaks(work_, fault, boundMs_);
         bool unclean = leaking || run.threads > 0 || !run.left.empty();
         if (step.kind != "garble" || run.verdict != TC_SUCCESS || unclean)
             break;
@@ -253,6 +298,49 @@ void takeStep(const Work& work, const Step& step, int64_t bound) {
     fprintf(g_out, "verdict=%s\tthreads=%u\theap=%s\tleft=%s\n", wordOf(run.verdict), run.threads,
             leaking ? "grows" : "steady", oneLine(run.left).c_str());
     fflush(g_out);
+    return run.verdict != TC_SUCCESS;
+}
+
+std::vector<std::string> Torturer::probe(const std::string& name, const char* kind,
+                                         const std::vector<std::string>& members, size_t atOnce) {
+    bool few = members.size() <= atOnce;
+    if (members.empty() || (few && !take({name, "", 0, kind, members})))
+        return {};
+    if (members.size() == 1)
+        return members;
+    auto middle = members.begin() + static_cast<ptrdiff_t>(members.size() / 2);
+    std::vector<std::string> noticed = probe(name, kind, {members.begin(), middle}, atOnce);
+    std::vector<std::string> second = probe(name, kind, {middle, members.end()}, atOnce);
+    noticed.insert(noticed.end(), second.begin(), second.end());
+    return noticed;
+}
+
+void Torturer::takeMembers(const HandedOut& what) {
+    const std::vector<std::string> likely = judgedMembers(work_.profile, what.name);
+    auto isIn = [](const std::vector<std::string>& list, const std::string& one) {
+        return std::find(list.begin(), list.end(), one) != list.end();
+    };
+    std::vector<std::string> noticed;
+    // Those that were judged so far are changed one by one. What the others do hides nothing then.
+    auto change = [&](const char* kind, const std::vector<std::string>& members) {
+        std::vector<std::string> others;
+        for (const std::string& member : members) {
+            if (isIn(noticed, member))
+                continue;
+            if (!isIn(likely, member))
+                others.push_back(member);
+            else if (take({what.name, "", 0, kind, {member}}))
+                noticed.push_back(member);
+        }
+        std::vector<std::string> more = probe(what.name, kind, others, likely.empty() ? 8 : 32);
+        noticed.insert(noticed.end(), more.begin(), more.end());
+    };
+    change("flip", what.values);
+    change("zero", what.notZero);
+    for (const std::string& mark : what.marks) {
+        take({what.name, "", 0, "none", {mark}});
+        take({what.name, "", 0, "less", {mark}});
+    }
 }
 
 /** The last delay of a step, in milliseconds, with which the case still succeeds; -1 when it never
@@ -272,23 +360,26 @@ int64_t lastGoodDelay(Verdict verdictAt) {
 
 }  // namespace
 
-void workOnSteps(const Work& work, unsigned firstStep) {
+void workOnSteps(const Work& work) {
     startWork(work);
     // The first run lets the device make its threads; the second is what the plan is made of.
     Outcome base = runOnce(work, "", firstBoundMs);
     base = runOnce(work, "", firstBoundMs);
-    std::vector<Step> plan = planOf(deviceText(qlx_sim_recorded));
-    if (firstStep == 0) {
-        fprintf(g_out, "base\t%s\t%lld\t%zu\t%u\t%s\n", wordOf(base.verdict),
-                static_cast<long long>(base.tookMs), plan.size(), base.threads,
-                oneLine(base.left).c_str());
-        fflush(g_out);
-    }
-    int64_t bound = 2 * base.tookMs + 900 * 1000;
-    for (unsigned i = firstStep; base.verdict == TC_SUCCESS && i < plan.size(); i++) {
-        fprintf(g_out, "step\t%u\t%s\t", i, plan[i].text().c_str());
-        fflush(g_out);
-        takeStep(work, plan[i], bound);
+    std::string record = deviceText(qlx_sim_recorded);
+    std::vector<HandedOut> handedOut = handedOutOf(deviceText(qlx_sim_handed_out));
+    std::vector<Step> plan = planOf(record);
+    Torturer torturer(work, 2 * base.tookMs + 900 * 1000);
+    fprintf(g_out, "base\t%s\t%lld\t%zu\t%u\t%s\n", wordOf(base.verdict),
+            static_cast<long long>(base.tookMs), plan.size(), base.threads,
+            oneLine(base.left).c_str());
+    fflush(g_out);
+    if (base.verdict == TC_SUCCESS) {
+        for (const Step& step : plan)
+            torturer.take(step);
+        for (const std::string& callback : callbacksOf(record))
+            torturer.take({callback, "", 0, "repeat", {}});
+        for (const HandedOut& what : handedOut)
+            torturer.takeMembers(what);
     }
     fprintf(g_out, "done\n");
     fclose(g_out);

@@ -4,7 +4,7 @@
  * others:
  *
  *     base    verdict, milliseconds, steps, threads left, what is left open
- *     step    number, step, then verdict= threads= heap= left=, or "endless"
+ *     step    step, then verdict= threads= heap= left=, or "endless"
  *     done
  */
 #ifndef TOOLS_TORTURE_WORKER_H
@@ -16,6 +16,7 @@
 
 #include "tools/golden/script.h"
 #include "tools/torture/lists.h"
+#include "tools/torture/members.h"
 
 namespace torture {
 
@@ -24,12 +25,14 @@ struct Work {
     const TcModule* module;
     const TcCase* testCase;
     Script script;
-    /** The file that gets the results. */
+    /** What the case is known to judge: where to look first. */
+    Profile profile;
+    /** The file that has results, and gets more. */
     std::string out;
 };
 
-/** Tortures the case from this step on. Ends the process. */
-[[noreturn]] void workOnSteps(const Work& work, unsigned firstStep);
+/** Tortures the case with the steps that its file says nothing of. Ends the process. */
+[[noreturn]] void workOnSteps(const Work& work);
 
 /** Delays a step, "QLX_GPIOGetValue#1", by the last delay that is good, and by one millisecond
  * more; where the verdict turns elsewhere, that place is looked for. Writes both verdicts and the
