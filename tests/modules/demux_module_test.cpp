@@ -12,6 +12,7 @@
 #include "environment/test_env.h"
 #include "framework/case/check.h"
 #include "framework/case/wait.h"
+#include "platform/qlx_ci.h"
 #include "platform/qlx_tuner.h"
 #include "program/startup.h"
 #include "testcase/demux/demux_config.h"
@@ -31,13 +32,15 @@ using demux_test::StreamMaker;
 const uint16_t PAT_PID = 0;
 const uint16_t SDT_PID = 17;
 const uint16_t DAMAGED_PID = 0x30;
+/** The base PID of PSIP. */
+const uint16_t PSIP_PID = 0x1ffb;
 const uint16_t CLOCK_PID = 0x100;
 const uint32_t PACKET_TICKS = 13500;
 const uint32_t PASS = TC_SUCCESS;
 const uint32_t FAIL = TC_FAILURE;
 
 /** A bench whose DVB-C main channel plays a loop of 100 ms: two PAT, an SDT in two sections of
- *  versions 3 and 4, and a section with a damaged CRC. */
+ *  versions 3 and 4, an MGT, and a section with a damaged CRC. */
 class DemuxModule : public ModuleBench {
  protected:
     void SetUp() override {
@@ -65,7 +68,8 @@ class DemuxModule : public ModuleBench {
             maker.section(PAT_PID, pat_);
             maker.section(SDT_PID, makeSection(0x42, 7, static_cast<uint8_t>(3 + i), 120));
             maker.section(DAMAGED_PID, damaged);
-            maker.nulls(95 - static_cast<int>(i));
+            maker.section(PSIP_PID, makeSection(0xc7, 3, 0, 17));
+            maker.nulls(94 - static_cast<int>(i));
         }
         maker.clock(CLOCK_PID, uint64_t{maker.count} * PACKET_TICKS);
         folder_.write("air.ts", std::string(maker.bytes.begin(), maker.bytes.end()));
@@ -509,6 +513,50 @@ TEST_F(DemuxModule, EachJudgementCatchesItsFault) {
     for (const VerdictRow& row : verdictRows) {
         EXPECT_EQ(runCase(row.name, row.fault), row.result) << row.name << " " << row.fault;
         EXPECT_EQ(deviceState(), "Tuner initialised\n") << row.name << " " << row.fault;
+    }
+}
+
+TEST_F(DemuxModule, OneSectionInFifteenSecondsIsTooFew) {
+    const std::string name = "TC_DEMUX_SectionAtscc_033";
+    snprintf(g_tcDemuxConfig.stAtsccTs.tsFilePath[0], DEMUX_TS_PATH_SIZE, "%s", path().c_str());
+    event("air ATSC-C/" + std::to_string(zk_testConfig.atscC[0].uFrequency) + " STREAM=" + path());
+    EXPECT_EQ(runCaseUnder(DemuxModuleAtsc, name, "SectionFilter call=3+ drop"), PASS);
+    EXPECT_EQ(runCaseUnder(DemuxModuleAtsc, name, "SectionFilter call=2+ drop"), FAIL);
+}
+
+TEST_F(DemuxModule, AnEventBeforeTheStartFails) {
+    // The device starts the case's filter by itself, while the case waits for silence.
+    pthread_t device;
+    auto start = [](void* filter) -> void* {
+        sleep(1);
+        return QLX_SectionFilterStart(*static_cast<uint32_t*>(filter)) == 0 ? filter : nullptr;
+    };
+    uint32_t filter = 1;
+    void* started = nullptr;
+    ASSERT_EQ(pthread_create(&device, nullptr, start, &filter), 0);
+    EXPECT_EQ(runCase("TC_DEMUX_SectionDvbc_003"), FAIL);
+    pthread_join(device, &started);
+    EXPECT_EQ(started, &filter);
+}
+
+TEST_F(DemuxModule, EachWayThroughTheSlotIsAskedForByItsMode) {
+    const struct {
+        const char* name;
+        const char* mode;
+    } rows[] = {
+        {"TC_DEMUX_SectionDvbc_1000", "{eMode=1 "},
+        // Members that are 0 are not shown.
+        {"TC_DEMUX_SectionDvbc_1001", "{stSource="},
+    };
+    static_assert(QLX_CI_TS_MODE_BYPASS == 0 && QLX_CI_TS_MODE_PASS_THROUGH == 1, "as shown");
+    for (const auto& row : rows) {
+        qlx_sim_record(1);
+        EXPECT_EQ(runCase(row.name), PASS);
+        qlx_sim_record(0);
+        std::string calls = recordedCalls();
+        size_t call = calls.find("QLX_CISetTsConfig(slot=0 config=");
+        ASSERT_NE(call, std::string::npos) << calls;
+        EXPECT_EQ(calls.find(row.mode, call), calls.find('{', call)) << calls.substr(call, 100);
     }
 }
 

@@ -43,7 +43,8 @@ struct Count {
 };
 
 bool matches(const std::string& pattern, const std::string& text) {
-    return fnmatch(pattern.c_str(), text.c_str(), 0) == 0;
+    // As a shell's, with "!(this|that)".
+    return fnmatch(pattern.c_str(), text.c_str(), FNM_EXTMATCH) == 0;
 }
 
 /** Results of one subject, and where what is wrong with them goes. */
@@ -63,7 +64,10 @@ class CaseJudge {
 
  private:
     std::ostream& tell(const char* word);
-    bool excepted(const char* what, std::string step);
+    template <typename Each>
+    void eachException(const char* what, std::string step, Each each);
+    bool excepted(const char* what, const std::string& step);
+    void needsNone(const char* what, const std::string& step);
     void judgeBase(const std::string& verdict, unsigned steps, const std::string& left);
     void judgeStep(const std::string& line);
     void judgeCleanliness(const std::string& line, const std::string& step);
@@ -82,17 +86,34 @@ std::ostream& CaseJudge::tell(const char* word) {
     return report_ << padded << name_ << " ";
 }
 
-bool CaseJudge::excepted(const char* what, std::string step) {
+/** Calls `each` for the exceptions that name this step. */
+template <typename Each>
+void CaseJudge::eachException(const char* what, std::string step, Each each) {
     std::replace(step.begin(), step.end(), ' ', '_');
     for (Exception& one : lists_->exceptions) {
         if ((one.what == what || one.what == "both") &&
             one.module == result_.subject.module->name && matches(one.casePattern, name_) &&
-            matches(one.stepPattern, step)) {
-            one.used++;
-            return true;
-        }
+            matches(one.stepPattern, step))
+            each(one);
     }
-    return false;
+}
+
+/** Whether a step that is not as it should be is excused. */
+bool CaseJudge::excepted(const char* what, const std::string& step) {
+    bool found = false;
+    eachException(what, step, [&](Exception& one) {
+        one.used += !found;
+        found = true;
+    });
+    return found;
+}
+
+/** Notes the exceptions that would have excused what is as it should be. */
+void CaseJudge::needsNone(const char* what, const std::string& step) {
+    eachException(what, step, [&](Exception& one) {
+        one.needless++;
+        one.needlessStep = name_ + " " + step;
+    });
 }
 
 /** Demands the reviewed verdict, and something to torture, or the reason why there is nothing. */
@@ -138,6 +159,8 @@ void CaseJudge::judgeCleanliness(const std::string& line, const std::string& ste
         isUndo(step.substr(0, step.find('#'))) && step.find("refuse") != std::string::npos;
     std::string left = refusedUndo ? "" : field(line, "left");
     bool unclean = !left.empty() || field(line, "threads") != "0" || field(line, "heap") == "grows";
+    if (!unclean)
+        needsNone("unclean", step);
     if (!unclean || excepted("unclean", step))
         return;
     count_->unclean++;
@@ -165,6 +188,8 @@ void CaseJudge::judgeStep(const std::string& line) {
     }
     bool caught = verdict == "FAIL";
     bool forgiven = !caught && excepted("missed", step);
+    if (caught)
+        needsNone("missed", step);
     count_->caught += caught;
     count_->excepted += forgiven;
     if (!caught && !forgiven) {
@@ -263,6 +288,19 @@ void judgeModule(const std::vector<Result>& results, const Judging& judging, Cou
         writeProfiles(path, judging.wholeModules ? merged : kept);
 }
 
+/** Tells the exceptions that excuse more than what needs it; returns their number. */
+unsigned tellWide(const Lists& lists, std::ostream& report) {
+    unsigned wide = 0;
+    for (const Exception& one : lists.exceptions) {
+        if (one.needless == 0)
+            continue;
+        wide++;
+        report << "WIDE    exception " << one.casePattern << " " << one.stepPattern << " names "
+               << one.needless << " steps that need none, as " << one.needlessStep << "\n";
+    }
+    return wide;
+}
+
 /** Tells the lines of the lists that nothing needed; returns their number. */
 unsigned tellUnused(const Lists& lists, std::ostream& report) {
     unsigned unused = 0;
@@ -308,6 +346,7 @@ bool judge(const std::vector<Result>& results, const Judging& judging) {
         steps += c.steps;
         otherwise += c.otherwise;
     }
+    wrong += tellWide(*judging.lists, report);
     if (judging.whole)
         wrong += tellUnused(*judging.lists, report);
     if (steps == 0) {

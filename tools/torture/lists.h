@@ -34,6 +34,9 @@ struct Exception {
     std::string stepPattern;
     std::string reason;
     unsigned used = 0;
+    /** Cases and steps that it names too, and that need no excuse: how many, and one of them. */
+    unsigned needless = 0;
+    std::string needlessStep;
 };
 
 /** A line of `untortured`: pattern of cases, why nothing is tortured. */
