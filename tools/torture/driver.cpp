@@ -8,8 +8,8 @@
 // time. What the rules of a case ignore on purpose stands in the list of exceptions, each with its
 // reason.
 //
-// One worker process tortures one case, in virtual time (worker.h). A torture that was interrupted
-// goes on where it stopped. docs/torture.md explains the report.
+// One worker process tortures one case, in virtual time (worker.h). Its results stand until what
+// they depend on changes (keys.h). docs/torture.md explains the report.
 #include <fnmatch.h>
 #include <limits.h>
 #include <stdio.h>
@@ -30,6 +30,7 @@
 #include "tools/common/options.h"
 #include "tools/common/process.h"
 #include "tools/torture/judge.h"
+#include "tools/torture/keys.h"
 #include "tools/torture/torture.h"
 #include "tools/torture/worker.h"
 
@@ -55,6 +56,10 @@ struct Options {
 
 struct Job {
     Result result;
+    /** Of what its results depend on. */
+    std::string key;
+    /** When the code of its module was made. */
+    fs::file_time_type madeAt;
     pid_t pid = 0;
 };
 
@@ -98,24 +103,6 @@ void removeDevice(const fs::path& file) {
     fs::remove_all(file.string() + ".device", ignored);
 }
 
-/** When the youngest file was written that a case's results depend on. */
-fs::file_time_type youngestInput(const Options& options) {
-    fs::path program = programFile();
-    std::vector<fs::path> inputs = {program, program.parent_path() / "libQlx.so"};
-    std::error_code missing;
-    for (const fs::path& folder : {options.dir / "config", options.golden / "operator"}) {
-        for (const auto& entry : fs::recursive_directory_iterator(folder, missing))
-            inputs.push_back(entry.path());
-    }
-    fs::file_time_type youngest = fs::file_time_type::min();
-    for (const fs::path& input : inputs) {
-        fs::file_time_type time = fs::last_write_time(input, missing);
-        if (!missing)
-            youngest = std::max(youngest, time);
-    }
-    return youngest;
-}
-
 /** After a worker's end: true when the case is through; else another one takes the steps behind the
  *  one that ended it. */
 bool settle(Job* job, int status) {
@@ -135,7 +122,11 @@ bool settle(Job* job, int status) {
 }
 
 bool planJobs(const Options& options, const Modules& modules, std::vector<Job>* jobs) {
-    for (const TcModule* module : modules) {
+    Keys keys;
+    if (!keys.read(options.dir))
+        return false;
+    for (const Module& one : modules) {
+        const TcModule* module = one.record;
         if (!options.modules.empty() && std::find(options.modules.begin(), options.modules.end(),
                                                   module->name) == options.modules.end())
             continue;
@@ -149,7 +140,13 @@ bool planJobs(const Options& options, const Modules& modules, std::vector<Job>* 
                 number++ % options.every != 0)
                 continue;
             fs::path file = options.out / module->name / (subject.name() + ".txt");
-            jobs->push_back({{subject, file}, 0});
+            Script script;
+            if (!loadScript(options.golden, subject, &script))
+                return false;
+            jobs->push_back({{subject, file},
+                             keys.keyOf(one.symbol, subject, script),
+                             keys.madeAt(one.symbol),
+                             0});
         }
     }
     return true;
@@ -168,18 +165,23 @@ void runJobs(const Options& options, std::vector<Job>* jobs) {
     std::vector<Job*> running;
     size_t total = jobs->size();
     size_t finished = 0;
-    const fs::file_time_type youngest = youngestInput(options);
     for (Job& job : *jobs) {
         const fs::path& file = job.result.file;
         fs::create_directories(file.parent_path());
-        if (options.resume && isDone(file) && fs::last_write_time(file) > youngest) {
+        const std::string key = "key\t" + job.key;
+        if (options.resume && isDone(file) && readLines(file)[0] == key) {
             finished++;
             continue;
         }
-        fs::remove(file);
+        std::ofstream(file) << key << "\n";
         waiting.push_back(&job);
     }
+    // What has changed last comes first; the last of the list is taken next.
+    std::stable_sort(waiting.begin(), waiting.end(),
+                     [](const Job* a, const Job* b) { return a->madeAt > b->madeAt; });
     std::reverse(waiting.begin(), waiting.end());
+    if (finished > 0)
+        printf("%zu of %zu cases are as they were\n", finished, total);
     auto start = [&](Job* job) {
         job->pid = startWorker(options, job->result.file, job->result.subject, {"steps"});
         running.push_back(job);
@@ -320,7 +322,8 @@ int parse(int argc, char** argv, Options* options) {
     app.add_option("--jobs", options->jobs, "Workers at a time (as many as processors)")
         ->type_name("N")
         ->check(wholeNumber(1, UINT_MAX));
-    app.add_flag("--resume", options->resume, "Keep the results that are younger than the build");
+    app.add_flag("--resume", options->resume,
+                 "Keep the results whose code, configuration and scripts are the same");
     app.add_flag("--write", options->write, "Write the profiles of members anew, for a review");
     int code = readOptions(&app, argc, argv);
     if (code >= 0)

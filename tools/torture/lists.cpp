@@ -15,9 +15,9 @@ namespace fs = std::filesystem;
 namespace torture {
 
 const TcModule* findModule(const Modules& modules, const std::string& name) {
-    for (const TcModule* module : modules) {
-        if (name == module->name)
-            return module;
+    for (const Module& module : modules) {
+        if (name == module.record->name)
+            return module.record;
     }
     return nullptr;
 }
@@ -53,7 +53,8 @@ bool readReason(std::istringstream& words, std::string* reason) {
 }  // namespace
 
 bool loadLists(const fs::path& folder, const Modules& modules, Lists* lists) {
-    for (const TcModule* module : modules) {
+    for (const Module& some : modules) {
+        const TcModule* module = some.record;
         const std::string name = module->name;
         bool good = readList(
             folder / "exceptions", *module, [&](std::istringstream& words, const std::string&) {

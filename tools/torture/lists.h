@@ -19,9 +19,16 @@
 
 namespace torture {
 
-/** The modules that take part, in their order. */
-using Modules = std::vector<const TcModule*>;
+/** A module that takes part, and the symbol of its record. */
+struct Module {
+    const TcModule* record;
+    std::string symbol;
+};
 
+/** Those that take part, in their order. */
+using Modules = std::vector<Module>;
+
+/** Null when there is none of that name. */
 const TcModule* findModule(const Modules& modules, const std::string& name);
 
 /** A line of `exceptions`: what it excuses, pattern of cases, pattern of steps ('_' for the blank),

@@ -1,7 +1,10 @@
 #include "testcase/modules.h"
 #include "tools/torture/torture.h"
 
+// clang-format off
+#define ENTRY(record, ...) {&record, #record},
+// clang-format on
+
 int main(int argc, char** argv) {
-    torture::Modules modules(testModules, testModules + TEST_MODULE_COUNT);
-    return torture::run(modules, argc, argv);
+    return torture::run({TC_MODULE_LIST(ENTRY, ENTRY)}, argc, argv);
 }

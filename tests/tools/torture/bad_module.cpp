@@ -26,10 +26,28 @@ uint32_t TC_BAD_None() {
     return TC_RESULT(tc);
 }
 
-uint32_t TC_BAD_ResultNotJudged() {
-    CaseContext tc = {__func__};
+uint32_t notJudged(const char* name) {
+    CaseContext tc = {name};
     TC_ASSERT_RET(QLX_GPIOInit());
     QLX_GPIOSetValue(pin, 1);
+    TC_EXPECT_RET(QLX_GPIODeInit());
+    return TC_RESULT(tc);
+}
+
+uint32_t TC_BAD_ResultNotJudged() {
+    return notJudged(__func__);
+}
+
+uint32_t TC_BAD_ExcusedTooWidely() {
+    return notJudged(__func__);
+}
+
+/** Once it compared the level. */
+uint32_t TC_BAD_MemberNotJudged() {
+    CaseContext tc = {__func__};
+    int32_t level = 0;
+    TC_ASSERT_RET(QLX_GPIOInit());
+    TC_EXPECT_RET(QLX_GPIOGetValue(pin, &level));
     TC_EXPECT_RET(QLX_GPIODeInit());
     return TC_RESULT(tc);
 }
@@ -121,6 +139,8 @@ uint32_t TC_BAD_Limit() {
 const TcCase badCases[] = {
     TC_CASE(TC_BAD_None, AUTO, "nothing is wrong"),
     TC_CASE(TC_BAD_ResultNotJudged, AUTO, "a result that is not judged"),
+    TC_CASE(TC_BAD_ExcusedTooWidely, AUTO, "the same, with an exception that names too much"),
+    TC_CASE(TC_BAD_MemberNotJudged, AUTO, "a value that is not judged any more"),
     TC_CASE(TC_BAD_LeftOpen, AUTO, "a service that stays open"),
     TC_CASE(TC_BAD_LeftThread, AUTO, "a thread that stays"),
     TC_CASE(TC_BAD_LeftMemory, AUTO, "memory that is lost"),
@@ -142,5 +162,5 @@ const TcModule badModule = {nullptr,  nullptr,
 }  // namespace
 
 int main(int argc, char** argv) {
-    return torture::run({&badModule}, argc, argv);
+    return torture::run({{&badModule, "badModule"}}, argc, argv);
 }
