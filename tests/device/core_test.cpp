@@ -149,6 +149,42 @@ TEST_F(SimCore, FaultsAlterSingleMembers) {
     EXPECT_EQ(altered.NumberOfTuners, 0u);
     EXPECT_EQ(altered.NumberOfScarts, untouched.NumberOfScarts ^ 0x55555555u);
     EXPECT_EQ(altered.NumberOfHdmiSources, untouched.NumberOfHdmiSources);
+    qlx_sim_clear_faults();
+    EXPECT_EQ(qlx_sim_add_fault("QLX_SysGetCapability add=NumberOfTuners:-1 add=NumberOfScarts:2"),
+              0);
+    EXPECT_EQ(QLX_SysGetCapability(&altered), 0);
+    EXPECT_EQ(altered.NumberOfTuners, untouched.NumberOfTuners - 1);
+    EXPECT_EQ(altered.NumberOfScarts, untouched.NumberOfScarts + 2);
+}
+
+TEST_F(SimCore, WhatWasHandedOutIsListedMemberByMember) {
+    int32_t level = 0;
+    uint32_t handle = 0;
+    QLX_GPIOInit();
+    QLX_DemuxInit();
+    QLX_DemuxOpen(0);
+    qlx_sim_record(1);
+    QLX_GPIOGetValue(3, &level);
+    QLX_DemuxCreateSectionFilter(0, &handle);
+    QLX_GPIOSetValue(3, 1);
+    QLX_GPIOGetValue(3, &level);
+    QLX_GPIOSetValue(3, 0);
+    qlx_sim_record(0);
+    QLX_DemuxCreatePesFilter(0, &handle);
+    std::string lines(1000, '\0');
+    lines.resize(qlx_sim_handed_out(&lines[0], lines.size()));
+    // Once not zero is enough.
+    EXPECT_EQ(lines,
+              "QLX_GPIOGetValue level value set\n"
+              "QLX_DemuxCreateSectionFilter handle mark set\n");
+    QLX_SysCapability capability = {};
+    qlx_sim_record(1);
+    QLX_SysGetCapability(&capability);
+    qlx_sim_record(0);
+    lines.resize(2000);
+    lines.resize(qlx_sim_handed_out(&lines[0], lines.size()));
+    EXPECT_NE(lines.find("QLX_SysGetCapability NumberOfTuners value set\n"), std::string::npos);
+    EXPECT_EQ(lines.find("QLX_GPIO"), std::string::npos) << "a new record begins empty";
 }
 
 TEST_F(SimCore, HandlesAndLengthsAreAlteredByTheirNameAlone) {
@@ -175,6 +211,7 @@ TEST_F(SimCore, AMemberThatACallDoesNotHandOutIsToldOf) {
     } rows[] = {
         {"QLX_GPIOGetValue flip=levels", "QLX_GPIOGetValue hands out no 'levels'"},
         {"QLX_GPIOGetValue zero=level[0]", "no 'level[0]'"},
+        {"QLX_GPIOGetValue add=level:one", "'level' that QLX_GPIOGetValue hands out"},
         {"QLX_GPIOGetValue set=level:seven", "'level' that QLX_GPIOGetValue hands out"},
         {"QLX_GPIOGetValue set=level:0x80000000", "cannot be made so"},
         {"QLX_GPIOSetValue zero=level", "QLX_GPIOSetValue hands out no 'level'"},
@@ -221,9 +258,9 @@ TEST_F(SimCore, LinesThatAreNoFaultsAreRefused) {
     for (const char* line :
          {"QLX_GPIOInit", "QLX_GPIOInit return=", "QLX_GPIOInit return=x",
           "QLX_GPIOInit call=0 return=1", "QLX_GPIOInit explode", "QLX_GPIOInit hang=1",
-          "QLX_GPIOInit flip=", "QLX_GPIOInit zero", "QLX_GPIOInit set=level",
-          "QLX_GPIOInit set=:1", "QLX_GPIOInit corrupt=1:fff", "QLX_GPIOInit delay=-1",
-          "QLX_GPIOInit case= return=1"})
+          "QLX_GPIOInit flip=", "QLX_GPIOInit zero", "QLX_GPIOInit add=level",
+          "QLX_GPIOInit add=:1", "QLX_GPIOInit set=level", "QLX_GPIOInit set=:1",
+          "QLX_GPIOInit corrupt=1:fff", "QLX_GPIOInit delay=-1", "QLX_GPIOInit case= return=1"})
         EXPECT_EQ(qlx_sim_add_fault(line), -1) << line;
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(QLX_GPIOInit(), 0);
