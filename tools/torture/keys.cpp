@@ -41,7 +41,7 @@ bool Keys::read(const fs::path& bench) {
                         path.c_str(), programFile().c_str());
                 return false;
             }
-            objects_.push_back({path, contentKey(readText(path)), {}});
+            objects_.push_back({path, "", {}});
         }
     }
     if (!readSymbols()) {
@@ -59,7 +59,7 @@ bool Keys::read(const fs::path& bench) {
     // The worker leads to all of the device, which it only puts to rest.
     for (const Object& object : objects_) {
         if (object.path.string().find("torture_core") != std::string::npos)
-            all += object.key;
+            all += contentKey(readText(object.path));
     }
     common_ = contentKey(all);
     return true;
@@ -68,7 +68,7 @@ bool Keys::read(const fs::path& bench) {
 bool Keys::readSymbols() {
     if (objects_.empty())
         return false;
-    std::string command = "nm -A -P --";
+    std::string command = "nm -g -A -P --";
     std::map<std::string, size_t> numbers;
     for (size_t i = 0; i < objects_.size(); i++) {
         command += " '" + objects_[i].path.string() + "'";
@@ -101,6 +101,13 @@ bool Keys::readSymbols() {
     return true;
 }
 
+const std::string& Keys::objectKey(size_t number) {
+    Object& object = objects_[number];
+    if (object.key.empty())
+        object.key = contentKey(readText(object.path));
+    return object.key;
+}
+
 const std::string& Keys::moduleKey(const std::string& record) {
     std::string& key = moduleKeys_[record];
     if (!key.empty())
@@ -112,10 +119,13 @@ const std::string& Keys::moduleKey(const std::string& record) {
         if (definer != definers_.end() && reached.insert(definer->second).second)
             open.push_back(definer->second);
     };
+    std::string all;
     reach(record);
-    // Of a module that is not in the list, as those of tests, all counts.
-    for (size_t i = 0; open.empty() && i < objects_.size(); i++)
-        reached.insert(i);
+    if (open.empty()) {
+        // Of a module that is not in the list, as those of tests, all counts.
+        all = readText(programFile()) + readText(programFile().parent_path() / "libQlx.so");
+        return key = contentKey(all);
+    }
     // The configuration is loaded for each, before the case.
     reach("_Z18zk_loadEnvironmentv");
     while (!open.empty()) {
@@ -124,13 +134,9 @@ const std::string& Keys::moduleKey(const std::string& record) {
         for (const std::string& symbol : objects_[next].needs)
             reach(symbol);
     }
-    std::string all;
     for (size_t i : reached)
-        all += objects_[i].key;
-    if (reached.size() == objects_.size())
-        all += contentKey(readText(programFile()));
-    key = contentKey(all);
-    return key;
+        all += objectKey(i);
+    return key = contentKey(all);
 }
 
 std::string Keys::keyOf(const std::string& record, const Subject& subject, const Script& script) {

@@ -37,11 +37,12 @@ class Keys {
  private:
     struct Object {
         std::filesystem::path path;
-        /** Of its content. */
+        /** Of its content, once somebody asked. */
         std::string key;
         std::vector<std::string> needs;
     };
     bool readSymbols();
+    const std::string& objectKey(size_t number);
     const std::string& moduleKey(const std::string& record);
 
     std::vector<Object> objects_;

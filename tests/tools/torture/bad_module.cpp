@@ -1,6 +1,7 @@
 // A module of cases that are wrong on purpose, one for each word of the torture's report. It is
 // linked into a test build of the torture run alone.
 #include <pthread.h>
+#include <semaphore.h>
 #include <stdlib.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -60,13 +61,18 @@ uint32_t TC_BAD_LeftOpen() {
     return TC_RESULT(tc);
 }
 
+void* waitForNothing(void*) {
+    static sem_t never;
+    while (sem_wait(&never) != 0)
+        continue;
+    return nullptr;
+}
+
 uint32_t TC_BAD_LeftThread() {
     CaseContext tc = {__func__};
     pthread_t thread;
     if (!TC_EXPECT_RET(QLX_GPIOInit())) {
-        pthread_create(
-            &thread, nullptr, [](void*) -> void* { return reinterpret_cast<void*>(pause()); },
-            nullptr);
+        pthread_create(&thread, nullptr, waitForNothing, nullptr);
         return TC_FAILURE;
     }
     TC_EXPECT_RET(QLX_GPIODeInit());
