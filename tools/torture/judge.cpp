@@ -261,6 +261,10 @@ void judgeModule(const std::vector<Result>& results, const Judging& judging, Cou
         report << "MEMBERS " << module << " cannot be read\n";
         return;
     }
+    // A module that is new has none until somebody writes them.
+    const bool hasFile = judging.write || fs::exists(path);
+    if (!hasFile)
+        printf("%s has no reviewed profiles\n", module.c_str());
     for (const Result& result : results) {
         const std::string name = result.subject.name();
         auto known = std::find_if(kept.begin(), kept.end(),
@@ -268,7 +272,7 @@ void judgeModule(const std::vector<Result>& results, const Judging& judging, Cou
         CaseJudge caseJudge(result, judging.lists, count, report);
         Profile now = caseJudge.judge();
         const Profile* reviewed = known == kept.end() ? nullptr : &known->second;
-        if (!now.empty() || reviewed != nullptr)
+        if (hasFile && (!now.empty() || reviewed != nullptr))
             caseJudge.compare(reviewed, now);
         if (known != kept.end())
             known->second = now;
