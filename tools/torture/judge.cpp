@@ -293,12 +293,13 @@ void judgeModule(const std::vector<Result>& results, const Judging& judging, Cou
 }
 
 /** Tells the exceptions that excuse more than what needs it; returns their number. */
-unsigned tellWide(const Lists& lists, std::ostream& report) {
+unsigned tellWide(const Lists& lists, const fs::path& members, std::ostream& report) {
     unsigned wide = 0;
     for (const Exception& one : lists.exceptions) {
         if (one.needless == 0)
             continue;
-        wide++;
+        // A new module's are told, and count once its profiles are written.
+        wide += fs::exists(members / (one.module + ".txt"));
         report << "WIDE    exception " << one.casePattern << " " << one.stepPattern << " names "
                << one.needless << " steps that need none, as " << one.needlessStep << "\n";
     }
@@ -350,7 +351,7 @@ bool judge(const std::vector<Result>& results, const Judging& judging) {
         steps += c.steps;
         otherwise += c.otherwise;
     }
-    wrong += tellWide(*judging.lists, report);
+    wrong += tellWide(*judging.lists, judging.members, report);
     if (judging.whole)
         wrong += tellUnused(*judging.lists, report);
     if (steps == 0) {
