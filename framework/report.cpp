@@ -192,6 +192,8 @@ int32_t zk_xlsLoadDataFromTestReport(const char* path) {
 }
 
 int32_t zk_xlsCreateBook(void) {
+    xlsDeleteWorkbook(pWorkBook);
+    pWorkaSheet = nullptr;
     pWorkBook = xlsNewWorkbook();
     return pWorkBook != nullptr ? 0 : -1;
 }
