@@ -364,7 +364,7 @@ static bool isGone(pid_t pid) {
         return gone;
     }
 #endif
-    gone = kill(pid, 0) < 0 && errno == ESRCH;
+    gone = real().kill(pid, 0) < 0 && errno == ESRCH;
     errno = saved;
     return gone;
 }
