@@ -47,7 +47,9 @@ build/debug/zkbench --source . --quiet --lay-out build/debug/golden_bench
 if [ -z "$quick" ]; then
     build asan
     echo "test: preset asan, with the fuzz targets for some seconds"
-    ctest --preset asan -j "$jobs" -LE slow
+    # Not the tests that only read the sources, nor the bad cases that are made to crash and hang.
+    ctest --preset asan -j "$jobs" -LE slow \
+        -E '^(unit\.(Tree|ExitCodes|SimDocuments)|torture\.bad_module_test)'
     build tsan --target device_tests module_tests
     echo "test: preset tsan, the simulated device's core and who reads while callbacks write"
     ctest --preset tsan -j "$jobs" -R '^(device.SimCore|modules.Storage|modules.DemuxRace)'
