@@ -16,15 +16,28 @@
     });
   });
 
-  // What is to be seen first is shown at once, the rest in pieces, so that typing never waits.
-  var later = 0;
-  var atOnce = 40, aPiece = 250;
+  // What is to be seen first is shown at once, the rest in pieces, each behind a frame of its own, so
+  // that typing never waits.
+  var atOnce = 20, aPiece = 150;
+  var waiting = [];
 
-  function show(waiting) {
-    waiting.splice(0, aPiece).forEach(function (row) {
+  function show(count) {
+    waiting.splice(0, count).forEach(function (row) {
       row.element.hidden = row.hidden = false;
     });
-    later = waiting.length > 0 ? setTimeout(show, 0, waiting) : 0;
+  }
+
+  function showLater(rest) {
+    if (rest !== waiting || rest.length === 0)
+      return;
+    requestAnimationFrame(function () {
+      setTimeout(function () {
+        if (rest !== waiting)
+          return;
+        show(aPiece);
+        showLater(rest);
+      }, 0);
+    });
   }
 
   function filter() {
@@ -33,8 +46,7 @@
     boxes.forEach(function (box) { on[box.value] = box.checked; });
     var left = sections.map(function () { return 0; });
     var count = 0;
-    var waiting = [];
-    clearTimeout(later);
+    waiting = [];
     rows.forEach(function (row) {
       var hide = !on[row.verdict] || (module.value !== '' && row.module !== module.value) ||
         !words.every(function (word) { return row.text.indexOf(word) >= 0; });
@@ -54,7 +66,7 @@
       section.style.setProperty('--high', (left[s] * 2.2 + 4) + 'rem');
     });
     shown.textContent = count + ' of ' + rows.length + ' rows';
-    later = waiting.length > 0 ? setTimeout(show, 0, waiting) : 0;
+    showLater(waiting);
     // The first row found is the one to be looked at.
     if (document.activeElement === search && $('rows').getBoundingClientRect().bottom < 0)
       $('rows').scrollIntoView();
@@ -120,6 +132,7 @@
   // Paper cannot be opened. A report in which everything fails would be a book.
   var opened = [];
   window.addEventListener('beforeprint', function () {
+    show(waiting.length);
     opened = logs.slice(0, 200).filter(function (log) { return !log.open; });
     opened.forEach(function (log) { log.open = true; });
   });
