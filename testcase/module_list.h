@@ -20,7 +20,7 @@
     BUILT(DemuxModuleDvb,         "Demux-DVB",         "Test cases of Demux (DVB)",                                449, 436, 433, 433) \
     OPEN (RecordModule,           "Record",            "Test module for the Record",                                71,  70,   0,   0) \
     OPEN (DmxInjectModule,        "DmxInject",         "Test module for the DemuxInject",                          114, 114,   0,   0) \
-    OPEN (AVCommonModule,         "AV-Common",         "Test module for AV common test, no distinguishing source", 111, 108,   0,   0) \
+    BUILT(AVCommonModule,         "AV-Common",         "Test module for AV common test, no distinguishing source", 111, 108, 111, 108) \
     OPEN (AVDtvModule,            "AV-DTV",            "Test module for AV test, the source is DTV",               355, 324,   0,   0) \
     OPEN (AVAtvModule,            "AV-ATV",            "Test module for AV test, the source is ATV",               142, 138,   0,   0) \
     OPEN (AVPvrModule,            "AV-PVR",            "Test module for AV test, the source is PVR",                83,  83,   0,   0) \

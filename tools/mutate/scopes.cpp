@@ -36,6 +36,7 @@ const std::vector<Scope> all = {
     moduleOf("SYSTEM", {"testcase/system/*"}, {"SYSTEM"}, {"SystemModule", "DeviceCases"},
              {"device_manual_test"}),
     moduleOf("TEEC", {"testcase/teec/*"}, {"TEEC"}, {"Teec*"}, {"device_manual_test"}),
+    moduleOf("AV-Common", {"testcase/av/av_common_*"}, {"AV-Common"}, {"AvCommonModule"}),
     {"framework",
      {"framework/*.cpp", "framework/base/*", "framework/case/*"},
      {"GPIO", "I2C"},

@@ -68,6 +68,7 @@ class CaseJudge {
     void eachException(const char* what, std::string step, Each each);
     bool excepted(const char* what, const std::string& step);
     void needsNone(const char* what, const std::string& step);
+    std::string leftAmiss(const std::string& left);
     void judgeBase(const std::string& verdict, unsigned steps, const std::string& left);
     void judgeStep(const std::string& line);
     void judgeCleanliness(const std::string& line, const std::string& step);
@@ -116,6 +117,17 @@ void CaseJudge::needsNone(const char* what, const std::string& step) {
     });
 }
 
+/** Of what was left, told with a semicolon behind each, that which no exception lets stay. */
+std::string CaseJudge::leftAmiss(const std::string& left) {
+    std::istringstream things(left);
+    std::string amiss;
+    for (std::string thing; std::getline(things, thing, ';');) {
+        if (!excepted("left", thing))
+            amiss += thing + ";";
+    }
+    return amiss;
+}
+
 /** Demands the reviewed verdict, and something to torture, or the reason why there is nothing. */
 void CaseJudge::judgeBase(const std::string& verdict, unsigned steps, const std::string& left) {
     const std::string& golden = result_.subject.verdict;
@@ -140,9 +152,10 @@ void CaseJudge::judgeBase(const std::string& verdict, unsigned steps, const std:
                           << ", so nothing is tortured\n";
         }
     }
-    if (!left.empty() && !excepted("unclean", "base")) {
+    const std::string amiss = leftAmiss(left);
+    if (!amiss.empty() && !excepted("unclean", "base")) {
         count_->unclean++;
-        tell("UNCLEAN") << "without a fault left=" << left << "\n";
+        tell("UNCLEAN") << "without a fault left=" << amiss << "\n";
     }
 }
 
@@ -157,7 +170,7 @@ std::string field(const std::string& line, const char* key) {
 void CaseJudge::judgeCleanliness(const std::string& line, const std::string& step) {
     bool refusedUndo =
         isUndo(step.substr(0, step.find('#'))) && step.find("refuse") != std::string::npos;
-    std::string left = refusedUndo ? "" : field(line, "left");
+    std::string left = refusedUndo ? "" : leftAmiss(field(line, "left"));
     bool unclean = !left.empty() || field(line, "threads") != "0" || field(line, "heap") == "grows";
     if (!unclean)
         needsNone("unclean", step);

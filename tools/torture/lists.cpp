@@ -56,16 +56,17 @@ bool loadLists(const fs::path& folder, const Modules& modules, Lists* lists) {
     for (const Module& some : modules) {
         const TcModule* module = some.record;
         const std::string name = module->name;
-        bool good = readList(
-            folder / "exceptions", *module, [&](std::istringstream& words, const std::string&) {
-                Exception one;
-                one.module = name;
-                words >> one.what >> one.casePattern >> one.stepPattern;
-                bool known = one.what == "missed" || one.what == "unclean" || one.what == "both";
-                bool whole = readReason(words, &one.reason);
-                lists->exceptions.push_back(one);
-                return known && whole;
-            });
+        bool good = readList(folder / "exceptions", *module,
+                             [&](std::istringstream& words, const std::string&) {
+                                 Exception one;
+                                 one.module = name;
+                                 words >> one.what >> one.casePattern >> one.stepPattern;
+                                 bool known = one.what == "missed" || one.what == "unclean" ||
+                                              one.what == "both" || one.what == "left";
+                                 bool whole = readReason(words, &one.reason);
+                                 lists->exceptions.push_back(one);
+                                 return known && whole;
+                             });
         good = good && readList(folder / "untortured", *module,
                                 [&](std::istringstream& words, const std::string&) {
                                     Untortured one;

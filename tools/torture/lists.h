@@ -31,11 +31,11 @@ using Modules = std::vector<Module>;
 /** Null when there is none of that name. */
 const TcModule* findModule(const Modules& modules, const std::string& name);
 
-/** A line of `exceptions`: what it excuses, pattern of cases, pattern of steps ('_' for the blank),
- *  reason. */
+/** A line of `exceptions`: what it excuses, pattern of cases, pattern of steps, of "left" that of
+ * the device's words ('_' for the blank), reason. */
 struct Exception {
     std::string module;
-    /** "missed", "unclean" or "both". */
+    /** "missed", "unclean", "both", or "left". */
     std::string what;
     std::string casePattern;
     std::string stepPattern;

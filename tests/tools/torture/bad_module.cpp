@@ -9,6 +9,7 @@
 #include "framework/case/check.h"
 #include "framework/case/registry.h"
 #include "platform/qlx_gpio.h"
+#include "platform/qlx_i2c.h"
 #include "tools/torture/torture.h"
 
 namespace {
@@ -58,6 +59,15 @@ uint32_t TC_BAD_LeftOpen() {
     TC_ASSERT_RET(QLX_GPIOInit());
     TC_ASSERT_RET(QLX_GPIOSetValue(pin, 1));
     TC_EXPECT_RET(QLX_GPIODeInit());
+    return TC_RESULT(tc);
+}
+
+/** What stays behind it is for another case, and excused; that alone. */
+uint32_t TC_BAD_LeftByRule() {
+    CaseContext tc = {__func__};
+    TC_ASSERT_RET(QLX_GPIOInit());
+    if (!TC_EXPECT_RET(QLX_GPIOSetValue(pin, 1)))
+        QLX_I2CInit();
     return TC_RESULT(tc);
 }
 
@@ -148,6 +158,7 @@ const TcCase badCases[] = {
     TC_CASE(TC_BAD_ExcusedTooWidely, AUTO, "the same, with an exception that names too much"),
     TC_CASE(TC_BAD_MemberNotJudged, AUTO, "a value that is not judged any more"),
     TC_CASE(TC_BAD_LeftOpen, AUTO, "a service that stays open"),
+    TC_CASE(TC_BAD_LeftByRule, AUTO, "a service that stays open by rule, and one that does not"),
     TC_CASE(TC_BAD_LeftThread, AUTO, "a thread that stays"),
     TC_CASE(TC_BAD_LeftMemory, AUTO, "memory that is lost"),
     TC_CASE(TC_BAD_HangsWhenRefused, AUTO, "waits for ever"),
