@@ -21,12 +21,12 @@
     OPEN (RecordModule,           "Record",            "Test module for the Record",                                71,  70,   0,   0) \
     OPEN (DmxInjectModule,        "DmxInject",         "Test module for the DemuxInject",                          114, 114,   0,   0) \
     BUILT(AVCommonModule,         "AV-Common",         "Test module for AV common test, no distinguishing source", 111, 108, 111, 108) \
-    OPEN (AVDtvModule,            "AV-DTV",            "Test module for AV test, the source is DTV",               355, 324,   0,   0) \
-    OPEN (AVAtvModule,            "AV-ATV",            "Test module for AV test, the source is ATV",               142, 138,   0,   0) \
-    OPEN (AVPvrModule,            "AV-PVR",            "Test module for AV test, the source is PVR",                83,  83,   0,   0) \
-    OPEN (AVCvbsModule,           "AV-CVBS",           "Test module for AV test, the source is CVBS",               67,  65,   0,   0) \
-    OPEN (AVHdmiModule,           "AV-HDMI",           "Test module for AV test, the source is HDMI",              102,  99,   0,   0) \
-    OPEN (AVYpbprModule,          "AV-YPBPR",          "Test module for AV test, the source is YPBPR",              67,  65,   0,   0) \
+    BUILT(AVDtvModule,            "AV-DTV",            "Test module for AV test, the source is DTV",               355, 324, 159, 150) \
+    BUILT(AVAtvModule,            "AV-ATV",            "Test module for AV test, the source is ATV",               142, 138, 142, 138) \
+    BUILT(AVPvrModule,            "AV-PVR",            "Test module for AV test, the source is PVR",                83,  83,  83,  83) \
+    BUILT(AVCvbsModule,           "AV-CVBS",           "Test module for AV test, the source is CVBS",               67,  65,  67,  65) \
+    BUILT(AVHdmiModule,           "AV-HDMI",           "Test module for AV test, the source is HDMI",              102,  99, 102,  99) \
+    BUILT(AVYpbprModule,          "AV-YPBPR",          "Test module for AV test, the source is YPBPR",              67,  65,  67,  65) \
     OPEN (AVDtvVideoCcModule,     "AV-VideoCC",        "Test module for video CC",                                  64,  64,   0,   0) \
     OPEN (AFEModule,              "AFE",               "Test module for the ATV ",                                 165, 153,   0,   0) \
     OPEN (AOutModule,             "AOUT",              "Test module for the AOUT",                                 163, 150,   0,   0) \

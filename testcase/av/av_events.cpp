@@ -2,8 +2,6 @@
 
 #include <string.h>
 
-#include <algorithm>
-
 #include "framework/base/zk_log.h"
 
 AvVideoRequestData g_stVideoRequestData;
@@ -146,30 +144,65 @@ void AV_ClearAudioLog(void) {
     clearLog(g_stAudioRequestData);
 }
 
-template <typename Event, typename Wanted>
-static const Event* findEvent(const AvRequestData<Event>& log, Wanted wanted) {
-    const uint32_t count = std::min<uint32_t>(log.uCount, AV_EVENT_LOG_SIZE);
-    const Event* end = log.stData + count;
-    const Event* found = std::find_if(log.stData, end, wanted);
-    return found != end ? found : nullptr;
+bool AV_IsStartDone(const AvVideoEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_VIDEO_START_DONE) != 0;
+}
+
+bool AV_IsFrameReady(const AvVideoEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_VIDEO_FRAME_READY) != 0;
+}
+
+bool AV_IsVideoInfo(const AvVideoEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_VIDEO_INFO_CHANGE) != 0;
+}
+
+bool AV_IsPicturePresent(const AvVideoEvent& entry) {
+    return AV_IsVideoInfo(entry) && entry.stVideoDecInfo.eVideoPresent == QLX_VIDEO_PRESENT;
+}
+
+bool AV_IsPictureAbsent(const AvVideoEvent& entry) {
+    return AV_IsVideoInfo(entry) && entry.stVideoDecInfo.eVideoPresent == QLX_VIDEO_NOT_PRESENT;
+}
+
+bool AV_IsSyncDone(const AvVideoEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_VIDEO_SYNC_DONE) != 0;
+}
+
+bool AV_IsVideoStopDone(const AvVideoEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_VIDEO_STOP_DONE) != 0;
+}
+
+bool AV_IsAudioInfo(const AvAudioEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_AUDIO_INFO_CHANGE) != 0;
+}
+
+bool AV_IsSoundPresent(const AvAudioEvent& entry) {
+    return AV_IsAudioInfo(entry) && entry.stAudioInfo.audioPresent == QLX_AUDIO_PRESENT;
+}
+
+bool AV_IsSoundAbsent(const AvAudioEvent& entry) {
+    return AV_IsAudioInfo(entry) && entry.stAudioInfo.audioPresent == QLX_AUDIO_NOT_PRESENT;
+}
+
+bool AV_IsAudioStopDone(const AvAudioEvent& entry) {
+    return (entry.eEvent & QLX_EVENT_AUDIO_STOP_DONE) != 0;
+}
+
+/** The first such entry of a log, null when there is none. */
+template <typename Event>
+static const Event* firstEvent(const AvRequestData<Event>& log, bool (*is)(const Event&)) {
+    const uint32_t at = AV_FindEvent(log, 0, is);
+    return at != AV_NO_EVENT ? &log.stData[at] : nullptr;
 }
 
 const AvVideoEvent* AV_FindPicture(void) {
-    return findEvent(g_stVideoRequestData, [](const AvVideoEvent& entry) {
-        return (entry.eEvent & QLX_EVENT_VIDEO_INFO_CHANGE) != 0 &&
-               entry.stVideoDecInfo.eVideoPresent == QLX_VIDEO_PRESENT;
-    });
+    return firstEvent(g_stVideoRequestData, AV_IsPicturePresent);
 }
 
 const AvVideoEvent* AV_FindSyncDone(void) {
-    return findEvent(g_stVideoRequestData, [](const AvVideoEvent& entry) {
-        return (entry.eEvent & QLX_EVENT_VIDEO_SYNC_DONE) != 0;
-    });
+    return firstEvent(g_stVideoRequestData, AV_IsSyncDone);
 }
 
 const AvAudioEvent* AV_FindSound(void) {
-    return findEvent(g_stAudioRequestData, [](const AvAudioEvent& entry) {
-        return (entry.eEvent & QLX_EVENT_AUDIO_INFO_CHANGE) != 0 &&
-               entry.stAudioInfo.audioPresent == QLX_AUDIO_PRESENT;
-    });
+    return firstEvent(g_stAudioRequestData, AV_IsSoundPresent);
 }

@@ -14,6 +14,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 
 #include "platform/qlx_audio.h"
@@ -79,6 +80,39 @@ void AV_AudioEventCallback(uint32_t eAudioDev, void* pUserdata, uint32_t eEvent,
 /** Empty a log; nothing may be registered on it. */
 void AV_ClearVideoLog(void);
 void AV_ClearAudioLog(void);
+
+// Kinds of entries that are looked for. An event's bit decides; of a change of information also
+// whether there is a picture or a sound.
+bool AV_IsStartDone(const AvVideoEvent& entry);
+bool AV_IsFrameReady(const AvVideoEvent& entry);
+bool AV_IsVideoInfo(const AvVideoEvent& entry);
+bool AV_IsPicturePresent(const AvVideoEvent& entry);
+bool AV_IsPictureAbsent(const AvVideoEvent& entry);
+bool AV_IsSyncDone(const AvVideoEvent& entry);
+bool AV_IsVideoStopDone(const AvVideoEvent& entry);
+bool AV_IsAudioInfo(const AvAudioEvent& entry);
+bool AV_IsSoundPresent(const AvAudioEvent& entry);
+bool AV_IsSoundAbsent(const AvAudioEvent& entry);
+bool AV_IsAudioStopDone(const AvAudioEvent& entry);
+
+/** How many entries a log has. */
+template <typename Event>
+uint32_t AV_LogCount(const AvRequestData<Event>& log) {
+    return std::min<uint32_t>(log.uCount, AV_EVENT_LOG_SIZE);
+}
+
+enum : uint32_t { AV_NO_EVENT = UINT32_MAX };
+
+/** The place of the first such entry of a log from a place on, or AV_NO_EVENT. */
+template <typename Event>
+uint32_t AV_FindEvent(const AvRequestData<Event>& log, uint32_t from, bool (*is)(const Event&)) {
+    const uint32_t count = AV_LogCount(log);
+    for (uint32_t i = from; i < count; i++) {
+        if (is(log.stData[i]))
+            return i;
+    }
+    return AV_NO_EVENT;
+}
 
 /** The first report of a present picture or sound, or that video is in sync; null while there is
  *  none in the log. */

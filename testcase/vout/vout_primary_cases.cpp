@@ -4,7 +4,7 @@
 #include <string.h>
 
 #include "framework/case/ladder.h"
-#include "framework/case/wait.h"
+#include "framework/case/timed.h"
 #include "platform/qlx_demux.h"
 #include "platform/qlx_extin.h"
 #include "testcase/aout/aout_harness.h"
@@ -15,8 +15,6 @@
 
 enum {
     ROUNDS = 10,
-    /** ms that one call may take. */
-    CALL_LIMIT = 201,
     DEFAULT_WIDTH = 800,
     DEFAULT_HEIGHT = 600,
     HUGE_SIZE = 10000,
@@ -57,17 +55,6 @@ static uint32_t VOUT_PrimaryTestTeardown(void) {
     zk_log("release all resources ! \r\n");
     ladderDown(tc, bench, moduleSteps);
     return tc.result;
-}
-
-/** A call within its time. What the line on it calls it; the call as a failure prints it. */
-template <typename Call>
-static bool timedCall(CaseContext& tc, const char* what, const char* text, Call call) {
-    const Stopwatch watch;
-    const int64_t answer = call();
-    const long long consumed = watch.ms();
-    const bool done = TC_EXPECT_RET_TEXT(text, answer);
-    zk_log("consumption time of %s is %lld ms\r\n", what, consumed);
-    return TC_EXPECT_TRUE(consumed < CALL_LIMIT) && done;
 }
 
 // Init.
@@ -212,9 +199,9 @@ static uint32_t openBase(const char* name, const OutputSource& source, int round
 
 static uint32_t openTimedBase(const char* name, const OutputSource& source) {
     return onSource(name, source, [&](CaseContext& tc, const QLX_Source& stSource) {
-        timedCall(tc, "opening", "QLX_VOutOpen(eDevId, &stSource)",
-                  [&] { return QLX_VOutOpen(eDevId, &stSource); });
-        timedCall(tc, "closing", "QLX_VOutClose(eDevId)", [&] { return QLX_VOutClose(eDevId); });
+        tc_timedCall(tc, "opening", "QLX_VOutOpen(eDevId, &stSource)",
+                     [&] { return QLX_VOutOpen(eDevId, &stSource); });
+        tc_timedCall(tc, "closing", "QLX_VOutClose(eDevId)", [&] { return QLX_VOutClose(eDevId); });
     });
 }
 
@@ -352,8 +339,9 @@ static uint32_t enableBase(const char* name, int rounds) {
 
 static uint32_t enableTimedBase(const char* name) {
     return onConfigured(name, enableSteps, [](CaseContext& tc) {
-        timedCall(tc, "enable", "QLX_VOutEnable(eDevId)", [] { return QLX_VOutEnable(eDevId); });
-        timedCall(tc, "disable", "QLX_VOutDisable(eDevId)", [] { return QLX_VOutDisable(eDevId); });
+        tc_timedCall(tc, "enable", "QLX_VOutEnable(eDevId)", [] { return QLX_VOutEnable(eDevId); });
+        tc_timedCall(tc, "disable", "QLX_VOutDisable(eDevId)",
+                     [] { return QLX_VOutDisable(eDevId); });
     });
 }
 
@@ -412,7 +400,7 @@ static uint32_t setRectBase(const char* name, int rounds) {
 
 static uint32_t setRectTimedBase(const char* name) {
     return onPicture(name, [](CaseContext& tc, const Rects& rects) {
-        timedCall(tc, "set rect", setRectText, [&] { return setRect(rects); });
+        tc_timedCall(tc, "set rect", setRectText, [&] { return setRect(rects); });
     });
 }
 
@@ -468,10 +456,10 @@ static uint32_t muteBase(const char* name, int rounds) {
 
 static uint32_t muteTimedBase(const char* name) {
     return onPicture(name, [](CaseContext& tc, const Rects&) {
-        timedCall(tc, "mute", "QLX_VOutSetMute(eDevId, QLX_TRUE)",
-                  [] { return QLX_VOutSetMute(eDevId, QLX_TRUE); });
-        timedCall(tc, "unmute", "QLX_VOutSetMute(eDevId, QLX_FALSE)",
-                  [] { return QLX_VOutSetMute(eDevId, QLX_FALSE); });
+        tc_timedCall(tc, "mute", "QLX_VOutSetMute(eDevId, QLX_TRUE)",
+                     [] { return QLX_VOutSetMute(eDevId, QLX_TRUE); });
+        tc_timedCall(tc, "unmute", "QLX_VOutSetMute(eDevId, QLX_FALSE)",
+                     [] { return QLX_VOutSetMute(eDevId, QLX_FALSE); });
     });
 }
 
