@@ -43,6 +43,10 @@ static bool needsAudioService(const DecoderBench& bench) {
     return bench.hasAudio || bench.stAvSource.eSource == AV_SOURCE_ATV;
 }
 
+static int64_t fillAttr(DecoderBench& bench) {
+    return AV_FillDecoderAttr(bench.stAvSource, &bench.stVideoAttr, &bench.stAudioSource) ? 0 : 1;
+}
+
 static int64_t startVideo(const DecoderBench& bench) {
     const TcChannelInfo& stChannelInfo = bench.stChannelInfo;
     return QLX_VideoStart(bench.stAvSource.eVideoDev, stChannelInfo.eVideoFormat,
@@ -61,6 +65,7 @@ using Step = LadderStep<DecoderBench>;
 static constexpr Step videoService =    {LADDER_CALL("QLX_VideoInit()", QLX_VideoInit()),                                                               LADDER_CALL("QLX_VideoDeInit()", QLX_VideoDeInit()),                                   UNDO_CHECKED, needsVideoService};
 static constexpr Step audioService =    {LADDER_CALL("QLX_AudioInit()", QLX_AudioInit()),                                                               LADDER_CALL("QLX_AudioDeInit()", QLX_AudioDeInit()),                                   UNDO_CHECKED, needsAudioService};
 static constexpr Step signalStep =      {LADDER_CALL("TC_AV_START_SOURCE(&stAvSource)", TC_AV_START_SOURCE(&bench.stAvSource)),                         LADDER_CALL("TC_AV_STOP_SOURCE(&stAvSource)", TC_AV_STOP_SOURCE(&bench.stAvSource))};
+static constexpr Step attrStep =        {LADDER_CALL("AV_FillDecoderAttr(stAvSource, &stVideoAttr, &stAudioSource)", fillAttr(bench)),  LADDER_NONE};
 static constexpr Step videoOpened =     {LADDER_CALL("QLX_VideoOpen(eVideoDev, &stVideoAttr)", QLX_VideoOpen(bench.stAvSource.eVideoDev, &bench.stVideoAttr)),   LADDER_CALL("QLX_VideoClose(eVideoDev)", QLX_VideoClose(bench.stAvSource.eVideoDev)), UNDO_CHECKED, hasVideo};
 static constexpr Step audioOpened =     {LADDER_CALL("QLX_AudioOpen(eAudioDev, &stAudioSource)", QLX_AudioOpen(bench.stAvSource.eAudioDev, &bench.stAudioSource)), LADDER_CALL("QLX_AudioClose(eAudioDev)", QLX_AudioClose(bench.stAvSource.eAudioDev)), UNDO_CHECKED, hasAudio};
 static constexpr Step videoRegistered = {LADDER_CALL("QLX_VideoRegisterCallback(eVideoDev, &g_stVideoRequestData, AV_VideoEventCallback)", QLX_VideoRegisterCallback(bench.stAvSource.eVideoDev, &g_stVideoRequestData, AV_VideoEventCallback)), LADDER_CALL("QLX_VideoUnRegisterCallback(eVideoDev, AV_VideoEventCallback)", QLX_VideoUnRegisterCallback(bench.stAvSource.eVideoDev, AV_VideoEventCallback)), UNDO_CHECKED, hasVideo};
@@ -70,10 +75,10 @@ static constexpr Step codedAudio =      {LADDER_CALL("QLX_AudioStart(eAudioDev, 
 static constexpr Step plainVideo =      {LADDER_CALL("QLX_VideoStart(eVideoDev, QLX_VIDEO_FORMAT_NONE, 0)", QLX_VideoStart(bench.stAvSource.eVideoDev, QLX_VIDEO_FORMAT_NONE, 0)), LADDER_CALL("QLX_VideoStop(eVideoDev)", QLX_VideoStop(bench.stAvSource.eVideoDev)), UNDO_CHECKED, hasVideo};
 static constexpr Step plainAudio =      {LADDER_CALL("QLX_AudioStart(eAudioDev, QLX_AUDIO_FORMAT_NONE, 0)", QLX_AudioStart(bench.stAvSource.eAudioDev, QLX_AUDIO_FORMAT_NONE, 0)), LADDER_CALL("QLX_AudioStop(eAudioDev)", QLX_AudioStop(bench.stAvSource.eAudioDev)), UNDO_CHECKED, hasAudio};
 
-static const Step openSteps[] =       {videoService, audioService, signalStep, videoOpened, audioOpened};
-static const Step registerSteps[] =   {videoService, audioService, signalStep, videoOpened, audioOpened, videoRegistered, audioRegistered};
-static const Step startCodedSteps[] = {videoService, audioService, signalStep, videoOpened, videoRegistered, audioOpened, codedVideo, codedAudio};
-static const Step startPlainSteps[] = {videoService, audioService, signalStep, videoOpened, videoRegistered, audioOpened, plainVideo, plainAudio};
+static const Step openSteps[] =       {videoService, audioService, signalStep, attrStep, videoOpened, audioOpened};
+static const Step registerSteps[] =   {videoService, audioService, signalStep, attrStep, videoOpened, audioOpened, videoRegistered, audioRegistered};
+static const Step startCodedSteps[] = {videoService, audioService, signalStep, attrStep, videoOpened, videoRegistered, audioOpened, codedVideo, codedAudio};
+static const Step startPlainSteps[] = {videoService, audioService, signalStep, attrStep, videoOpened, videoRegistered, audioOpened, plainVideo, plainAudio};
 // clang-format on
 
 /** A family: its steps, and how the console calls the calls of those that it is about. */
@@ -160,7 +165,6 @@ static uint32_t ladderBase(const char* name, const Family& family, AvLadderWay w
     bench.stChannelInfo = channelOf(bench.stAvSource);
     AV_ClearVideoLog();
     AV_ClearAudioLog();
-    AV_FillDecoderAttr(bench.stAvSource, &bench.stVideoAttr, &bench.stAudioSource);
     Ladder<DecoderBench> ladder(tc, bench, family.steps, family.count);
     if (way == AV_BOTH_TWO_ROUNDS || way == AV_BOTH_TIMED) {
         if (ladder.up(family.count - TRIED_STEPS)) {
