@@ -234,12 +234,6 @@ TEST(Tree, DeclaredFunctionsAreUsed) {
     const char* const control = "tests look at the device or change it through this";
     const std::map<std::string, std::string> exceptions = {
         {"AOUT_AV_Stop", laterModule},
-        {"AV_DtvTestCaseSetup", laterModule},
-        {"AV_PlayAudioVideoDescramble", laterModule},
-        {"AV_PlayAudioVideoSwitchTsConfig", laterModule},
-        {"AV_PlayAudioVideoTsConfig", laterModule},
-        {"AV_StopAudioVideoDescramble", laterModule},
-        {"AV_StopAudioVideoTsConfig", laterModule},
         {"TC_AOUT_START_AUDIO_DESC", laterModule},
         {"TC_AOUT_STOP_AUDIO_DESC", laterModule},
         {"TC_AV_PLAY_AUDIO_VIDEO", laterModule},
