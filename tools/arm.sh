@@ -36,6 +36,17 @@ cmake -S . -B "$arm/device" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     --no-warn-unused-cli > /dev/null
 cmake --build "$arm/device" --target zktest
 
+# What a board gets of it: the package, unpacked elsewhere, holds a program of that machine that starts.
+package=$(mktemp -d)
+trap 'rm -rf "$package"' EXIT
+tools/boards/package.sh --build "$arm/device" --platform mtk9602_eu --out "$package/zktest.tar.gz"
+tar -C "$package" -xzf "$package/zktest.tar.gz"
+grep -E '^(kind: device|machine: ARM)$' "$package/zktest/VERSION" | wc -l | grep -qx 2 ||
+    { echo "arm: the package is not the device's:"; cat "$package/zktest/VERSION"; exit 1; } >&2
+(cd "$package/zktest" && echo q | timeout 60 qemu-arm -L /usr/arm-linux-gnueabihf \
+    -E LD_LIBRARY_PATH="$arm:$libraries" ./zktest > "$package/console" 2>&1) ||
+    { echo "arm: the packaged program does not start"; cat "$package/console"; exit 1; } >&2
+
 # A folder as tests expect a build: the device's programs, and this machine's tools and launcher. The
 # loader's word on a preload library of another class is this machine's, before the emulator starts.
 tests=$arm/tests
