@@ -50,9 +50,9 @@ if [ -z "$quick" ]; then
     # Not the tests that only read the sources, nor the bad cases that are made to crash and hang.
     ctest --preset asan -j "$jobs" -LE slow \
         -E '^(unit\.(Tree|ExitCodes|SimDocuments)|torture\.bad_module_test)'
-    build tsan --target device_tests module_tests
+    build tsan --target race_tests
     echo "test: preset tsan, the simulated device's core and who reads while callbacks write"
-    ctest --preset tsan -j "$jobs" -R '^(device.SimCore|modules.Storage|modules.DemuxRace)'
+    ctest --preset tsan -j "$jobs" -R '^race.(SimCore|Storage|DemuxRace)'
 fi
 echo "test: preset debug"
 ctest --preset debug -j "$jobs"
