@@ -15,6 +15,7 @@
     FAMILY(familyVideo)  \
     FAMILY(familyAudio)  \
     FAMILY(familyDesc)   \
+    FAMILY(familyRecord) \
     FAMILY(familyCI)     \
     FAMILY(familyExtIn)  \
     FAMILY(familyVOut)   \

@@ -215,6 +215,10 @@ int64_t TsStream::endUs(uint64_t number) const {
     return static_cast<int64_t>(((number + 1) * packetTicks_ + ticksPerUs - 1) / ticksPerUs);
 }
 
+uint64_t TsStream::firstEndingAfter(int64_t us) const {
+    return static_cast<uint64_t>(us) * ticksPerUs / packetTicks_;
+}
+
 const std::vector<uint32_t>& TsStream::packetsOf(uint16_t pid) const {
     return byPid_[pid % tsPidCount];
 }

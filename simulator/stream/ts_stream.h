@@ -91,6 +91,12 @@ class TsStream {
     uint64_t packetAt(int64_t us) const;
     /** When the packet has come whole, rounded up. */
     int64_t endUs(uint64_t number) const;
+    /** Number of the first packet that has not come whole at that time. */
+    uint64_t firstEndingAfter(int64_t us) const;
+    /** When the packet begins, in periods of 27 MHz of the monotonic clock. */
+    uint64_t beginTicks(uint64_t number) const {
+        return number * packetTicks_;
+    }
 
     /** Places in the loop of the packets of a PID, ascending. */
     const std::vector<uint32_t>& packetsOf(uint16_t pid) const;

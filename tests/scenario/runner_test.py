@@ -570,6 +570,17 @@ class LongCaseTest(RunnerTest):
                           console[started:reboot])
             self.assertNotIn("[%s] SUCCESS" % scan, console)
 
+    def test_a_recording_of_ten_minutes_ends_as_na_and_can_be_played_as_far_as_it_came(self):
+        case = "TC_RecWholeFlowLongTime_001"
+        code, out = self.run_bench("--long", "--name", case)
+        self.assertEqual(code, 0, out)
+        rows = {row[1]: row for row in bench.read_report(self.inside("report.xls"))["Record"]}
+        self.assertEqual(rows[case][2:], ("Y", "N/A"))
+        recording = self.get("record/test_demux0.ts")
+        self.assertGreater(len(recording), 10 << 20)
+        whole = len(recording) // 192 * 192
+        self.assertEqual(set(recording[4:whole:192]), {0x47})
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -47,6 +47,8 @@ const std::vector<Layer> layers = {
     {"simulator/tuner", {"platform", "simulator/core", "simulator/world"}},
     {"simulator/demux",
      {"platform", "simulator/core", "simulator/stream", "simulator/world", "simulator/tuner"}},
+    {"simulator/record",
+     {"platform", "simulator/core", "simulator/stream", "simulator/media", "simulator/demux"}},
     {"simulator/input", {"platform", "simulator/core", "simulator/world"}},
     {"simulator/av",
      {"platform", "simulator/core", "simulator/stream", "simulator/media", "simulator/world",

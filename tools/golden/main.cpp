@@ -28,6 +28,7 @@
 #include "program/startup.h"
 #include "testcase/modules.h"
 #include "tools/common/options.h"
+#include "tools/common/own_folder.h"
 #include "tools/golden/blocks.h"
 #include "tools/golden/fold.h"
 #include "tools/golden/record_run.h"
@@ -114,7 +115,8 @@ void startRun(const Options& options, const fs::path& work, unsigned index, Run*
     run->pid = fork();
     if (run->pid != 0)
         return;
-    if (chdir(options.dir.c_str()) != 0)
+    makeOwnFolder(options.dir, run->folder + "/bench");
+    if (chdir((run->folder + "/bench").c_str()) != 0)
         _exit(EXIT_CANNOT_RUN);
     setenv("QLX_SIM_ROOT", (run->folder + "/device").c_str(), 1);
     setenv("QLX_SIM_TRACE", (run->folder + "/trace").c_str(), 1);

@@ -27,6 +27,7 @@ const std::vector<Scope> all = {
              {"testcase/demux/section_bodies*", "testcase/demux/section_frame*",
               "testcase/demux/section_tables*", "testcase/demux/ts_reader*"},
              demux, {"Demux*"}),
+    moduleOf("Record", {"testcase/record/*"}, {"Record"}, {"RecordModuleTest"}),
     moduleOf("EEPROM", {"testcase/eeprom/*"}, {"EEPROM"}, {"DeviceCases", "StorageModules"}),
     moduleOf("FLASH", {"testcase/flash/*"}, {"FLASH"}, {"DeviceCases", "StorageModules"}),
     moduleOf("Crypto", {"testcase/crypto/*"}, {"Crypto"}, {"DeviceCases", "Crypto*"}),

@@ -28,6 +28,7 @@
 #include "framework/case/check.h"
 #include "tools/common/files.h"
 #include "tools/common/options.h"
+#include "tools/common/own_folder.h"
 #include "tools/common/process.h"
 #include "tools/torture/judge.h"
 #include "tools/torture/keys.h"
@@ -67,7 +68,8 @@ struct Job {
  *  day of its own, as that of the golden calls does. */
 [[noreturn]] void becomeWorker(const Options& options, const std::string& file,
                                const Subject& subject, const Words& task) {
-    if (chdir(options.dir.c_str()) != 0)
+    makeOwnFolder(options.dir, file + ".bench");
+    if (chdir((file + ".bench").c_str()) != 0)
         _exit(EXIT_CANNOT_RUN);
     setenv("QLX_SIM_ROOT", (file + ".device").c_str(), 1);
     // One heap without caches of threads: what it holds is then the same after equal runs.
@@ -101,6 +103,7 @@ pid_t startWorker(const Options& options, const fs::path& file, const Subject& s
 void removeDevice(const fs::path& file) {
     std::error_code ignored;
     fs::remove_all(file.string() + ".device", ignored);
+    fs::remove_all(file.string() + ".bench", ignored);
 }
 
 /** After a worker's end: true when the case is through; else another one takes the steps behind the

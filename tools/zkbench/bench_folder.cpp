@@ -98,6 +98,16 @@ std::string settingOf(const char* key, const char* path) {
     return value;
 }
 
+/** Where the program records, unless it is elsewhere on this machine: a bench has a disk. */
+void makeRecordFolders() {
+    for (const char* key : {"PVR_RCD_STORE_DIR", "PVR_RCD_STORE_DISK_DIR"}) {
+        char path[CONF_TEXT_SIZE] = "";
+        read_conf_value("RECODER", key, path, "config/common/pvr_config.cfg");
+        if (path[0] != '\0' && fs::path(path).is_relative())
+            fs::create_directories(path);
+    }
+}
+
 }  // namespace
 
 std::string lockFolder() {
@@ -122,6 +132,7 @@ void layOut(const fs::path& project) {
         if (entry.is_regular_file() && !bring(name, readText(entry.path())))
             printf("%s is the folder's own and stays as it is\n", name.c_str());
     }
+    makeRecordFolders();
     if (!fs::exists("reboot.sh")) {
         writeWhole({"reboot.sh"}, rebootScript);
         fs::permissions("reboot.sh", fs::perms::owner_exec | fs::perms::group_exec,
