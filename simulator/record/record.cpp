@@ -103,8 +103,13 @@ struct RecordState {
     uint32_t lastHandle = 0;
 };
 
+void takeBeforeChange(uint32_t demux);
+
 RecordState& state() {
-    static RecordState* instance = new RecordState;
+    static RecordState* instance = [] {
+        onDemuxChange(takeBeforeChange);
+        return new RecordState;
+    }();
     return *instance;
 }
 
@@ -219,6 +224,17 @@ void collect(Run& run, int64_t now) {
         }
         addPoint(run, place);
         addPacket(run, number);
+    }
+}
+
+/** Another stream flows from now on: what has come of the one before is taken. */
+void takeBeforeChange(uint32_t demux) {
+    std::lock_guard<std::mutex> lock(state().mutex);
+    for (auto& [handle, recorder] : state().recorders) {
+        if (recorder.demux != demux || recorder.run == nullptr)
+            continue;
+        collect(*recorder.run, nowUs());
+        look(*recorder.run);
     }
 }
 

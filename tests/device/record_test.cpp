@@ -300,7 +300,7 @@ TEST_F(SimRecord, StatesAndRefusals) {
     is(QLX_RecordSetVideoFmt(handle, 5000, 1), QLX_FAILED);
     for (uint32_t format = 0; format < 10; format++)
         is(QLX_RecordSetVideoFmt(handle, 5, format),
-           format <= 3 || format == 6 || format == 7 ? 0u : QLX_RECORD_ERR_NOT_SUPPORTED);
+           format <= 3 || format == 6 || format == 7 ? 0u : uint32_t{QLX_RECORD_ERR_NOT_SUPPORTED});
     is(QLX_RecordPause(handle), QLX_FAILED);
     is(QLX_RecordStart(handle), 0);
     is(QLX_RecordStart(handle), QLX_FAILED);
