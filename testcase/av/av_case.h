@@ -77,7 +77,7 @@ template <typename Base>
 uint32_t AV_RunVariant(const char* name, const char* arguments, Base base) {
     CaseContext tc = {name};
     const AvBaseName baseName = AV_BaseNameOf(name);
-    char text[128];
+    char text[256];
     snprintf(text, sizeof text, "%s(%s)", baseName.text, arguments);
     TC_EXPECT_RET_TEXT(text, base(baseName.text));
     return TC_RESULT(tc);
