@@ -112,7 +112,11 @@ struct TcAvConfig {
     uint32_t uH264ChannelIds[AV_STANDARD_COUNT];
     uint32_t uVideoCcChannelIds[AV_ATSC_COUNT];
     uint32_t uAc3ChannelIds[AV_ATSC_COUNT];
-    uint32_t reserved[16];
+    /** No key sets these: the cases of these formats play channel 0. */
+    uint32_t uMpegAudioChannelIds[AV_STANDARD_COUNT];
+    uint32_t uAacChannelIds[AV_STANDARD_COUNT];
+    uint32_t uEac3ChannelId;
+    uint32_t uHeAacChannelId;
 };
 static_assert(sizeof(TcAvConfig) == 192, "the area of the audio and video modules");
 

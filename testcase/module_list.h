@@ -21,7 +21,7 @@
     BUILT(RecordModule,           "Record",            "Test module for the Record",                                71,  70,  71,  70) \
     OPEN (DmxInjectModule,        "DmxInject",         "Test module for the DemuxInject",                          114, 114,   0,   0) \
     BUILT(AVCommonModule,         "AV-Common",         "Test module for AV common test, no distinguishing source", 111, 108, 111, 108) \
-    BUILT(AVDtvModule,            "AV-DTV",            "Test module for AV test, the source is DTV",               355, 324, 159, 150) \
+    BUILT(AVDtvModule,            "AV-DTV",            "Test module for AV test, the source is DTV",               355, 324, 355, 324) \
     BUILT(AVAtvModule,            "AV-ATV",            "Test module for AV test, the source is ATV",               142, 138, 142, 138) \
     BUILT(AVPvrModule,            "AV-PVR",            "Test module for AV test, the source is PVR",                83,  83,  83,  83) \
     BUILT(AVCvbsModule,           "AV-CVBS",           "Test module for AV test, the source is CVBS",               67,  65,  67,  65) \

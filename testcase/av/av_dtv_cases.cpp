@@ -5,6 +5,9 @@
 #include "testcase/av/av_play_rows.h"
 #include "testcase/av/av_register_callback_rows.h"
 #include "testcase/av/av_start_stop_rows.h"
+#include "testcase/av/dtv_control_rows.h"
+#include "testcase/av/dtv_format_rows.h"
+#include "testcase/av/dtv_stream_rows.h"
 #include "testcase/modules.h"
 
 // clang-format off
@@ -41,15 +44,18 @@
     AV_START_STOP_ROWS(AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, X) \
     AV_PLAY_ROWS(AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, X) \
     WRONG_PID_CASES(X) \
-    LONG_PLAY_CASES(X)
+    LONG_PLAY_CASES(X) \
+    DTV_FORMAT_ROWS(X) \
+    DTV_CONTROL_ROWS(X) \
+    DTV_STREAM_ROWS(X)
 // clang-format on
 
 ALL_CASES(TC_VARIANT_FUNCTION)
 
 static constexpr TcCase AVDtvModuleCases[] = {ALL_CASES(TC_VARIANT_ROW)};
 
-static_assert(tcCaseCount(AVDtvModuleCases) == 159, "cases of the module");
-static_assert(tcAutoCount(AVDtvModuleCases) == 150, "automatic ones");
+static_assert(tcCaseCount(AVDtvModuleCases) == 355, "cases of the module");
+static_assert(tcAutoCount(AVDtvModuleCases) == 324, "automatic ones");
 
 const TcModule AVDtvModule = {
     AV_DtvTestSetup,
