@@ -1,13 +1,13 @@
 // AV-DTV: pictures and sound of digital broadcasts. What every source is tested for, then what only
 // broadcasts have: PIDs that nothing comes on, long plays, plays through the common interface.
+#include "testcase/av/av_dtv_control_rows.h"
+#include "testcase/av/av_dtv_format_rows.h"
+#include "testcase/av/av_dtv_stream_rows.h"
 #include "testcase/av/av_module.h"
 #include "testcase/av/av_open_close_rows.h"
 #include "testcase/av/av_play_rows.h"
 #include "testcase/av/av_register_callback_rows.h"
 #include "testcase/av/av_start_stop_rows.h"
-#include "testcase/av/dtv_control_rows.h"
-#include "testcase/av/dtv_format_rows.h"
-#include "testcase/av/dtv_stream_rows.h"
 #include "testcase/modules.h"
 
 // clang-format off
@@ -45,9 +45,9 @@
     AV_PLAY_ROWS(AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, AV_NOT_HERE, X) \
     WRONG_PID_CASES(X) \
     LONG_PLAY_CASES(X) \
-    DTV_FORMAT_ROWS(X) \
-    DTV_CONTROL_ROWS(X) \
-    DTV_STREAM_ROWS(X)
+    AV_DTV_FORMAT_ROWS(X) \
+    AV_DTV_CONTROL_ROWS(X) \
+    AV_DTV_STREAM_ROWS(X)
 // clang-format on
 
 ALL_CASES(TC_VARIANT_FUNCTION)

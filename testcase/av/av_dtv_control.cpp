@@ -6,10 +6,10 @@
 #include "framework/case/prompt.h"
 #include "platform/qlx_videosync.h"
 #include "testcase/aout/aout_harness.h"
+#include "testcase/av/av_dtv_case.h"
+#include "testcase/av/av_dtv_control_rows.h"
 #include "testcase/av/av_judges.h"
 #include "testcase/av/av_play.h"
-#include "testcase/av/dtv_case.h"
-#include "testcase/av/dtv_control_rows.h"
 
 enum {
     ROUNDS = 10,

@@ -4,10 +4,10 @@
 #include "framework/case/prompt.h"
 #include "platform/qlx_aout.h"
 #include "testcase/aout/aout_harness.h"
+#include "testcase/av/av_dtv_case.h"
+#include "testcase/av/av_dtv_stream_rows.h"
 #include "testcase/av/av_events.h"
 #include "testcase/av/av_play.h"
-#include "testcase/av/dtv_case.h"
-#include "testcase/av/dtv_stream_rows.h"
 
 enum {
     /** s until a decoder's information is asked. */
@@ -28,31 +28,31 @@ enum {
 #member, [](const QLX_AudioDecInfo& info) -> uint32_t { return info.member; } \
     }
 
-const DtvField<QLX_VideoDecInfo> dtvFrameWidth = VIDEO_FIELD(uFrameWidth);
-const DtvField<QLX_VideoDecInfo> dtvFrameHeight = VIDEO_FIELD(uFrameHeight);
-const DtvField<QLX_VideoDecInfo> dtvInterlaced = VIDEO_FIELD(bInterlaced);
-const DtvField<QLX_VideoDecInfo> dtvFrameRate = VIDEO_FIELD(uFrameRate);
-const DtvField<QLX_VideoDecInfo> dtvColorPrimaries = VIDEO_FIELD(eColorPrimariesType);
-const DtvField<QLX_VideoDecInfo> dtvAfd = VIDEO_FIELD(eAFDType);
-const DtvField<QLX_VideoDecInfo> dtvSupportOverscan = VIDEO_FIELD(bSupportOverscan);
-const DtvField<QLX_VideoDecInfo> dtvFrameAspect = VIDEO_FIELD(eFrameAspect);
-const DtvField<QLX_VideoDecInfo> dtvPictureAspect = VIDEO_FIELD(ePictureAspectRatio);
-const DtvField<QLX_AudioDecInfo> dtvChannelInfo = AUDIO_FIELD(eChannelInfo);
-const DtvField<QLX_AudioDecInfo> dtvLfePresent = AUDIO_FIELD(bLfePresent);
+const AvDtvField<QLX_VideoDecInfo> avDtvFrameWidth = VIDEO_FIELD(uFrameWidth);
+const AvDtvField<QLX_VideoDecInfo> avDtvFrameHeight = VIDEO_FIELD(uFrameHeight);
+const AvDtvField<QLX_VideoDecInfo> avDtvInterlaced = VIDEO_FIELD(bInterlaced);
+const AvDtvField<QLX_VideoDecInfo> avDtvFrameRate = VIDEO_FIELD(uFrameRate);
+const AvDtvField<QLX_VideoDecInfo> avDtvColorPrimaries = VIDEO_FIELD(eColorPrimariesType);
+const AvDtvField<QLX_VideoDecInfo> avDtvAfd = VIDEO_FIELD(eAFDType);
+const AvDtvField<QLX_VideoDecInfo> avDtvSupportOverscan = VIDEO_FIELD(bSupportOverscan);
+const AvDtvField<QLX_VideoDecInfo> avDtvFrameAspect = VIDEO_FIELD(eFrameAspect);
+const AvDtvField<QLX_VideoDecInfo> avDtvPictureAspect = VIDEO_FIELD(ePictureAspectRatio);
+const AvDtvField<QLX_AudioDecInfo> avDtvChannelInfo = AUDIO_FIELD(eChannelInfo);
+const AvDtvField<QLX_AudioDecInfo> avDtvLfePresent = AUDIO_FIELD(bLfePresent);
 
 // What the decoder tells of a stream.
 
 template <typename Info>
-static void printFields(const Info& info, std::initializer_list<DtvDemand<Info>> demands) {
-    for (const DtvDemand<Info>& demand : demands)
+static void printFields(const Info& info, std::initializer_list<AvDtvDemand<Info>> demands) {
+    for (const AvDtvDemand<Info>& demand : demands)
         zk_log("%s = %d \r\n", demand.field->name, static_cast<int>(demand.field->read(info)));
 }
 
 template <typename Info>
 static bool meets(CaseContext& tc, const Info& info,
-                  std::initializer_list<DtvDemand<Info>> demands) {
-    for (const DtvDemand<Info>& demand : demands) {
-        if (demand.expected != DTV_ANY &&
+                  std::initializer_list<AvDtvDemand<Info>> demands) {
+    for (const AvDtvDemand<Info>& demand : demands) {
+        if (demand.expected != AV_DTV_ANY &&
             !TC_EXPECT_EQUAL(demand.expected, demand.field->read(info)))
             return false;
     }
@@ -72,7 +72,7 @@ static const Event* lastPresent(const AvRequestData<Event>& log, bool (*isPresen
 }
 
 static void checkVideo(CaseContext& tc, uint32_t eVideoDev,
-                       std::initializer_list<DtvVideoDemand> demands) {
+                       std::initializer_list<AvDtvVideoDemand> demands) {
     QLX_VideoInfo stVideoInfo = {};
     sleep(SETTLE_TIME_S);
     zk_log("call QLX_VideoGetVideoInfo()--- \r\n");
@@ -90,7 +90,7 @@ static void checkVideo(CaseContext& tc, uint32_t eVideoDev,
 }
 
 static void checkAudio(CaseContext& tc, uint32_t eAudioDev,
-                       std::initializer_list<DtvAudioDemand> demands) {
+                       std::initializer_list<AvDtvAudioDemand> demands) {
     QLX_AudioInfo stAudioInfo = {};
     sleep(SETTLE_TIME_S);
     zk_log("call QLX_AudioGetAudioInfo()--- \r\n");
@@ -107,7 +107,7 @@ static void checkAudio(CaseContext& tc, uint32_t eAudioDev,
         meets(tc, sound->stAudioInfo, demands);
 }
 
-uint32_t AV_DtvCheckVideo(const char* name, std::initializer_list<DtvVideoDemand> demands) {
+uint32_t AV_DtvCheckVideo(const char* name, std::initializer_list<AvDtvVideoDemand> demands) {
     CaseContext tc = {name};
     const AvSource stSource = AV_SelectManualSource(dtv00);
     if (TC_EXPECT_RET(AV_StartVideoOnly(&stSource, NULL))) {
@@ -117,7 +117,7 @@ uint32_t AV_DtvCheckVideo(const char* name, std::initializer_list<DtvVideoDemand
     return TC_RESULT(tc);
 }
 
-uint32_t AV_DtvCheckAudio(const char* name, std::initializer_list<DtvAudioDemand> demands) {
+uint32_t AV_DtvCheckAudio(const char* name, std::initializer_list<AvDtvAudioDemand> demands) {
     CaseContext tc = {name};
     const AvSource stSource = AV_SelectManualSource(dtv00);
     if (TC_EXPECT_RET(AV_StartAudioOnly(&stSource, NULL))) {
@@ -172,7 +172,7 @@ static uint32_t inAc4Play(const char* name, Work work) {
     return TC_RESULT(tc);
 }
 
-uint32_t AV_DtvCheckAc4Audio(const char* name, std::initializer_list<DtvAudioDemand> demands) {
+uint32_t AV_DtvCheckAc4Audio(const char* name, std::initializer_list<AvDtvAudioDemand> demands) {
     return inAc4Play(name, [&](CaseContext& tc, uint32_t eAudioDev) {
         if (TC_EXPECT_RET_TEXT("QLX_AudioSetAC4Parameters(eAudioDev, "
                                "QLX_AUDIO_DOLBY_AC4_AUDIO_MD_PRESENTATION_INDEX, 11)",

@@ -1,6 +1,6 @@
 /* What the broadcast families of AV-DTV share beside what all sources have (av_case.h). */
-#ifndef TESTCASE_AV_DTV_CASE_H
-#define TESTCASE_AV_DTV_CASE_H
+#ifndef TESTCASE_AV_AV_DTV_CASE_H
+#define TESTCASE_AV_AV_DTV_CASE_H
 
 #include <stdint.h>
 #include <stdio.h>

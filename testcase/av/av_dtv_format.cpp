@@ -1,7 +1,7 @@
+#include "testcase/av/av_dtv_case.h"
+#include "testcase/av/av_dtv_format_rows.h"
 #include "testcase/av/av_events.h"
 #include "testcase/av/av_play.h"
-#include "testcase/av/dtv_case.h"
-#include "testcase/av/dtv_format_rows.h"
 
 static uint32_t videoChannelOf(uint32_t eVideoFormat, AvStandard standard) {
     const TcAvConfig& av = zk_testConfig.av;

@@ -1,6 +1,6 @@
 /* Coded formats of broadcasts, by standard: rows of AV-DTV, and their bodies. */
-#ifndef TESTCASE_AV_DTV_FORMAT_ROWS_H
-#define TESTCASE_AV_DTV_FORMAT_ROWS_H
+#ifndef TESTCASE_AV_AV_DTV_FORMAT_ROWS_H
+#define TESTCASE_AV_AV_DTV_FORMAT_ROWS_H
 
 #include <stdint.h>
 
@@ -22,7 +22,7 @@ uint32_t AV_DtvAudioFormat(const char* name, const AvSelector& selector, uint32_
 
 // clang-format off
 // Pictures.
-#define DTV_VIDEO_FORMAT_ROWS(X) \
+#define AV_DTV_VIDEO_FORMAT_ROWS(X) \
     /* case                        flag  description                                                         body */ \
     X(TC_AV_DtvVideoFormat_001_01, AUTO, "Video-0 decode MPEG2 and play in source (Tuner-0,Demux-0,DVB-T)",  AV_DtvVideoFormat(__func__, dtv00, QLX_VIDEO_FORMAT_MPEG2, AV_DVB_T)) \
     X(TC_AV_DtvVideoFormat_001_02, AUTO, "Video-0 decode MPEG2 and play in source (Tuner-1,Demux-0,DVB-T)",  AV_DtvVideoFormat(__func__, dtv10, QLX_VIDEO_FORMAT_MPEG2, AV_DVB_T)) \
@@ -82,7 +82,7 @@ uint32_t AV_DtvAudioFormat(const char* name, const AvSelector& selector, uint32_
     X(TC_AV_DtvVideoFormat_014_04, AUTO, "Video-0 decode H264 and play in source (Tuner-1,Demux-1,ISDB-S)",  AV_DtvVideoFormat(__func__, dtv11, QLX_VIDEO_FORMAT_H264, AV_ISDB_S))
 
 // Sounds.
-#define DTV_AUDIO_FORMAT_ROWS(X) \
+#define AV_DTV_AUDIO_FORMAT_ROWS(X) \
     /* case                        flag  description                                                            body */ \
     X(TC_AV_DtvAudioFormat_001_01, AUTO, "Audio-0 decode MPEG and play in source (Tuner-0,Demux-0,DVB-T)",      AV_DtvAudioFormat(__func__, dtv00, QLX_AUDIO_FORMAT_MPEG, AV_DVB_T)) \
     X(TC_AV_DtvAudioFormat_001_02, AUTO, "Audio-0 decode MPEG and play in source (Tuner-1,Demux-0,DVB-T)",      AV_DtvAudioFormat(__func__, dtv10, QLX_AUDIO_FORMAT_MPEG, AV_DVB_T)) \
@@ -157,9 +157,9 @@ uint32_t AV_DtvAudioFormat(const char* name, const AvSelector& selector, uint32_
     X(TC_AV_DtvAudioFormat_018_03, AUTO, "Audio-0 decode HEAAC and play in source (Tuner-0,Demux-1,DVB-T)",     AV_DtvAudioFormat(__func__, dtv01, QLX_AUDIO_FORMAT_HEAAC, AV_DVB_T)) \
     X(TC_AV_DtvAudioFormat_018_04, AUTO, "Audio-0 decode HEAAC and play in source (Tuner-1,Demux-1,DVB-T)",     AV_DtvAudioFormat(__func__, dtv11, QLX_AUDIO_FORMAT_HEAAC, AV_DVB_T))
 
-#define DTV_FORMAT_ROWS(X) \
-    DTV_VIDEO_FORMAT_ROWS(X) \
-    DTV_AUDIO_FORMAT_ROWS(X)
+#define AV_DTV_FORMAT_ROWS(X) \
+    AV_DTV_VIDEO_FORMAT_ROWS(X) \
+    AV_DTV_AUDIO_FORMAT_ROWS(X)
 // clang-format on
 
 #endif

@@ -1,7 +1,7 @@
-/* Controls that broadcasts alone have: rows of AV-DTV, and their bodies. Each plays, does its work and
- * stops whatever failed, and answers the case's result. */
-#ifndef TESTCASE_AV_DTV_CONTROL_ROWS_H
-#define TESTCASE_AV_DTV_CONTROL_ROWS_H
+/* Controls that broadcasts alone have: rows of AV-DTV, and their bodies. Each plays, does its work
+ * and stops whatever failed, and answers the case's result. */
+#ifndef TESTCASE_AV_AV_DTV_CONTROL_ROWS_H
+#define TESTCASE_AV_AV_DTV_CONTROL_ROWS_H
 
 #include <stdint.h>
 
@@ -40,7 +40,7 @@ uint32_t AV_DtvSetTypedAudioMode(const char* name);
 // clang-format off
 // What the decoder tells of a picture of 3840 by 2160. The one that runs by itself plays the configured
 // channel; which of them ask an operator for such a stream is an assumption, held by the count alone.
-#define DTV_4K_ROWS(X) \
+#define AV_DTV_4K_ROWS(X) \
     /* case                            flag    description                                                       body */ \
     X(TC_AV_DtvGet4KHDRVideoInfo_001, AUTO,   "Get 4K-HDR video info from video-0 in source (Tuner-0,Demux-0)", AV_DtvGetVideoInfo(__func__, AV_SelectSource(dtv00))) \
     X(TC_AV_DtvGet4KHDRVideoInfo_002, MANUAL, "Get 4K-HDR video info from video-0 in source (Tuner-1,Demux-0)", AV_DtvGetVideoInfo(__func__, AV_SelectManualSource(dtv10))) \
@@ -48,7 +48,7 @@ uint32_t AV_DtvSetTypedAudioMode(const char* name);
     X(TC_AV_DtvGet4KHDRVideoInfo_004, MANUAL, "Get 4K-HDR video info from video-0 in source (Tuner-1,Demux-1)", AV_DtvGetVideoInfo(__func__, AV_SelectManualSource(dtv11)))
 
 // The system time clock.
-#define DTV_CLOCK_ROWS(X) \
+#define AV_DTV_CLOCK_ROWS(X) \
     /* case                         flag  description                                                                                          body */ \
     X(TC_AV_DtvSetSyncMode_001_01, AUTO, "Set sync mode (free run->PCR master->audio master) to video-0/audio-0 in source (Tuner-0,Demux-0)", AV_DtvSetSyncMode(__func__, dtv00)) \
     X(TC_AV_DtvSetSyncMode_001_02, AUTO, "Set sync mode (free run->PCR master->audio master) to video-0/audio-0 in source (Tuner-1,Demux-0)", AV_DtvSetSyncMode(__func__, dtv10)) \
@@ -60,7 +60,7 @@ uint32_t AV_DtvSetTypedAudioMode(const char* name);
     X(TC_AV_DtvGetStc_001_04,      AUTO, "Get STC from video-0/audio-0 in source (Tuner-1,Demux-1)",                                          AV_DtvGetStc(__func__, dtv11))
 
 // Which of two channels goes where.
-#define DTV_AUDIO_MODE_ROWS(X) \
+#define AV_DTV_AUDIO_MODE_ROWS(X) \
     /* case                          flag  description                                                                                  body */ \
     X(TC_AV_DtvSetAudioMode_001_01, AUTO, "Set audio mode (stereo->trackA->trackB->mix->both) to audio-0 in source (Tuner-0,Demux-0)", AV_DtvSetAudioMode(__func__, dtv00)) \
     X(TC_AV_DtvSetAudioMode_001_02, AUTO, "Set audio mode (stereo->trackA->trackB->mix->both) to audio-0 in source (Tuner-1,Demux-0)", AV_DtvSetAudioMode(__func__, dtv10)) \
@@ -68,7 +68,7 @@ uint32_t AV_DtvSetTypedAudioMode(const char* name);
     X(TC_AV_DtvSetAudioMode_001_04, AUTO, "Set audio mode (stereo->trackA->trackB->mix->both) to audio-0 in source (Tuner-1,Demux-1)", AV_DtvSetAudioMode(__func__, dtv11))
 
 // Audio description; the last of the first four is that of DVB-T again.
-#define DTV_DESCRIPTION_ROWS(X) \
+#define AV_DTV_DESCRIPTION_ROWS(X) \
     /* case                              flag  description                                                                      body */ \
     X(TC_AV_DtvAudioDescription_001_01, AUTO, "Start and stop audio description to audio-0 in source (Tuner-0,Demux-0,DVB-T)", AV_DtvAudioDescription(__func__, dtv00, AV_DVB_T)) \
     X(TC_AV_DtvAudioDescription_001_02, AUTO, "Start and stop audio description to audio-0 in source (Tuner-1,Demux-0,DVB-T)", AV_DtvAudioDescription(__func__, dtv10, AV_DVB_T)) \
@@ -100,7 +100,7 @@ uint32_t AV_DtvSetTypedAudioMode(const char* name);
     X(TC_AV_DtvAudioDescVolume_003_04,  AUTO, "Set audio description volume to to audio-0 in source (Tuner-1,Demux-1,DVB-S)",  AV_DtvAudioDescVolume(__func__, dtv11, AV_DVB_S))
 
 // The gain ahead of the volume.
-#define DTV_PRESCALER_ROWS(X) \
+#define AV_DTV_PRESCALER_ROWS(X) \
     /* case                               flag  description                                                                     body */ \
     X(TC_AV_DtvSetAudioPrescaler_001_01, AUTO, "Set audio prescaler (0->50->150->255) to audio-0 in source (Tuner-0,Demux-0)", AV_DtvSetAudioPrescaler(__func__, dtv00)) \
     X(TC_AV_DtvSetAudioPrescaler_001_02, AUTO, "Set audio prescaler (0->50->150->255) to audio-0 in source (Tuner-1,Demux-0)", AV_DtvSetAudioPrescaler(__func__, dtv10)) \
@@ -108,19 +108,19 @@ uint32_t AV_DtvSetTypedAudioMode(const char* name);
     X(TC_AV_DtvSetAudioPrescaler_001_04, AUTO, "Set audio prescaler (0->50->150->255) to audio-0 in source (Tuner-1,Demux-1)", AV_DtvSetAudioPrescaler(__func__, dtv11))
 
 // Cases of their own.
-#define DTV_SINGLE_CONTROL_ROWS(X) \
+#define AV_DTV_SINGLE_CONTROL_ROWS(X) \
     /* case                            flag    description                                                                                            body */ \
     X(TC_AV_DtvSwitchDVBTandDVBC_001, AUTO,   "Switch DVBT and DVBC for 10 times in DTV (Tuner-0,Demux-0) with audio-0 and video-0",                 AV_DtvSwitchDvbTAndDvbC(__func__)) \
     X(TC_AV_DtvPauseResume_001,       MANUAL, "Pause and resume video-0/audio-0",                                                                    AV_DtvPauseResume(__func__)) \
     X(TC_AV_DtvSetAudioMode_002,      MANUAL, "Set audio mode (input by the operator) to audio-0; the stream must carry two languages in one sound", AV_DtvSetTypedAudioMode(__func__))
 
-#define DTV_CONTROL_ROWS(X) \
-    DTV_4K_ROWS(X) \
-    DTV_CLOCK_ROWS(X) \
-    DTV_AUDIO_MODE_ROWS(X) \
-    DTV_DESCRIPTION_ROWS(X) \
-    DTV_PRESCALER_ROWS(X) \
-    DTV_SINGLE_CONTROL_ROWS(X)
+#define AV_DTV_CONTROL_ROWS(X) \
+    AV_DTV_4K_ROWS(X) \
+    AV_DTV_CLOCK_ROWS(X) \
+    AV_DTV_AUDIO_MODE_ROWS(X) \
+    AV_DTV_DESCRIPTION_ROWS(X) \
+    AV_DTV_PRESCALER_ROWS(X) \
+    AV_DTV_SINGLE_CONTROL_ROWS(X)
 // clang-format on
 
 #endif
