@@ -28,7 +28,7 @@
     BUILT(AVHdmiModule,           "AV-HDMI",           "Test module for AV test, the source is HDMI",              102,  99, 102,  99) \
     BUILT(AVYpbprModule,          "AV-YPBPR",          "Test module for AV test, the source is YPBPR",              67,  65,  67,  65) \
     OPEN (AVDtvVideoCcModule,     "AV-VideoCC",        "Test module for video CC",                                  64,  64,   0,   0) \
-    OPEN (AFEModule,              "AFE",               "Test module for the ATV ",                                 165, 153,   0,   0) \
+    BUILT(AFEModule,              "AFE",               "Test module for the ATV ",                                 165, 153, 165, 153) \
     OPEN (AOutModule,             "AOUT",              "Test module for the AOUT",                                 163, 150,   0,   0) \
     BUILT(VOutModulePrimary,      "VOUT-Primary",      "Test cases of VOUT for primary interface",                  64,  64,  64,  64) \
     OPEN (VOutModuleAdvance,      "VOUT-Advanced",     "Test cases of VOUT for advanced function",                 114,  72,   0,   0) \

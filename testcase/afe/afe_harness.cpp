@@ -9,6 +9,7 @@
 #include "environment/config_files.h"
 #include "environment/test_env.h"
 #include "framework/case/ladder.h"
+#include "framework/case/wait.h"
 #include "platform/qlx_sif.h"
 #include "testcase/vout/vout_harness.h"
 
@@ -62,6 +63,16 @@ uint32_t AFE_PrintAnalogSignalStatus(const QLX_AnalogSignalStatus* pstSignalStat
     return TC_SUCCESS;
 }
 
+uint32_t AFE_PrintAnlaogTuneParam(const QLX_AnalogTuningParams* pstTuningParams) {
+    if (pstTuningParams == nullptr)
+        return TC_FAILURE;
+    const QLX_AnalogTuningParams& params = *pstTuningParams;
+    zk_log("AnlaogTuneParam  Frequency=%d \n", static_cast<int>(params.Frequency));
+    zk_log("AnlaogTuneParam  AudioStandard=%d \n", static_cast<int>(params.AudioStandard));
+    zk_log("AnlaogTuneParam  ColorStandard=%d \n", static_cast<int>(params.ColorStandard));
+    return TC_SUCCESS;
+}
+
 static void tellSoundMode(uint32_t eTunerId) {
     uint32_t eMode = 0;
     zk_log("AFE_AFECallback (QLX_EVENT_ANALOG_MTS_CHANGED) \n");
@@ -79,9 +90,8 @@ static void tellLock(uint32_t bLocked) {
            bLocked == 1 ? "Locked" : "UnLocked");
 }
 
-void AFE_AFECallback(uint32_t eTunerId, void* pUserData, uint32_t eEvent, void* pData) {
-    static_cast<void>(pUserData);
-    pthread_mutex_lock(&g_AFENotifyMtx);
+/** Keeps the event and tells it on the console. Called with the mutex held. */
+static void takeEvent(uint32_t eTunerId, uint32_t eEvent, const void* pData) {
     m_afeEventFlags = eEvent;
     if (eEvent == QLX_EVENT_ANALOG_MTS_CHANGED)
         tellSoundMode(eTunerId);
@@ -89,20 +99,84 @@ void AFE_AFECallback(uint32_t eTunerId, void* pUserData, uint32_t eEvent, void* 
         tellLock(pData != nullptr ? *static_cast<const uint32_t*>(pData) : 0);
     else
         zk_log("AFE_AFECallback (Unsuppoted Event %d) \n", static_cast<int>(eEvent));
+}
+
+void AFE_AFECallback(uint32_t eTunerId, void* pUserData, uint32_t eEvent, void* pData) {
+    static_cast<void>(pUserData);
+    pthread_mutex_lock(&g_AFENotifyMtx);
+    takeEvent(eTunerId, eEvent, pData);
     pthread_cond_signal(&g_AFENotifyCond);
     pthread_mutex_unlock(&g_AFENotifyMtx);
 }
 
-/** Waits for any event behind the call that causes it: one that came earlier is lost. */
-static void waitForEvent() {
-    timeval now;
+void AFE_AFECallbackNotifyMtsChange(uint32_t eTunerId, void* pUserData, uint32_t eEvent,
+                                    void* pData) {
+    static_cast<void>(pUserData);
     pthread_mutex_lock(&g_AFENotifyMtx);
+    takeEvent(eTunerId, eEvent, pData);
+    if (eEvent == QLX_EVENT_ANALOG_MTS_CHANGED)
+        pthread_cond_signal(&g_AFENotifyCond);
+    pthread_mutex_unlock(&g_AFENotifyMtx);
+}
+
+void AFE_ForgetEvent(void) {
+    pthread_mutex_lock(&g_AFENotifyMtx);
+    m_afeEventFlags = 0;
+    pthread_mutex_unlock(&g_AFENotifyMtx);
+}
+
+uint32_t AFE_LastEvent(void) {
+    pthread_mutex_lock(&g_AFENotifyMtx);
+    const uint32_t eEvent = m_afeEventFlags;
+    pthread_mutex_unlock(&g_AFENotifyMtx);
+    return eEvent;
+}
+
+/** Waits for an event behind the call that causes it: one that came earlier is lost. False when the
+ *  time is up. Called with the mutex held. */
+static bool waitForEvent() {
+    timeval now;
     gettimeofday(&now, nullptr);
     const timespec deadline = {now.tv_sec + EVENT_TIMEOUT_S, now.tv_usec * 1000};
-    int result = pthread_cond_timedwait(&g_AFENotifyCond, &g_AFENotifyMtx, &deadline);
+    if (pthread_cond_timedwait(&g_AFENotifyCond, &g_AFENotifyMtx, &deadline) != ETIMEDOUT)
+        return true;
+    zk_log("Failed for 2S AFECallback not return, Tuning time out\n");
+    return false;
+}
+
+/** Whether the front end has the channel, behind its event. `watch` runs since the tuning. */
+static bool isTuned(CaseContext& tc, uint32_t eTunerId, const QLX_AnalogTuningParams& params,
+                    const Stopwatch& watch) {
+    QLX_AnalogSignalStatus stSignalInfo = {};
+    if (!TC_EXPECT_RET(QLX_AFEGetSignalStatus(eTunerId, &stSignalInfo)))
+        return false;
+    if (stSignalInfo.bVifLock == 0) {
+        zk_log("vif unlock=%d\n", static_cast<int>(stSignalInfo.bVifLock));
+        return false;
+    }
+    if (stSignalInfo.bVideoDecoderLock == 0) {
+        zk_log("vd unlock=%d.\n", static_cast<int>(stSignalInfo.bVideoDecoderLock));
+        return false;
+    }
+    zk_log("Tuning [%dkhz] consume %lld ms\n", static_cast<int>(params.Frequency),
+           static_cast<long long>(watch.ms()));
+    return true;
+}
+
+uint32_t AFE_TuningChanelChange(uint32_t eTunerId, QLX_AnalogTuningParams* pstTuningParams,
+                                uint32_t eAFC) {
+    CaseContext tc = {__func__};
+    static_cast<void>(eAFC);
+    pstTuningParams->eTuneType = QLX_AFE_TUNE_TYPE_CHANNEL_CHANGE;
+    const Stopwatch watch;
+    TC_ASSERT_RET(QLX_AFESetTuningParam(eTunerId, pstTuningParams));
+    zk_log("QLX_AFESetTuningParam [%dkhz] consume %lld ms\n",
+           static_cast<int>(pstTuningParams->Frequency), static_cast<long long>(watch.ms()));
+    pthread_mutex_lock(&g_AFENotifyMtx);
+    if (!waitForEvent() || !isTuned(tc, eTunerId, *pstTuningParams, watch))
+        tc.result = TC_FAILURE;
     pthread_mutex_unlock(&g_AFENotifyMtx);
-    if (result == ETIMEDOUT)
-        zk_log("Failed for 2S AFECallback not return, Tuning time out\n");
+    return TC_RESULT(tc);
 }
 
 /** A front end and the channel that it is tuned to. */
@@ -128,8 +202,11 @@ static bool opensOutput(const AnalogBench&) {
 
 static int64_t tune(AnalogBench& bench) {
     int32_t result = QLX_AFESetTuningParam(bench.eTunerId, &bench.stTuningParams);
-    if (result == QLX_SUCCESS)
+    if (result == QLX_SUCCESS) {
+        pthread_mutex_lock(&g_AFENotifyMtx);
         waitForEvent();
+        pthread_mutex_unlock(&g_AFENotifyMtx);
+    }
     return result;
 }
 
