@@ -78,11 +78,21 @@ void tell(Afe& afe, int64_t delayMs, uint32_t event, uint32_t word) {
     });
 }
 
-/** The sound processor has had its time. */
-void soundFound(Afe& afe) {
+/** The sound processor has had its time for a search. */
+void soundFound(Afe& afe, uint32_t search) {
     std::lock_guard<std::mutex> lock(afeFamily().mutex);
-    if (afe.lock.video && audioOutputsRun())
-        tell(afe, 0, QLX_EVENT_ANALOG_MTS_CHANGED, soundModeOf(afe));
+    if (search != afe.soundSearch || !afe.lock.video || !audioOutputsRun())
+        return;
+    afe.soundKnown = true;
+    tell(afe, 0, QLX_EVENT_ANALOG_MTS_CHANGED, soundModeOf(afe));
+}
+
+/** The sound is another: the processor begins anew. Called with the family locked. */
+void searchSound(Afe& afe) {
+    afe.soundKnown = false;
+    const uint32_t search = ++afe.soundSearch;
+    afe.events->post(&afe, board().number("AFE", "SOUND_MS"),
+                     [&afe, search] { soundFound(afe, search); });
 }
 
 /** The locks are as they are from now on, and the program hears of it. Called with the family
@@ -92,8 +102,7 @@ void enterLock(Afe& afe, const AnalogLock& now) {
     afe.lockedAtMs = nowMs();
     publishAfe(afe);
     tell(afe, 0, QLX_EVENT_ANALOG_SIGNAL_LOCKED, now.video ? 1 : 0);
-    if (now.video)
-        afe.events->post(&afe, board().number("AFE", "SOUND_MS"), [&afe] { soundFound(afe); });
+    searchSound(afe);
 }
 
 /** On the front end's thread, when acquisition (or, at last, giving up) is due. */
@@ -125,7 +134,7 @@ void airChanged() {
         afe.lock = now;
         if (now.video && now.station.sound != before.station.sound) {
             afe.chosenMode = -1;
-            afe.events->post(&afe, board().number("AFE", "SOUND_MS"), [&afe] { soundFound(afe); });
+            searchSound(afe);
         }
         publishAfe(afe);
     }
@@ -139,6 +148,7 @@ void leaveChannel(std::unique_lock<std::mutex>& lock, Afe& afe) {
     afe.tuned = false;
     afe.acquiring = false;
     afe.lock = AnalogLock();
+    afe.soundKnown = false;
     afe.forcedAudio = 0;
     afe.forcedColor = 0;
     afe.chosenMode = -1;
@@ -211,7 +221,10 @@ int32_t afeRefusal(uint32_t id) {
 }
 
 uint32_t audioStandardOf(const Afe& afe) {
-    return inForce(afe.forcedAudio, afe.record.AudioStandard, afe.lock.station.audio);
+    uint32_t sent = afe.lock.station.audio;
+    if (afe.soundKnown)
+        sent = soundSystemOf(afe.lock.station);
+    return inForce(afe.forcedAudio, afe.record.AudioStandard, sent);
 }
 
 uint32_t colorStandardOf(const Afe& afe) {

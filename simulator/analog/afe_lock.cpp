@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-#include "platform/qlx_afe.h"
+#include "platform/qlx_sif.h"
 
 namespace sim {
 
@@ -49,6 +49,32 @@ AnalogLock decideAnalogLock(uint32_t frequency, const std::vector<Station>& stat
         lock.station = station;
     }
     return lock;
+}
+
+uint32_t soundSystemOf(const Station& station) {
+    const uint32_t mode = station.sound;
+    const bool nicam =
+        mode >= QLX_SND_OUT_MODE_NICAM_MONO && mode <= QLX_SND_OUT_MODE_NICAM_DUAL_AB;
+    const bool btsc = mode >= QLX_SND_OUT_MODE_BTSC_MONO && mode <= QLX_SND_OUT_MODE_BTSC_MONO_SAP;
+    const bool secondCarrier = mode >= QLX_SND_OUT_MODE_STEREO && mode <= QLX_SND_OUT_MODE_DUAL_AB;
+    // System, and what it is with NICAM, multichannel sound, and a second carrier; 0: has it not.
+    static const struct {
+        uint32_t system, withNicam, withBtsc, withSecondCarrier;
+    } rows[] = {
+        {QLX_ANALOG_AUDSTD_BG, QLX_ANALOG_AUDSTD_BG_NICAM, 0, QLX_ANALOG_AUDSTD_BG_A2},
+        {QLX_ANALOG_AUDSTD_DK, QLX_ANALOG_AUDSTD_DK_NICAM, 0, QLX_ANALOG_AUDSTD_DK_A2},
+        {QLX_ANALOG_AUDSTD_M, 0, QLX_ANALOG_AUDSTD_M_BTSC, QLX_ANALOG_AUDSTD_M_A2},
+    };
+    for (const auto& row : rows) {
+        if (row.system != station.audio)
+            continue;
+        const uint32_t found = nicam           ? row.withNicam
+                               : btsc          ? row.withBtsc
+                               : secondCarrier ? row.withSecondCarrier
+                                               : 0;
+        return found != 0 ? found : station.audio;
+    }
+    return station.audio;
 }
 
 }  // namespace sim

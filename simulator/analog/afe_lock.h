@@ -28,6 +28,11 @@ AnalogLock decideAnalogLock(uint32_t frequency, const std::vector<Station>& stat
  *  below it: QLX_AfcDistance. */
 uint32_t afcDistance(int32_t distance);
 
+/** The sound system of a station with what its sound carriers bring: QLX_AnalogAudioStandard.
+ * Before that is known, only the distance of the carriers from the picture tells, which is `audio`.
+ */
+uint32_t soundSystemOf(const Station& station);
+
 }  // namespace sim
 
 #endif

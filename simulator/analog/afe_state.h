@@ -24,6 +24,10 @@ struct Afe {
     QLX_AnalogTuningParams record = {};
     AnalogLock lock;
     int64_t lockedAtMs = 0;
+    /** The sound processor has found what the sound carriers bring. */
+    bool soundKnown = false;
+    /** Counts its searches: the last one counts. */
+    uint32_t soundSearch = 0;
     /** Standards that the program forces, and the output mode that it has chosen; 0 and -1: none.
      */
     uint32_t forcedAudio = 0;

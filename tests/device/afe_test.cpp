@@ -190,6 +190,35 @@ TEST(AfeLock, WindowsAtTheirBorders) {
     EXPECT_EQ(lock.station.frequency, station.frequency);
 }
 
+TEST(AfeLock, SoundCarriersTellTheSystem) {
+    const struct {
+        uint32_t system;
+        uint32_t sound;
+        uint32_t found;
+    } rows[] = {
+        {QLX_ANALOG_AUDSTD_BG, QLX_SND_OUT_MODE_MONO, QLX_ANALOG_AUDSTD_BG},
+        {QLX_ANALOG_AUDSTD_BG, QLX_SND_OUT_MODE_STEREO, QLX_ANALOG_AUDSTD_BG_A2},
+        {QLX_ANALOG_AUDSTD_BG, QLX_SND_OUT_MODE_NICAM_MONO, QLX_ANALOG_AUDSTD_BG_NICAM},
+        {QLX_ANALOG_AUDSTD_BG, QLX_SND_OUT_MODE_BTSC_MONO, QLX_ANALOG_AUDSTD_BG},
+        {QLX_ANALOG_AUDSTD_BG, QLX_SND_OUT_MODE_BTSC_MONO_SAP, QLX_ANALOG_AUDSTD_BG},
+        {QLX_ANALOG_AUDSTD_DK, QLX_SND_OUT_MODE_DUAL_AB, QLX_ANALOG_AUDSTD_DK_A2},
+        {QLX_ANALOG_AUDSTD_DK, QLX_SND_OUT_MODE_NICAM_DUAL_AB, QLX_ANALOG_AUDSTD_DK_NICAM},
+        {QLX_ANALOG_AUDSTD_M, QLX_SND_OUT_MODE_DUAL_A, QLX_ANALOG_AUDSTD_M_A2},
+        {QLX_ANALOG_AUDSTD_M, QLX_SND_OUT_MODE_BTSC_MONO, QLX_ANALOG_AUDSTD_M_BTSC},
+        {QLX_ANALOG_AUDSTD_M, QLX_SND_OUT_MODE_BTSC_MONO_SAP, QLX_ANALOG_AUDSTD_M_BTSC},
+        {QLX_ANALOG_AUDSTD_M, QLX_SND_OUT_MODE_NICAM_MONO, QLX_ANALOG_AUDSTD_M},
+        {QLX_ANALOG_AUDSTD_M_EIAJ, QLX_SND_OUT_MODE_STEREO, QLX_ANALOG_AUDSTD_M_EIAJ},
+        {QLX_ANALOG_AUDSTD_I, QLX_SND_OUT_MODE_NICAM_STEREO, QLX_ANALOG_AUDSTD_I},
+        {QLX_ANALOG_AUDSTD_L, QLX_SND_OUT_MODE_NICAM_STEREO, QLX_ANALOG_AUDSTD_L},
+    };
+    for (const auto& row : rows) {
+        sim::Station station;
+        station.audio = row.system;
+        station.sound = row.sound;
+        EXPECT_EQ(sim::soundSystemOf(station), row.found) << row.system << " " << row.sound;
+    }
+}
+
 TEST_F(SimAfe, ATuningIsAnsweredByOneEvent) {
     Ear ear;
     openAfe(2, &ear);
@@ -267,6 +296,81 @@ TEST_F(SimAfe, StandardsAreTheForcedThenTheAskedThenTheStations) {
     tune(1, channel1, QLX_ANALOG_AUDSTD_AUTO, 0);
     ear.listen(1000);
     EXPECT_EQ(standards(), Words({256, 256, 256, 256}));
+}
+
+TEST_F(SimAfe, TheSoundSystemIsKnownWithTheSound) {
+    Ear ear;
+    openAfe(0, &ear);
+    EXPECT_EQ(QLX_AOutInit(), 0);
+    auto detected = [] {
+        uint32_t audio = 0;
+        EXPECT_EQ(QLX_SIFGetAudioStdDetection(0, &audio), 0);
+        return audio;
+    };
+    EXPECT_EQ(qlx_sim_event("station 471250 SOUND=10"), 0);
+    tune(0, channel0, QLX_ANALOG_AUDSTD_AUTO);
+    EXPECT_EQ(ear.listen(699), Lines({"+200 2 1"}));
+    EXPECT_EQ(detected(), static_cast<uint32_t>(QLX_ANALOG_AUDSTD_BG));
+    EXPECT_EQ(ear.listen(101), Lines({"+1 1 10"}));
+    EXPECT_EQ(detected(), static_cast<uint32_t>(QLX_ANALOG_AUDSTD_BG_NICAM));
+    // Of changes that follow each other, the last one is told.
+    EXPECT_EQ(qlx_sim_event("station 471250 SOUND=2"), 0);
+    EXPECT_EQ(ear.listen(400), Lines());
+    EXPECT_EQ(detected(), static_cast<uint32_t>(QLX_ANALOG_AUDSTD_BG));
+    EXPECT_EQ(qlx_sim_event("station 471250 SOUND=1"), 0);
+    EXPECT_EQ(ear.listen(1000), Lines({"+500 1 1"}));
+    EXPECT_EQ(detected(), static_cast<uint32_t>(QLX_ANALOG_AUDSTD_BG_A2));
+    tune(0, channel0, QLX_ANALOG_AUDSTD_BG);
+    EXPECT_EQ(ear.listen(2000), Lines({"+200 2 1", "+700 1 1"}));
+    EXPECT_EQ(detected(), static_cast<uint32_t>(QLX_ANALOG_AUDSTD_BG)) << "as asked for";
+}
+
+TEST_F(SimAfe, AFadeTakesThePictureThenTheCarrier) {
+    Ear ear;
+    openAfe(0, &ear);
+    tune(0, channel0);
+    EXPECT_EQ(ear.listen(1000), Lines({"+200 2 1"}));
+    for (int step = 1; step <= 6; step++) {
+        const std::string fade = sim::format("in %d station 471250 LEVEL=%d", step * 1000,
+                                             -40 - 10 * step - (step >= 4 ? 1 : 0));
+        EXPECT_EQ(qlx_sim_event(fade.c_str()), 0) << fade;
+    }
+    EXPECT_EQ(ear.listen(4500), Lines({"+4000 2 0"})) << "-81 dBm: no picture";
+    EXPECT_EQ(statusOf(0).bVifLock, 1u);
+    EXPECT_EQ(ear.listen(1000), Lines()) << "-91 dBm: no carrier, which is no news";
+    EXPECT_EQ(statusOf(0).bVifLock, 0u);
+    EXPECT_EQ(qlx_sim_event("station 471250 LEVEL=-80"), 0);
+    EXPECT_EQ(ear.listen(400), Lines({"+0 2 1"}));
+}
+
+TEST_F(SimAfe, CallbacksMayCallWhatTheyLike) {
+    // From each event: what it sees, and the next call of a front end's life.
+    static std::vector<std::string> seen;
+    seen.clear();
+    QLX_AFECallback callback = [](uint32_t id, void*, uint32_t, void* data) {
+        QLX_AnalogSignalStatus status = {};
+        QLX_AnalogTuningParams params = {};
+        uint32_t word = 0;
+        EXPECT_EQ(QLX_AFEGetSignalStatus(id, &status), 0);
+        EXPECT_EQ(QLX_SIFGetSndOutMode(id, &word), 0);
+        EXPECT_EQ(QLX_AFEGetTuningParam(id, &params), 0);
+        EXPECT_EQ(QLX_AFEGetSignalStatus(QLX_TUNER_3, &status), QLX_FAILED);
+        seen.push_back(std::to_string(*static_cast<uint32_t*>(data)) + " at " +
+                       std::to_string(params.Frequency));
+        if (params.Frequency == channel0)
+            tune(id, channel1);
+        else if (params.Frequency == channel1)
+            tune(id, channel0 + 3000);
+        else
+            EXPECT_EQ(QLX_AFEDeInit(id), 0);
+    };
+    EXPECT_EQ(QLX_AFEInit(1), 0);
+    EXPECT_EQ(QLX_AFEOpen(1), 0);
+    EXPECT_EQ(QLX_AFERegisterCallback(1, nullptr, callback), 0);
+    tune(1, channel0);
+    sim::sleepMs(5000);
+    EXPECT_EQ(seen, Lines({"1 at 471250", "1 at 477250", "0 at 474250"}));
+    EXPECT_EQ(deviceState(), "");
 }
 
 TEST_F(SimAfe, TheDiscriminatorLeadsASearchToTheCarrierFromAllOfItsWindow) {
