@@ -1,5 +1,6 @@
 #include "testcase/av/av_judges.h"
 
+#include <stdio.h>
 #include <string.h>
 
 #include <algorithm>
@@ -178,15 +179,16 @@ static bool checkVideoStatus(CaseContext& tc, const Question& question) {
            TC_EXPECT_EQUAL(1, stVideoInfo.eStatus);
 }
 
+/** Lines of the decoder's own log: without the time in front. */
 static void printPicture(const CaseContext& tc, const QLX_VideoDecInfo& info) {
-    zk_log(
+    printf(
         "\n\n==>[%s() %d]E:video info: eVideoPresent = %d, eVideoFormat = %d, uFrameRate = "
         "%d.\r\n ",
         tc.name, __LINE__, static_cast<int>(info.eVideoPresent),
         static_cast<int>(info.eVideoFormat), static_cast<int>(info.uFrameRate));
-    zk_log("\n\n==>[%s() %d]E:video info: uFrameWidth = %d, uFrameHeight = %d, eHdrType = %d.\r\n ",
+    printf("\n\n==>[%s() %d]E:video info: uFrameWidth = %d, uFrameHeight = %d, eHdrType = %d.\r\n ",
            tc.name, __LINE__, info.uFrameWidth, info.uFrameHeight, static_cast<int>(info.eHdrType));
-    zk_log("\n\n==>[%s() %d]E:video info: eFrameAspect = %d, ePictureAspectRatio = %d.\r\n ",
+    printf("\n\n==>[%s() %d]E:video info: eFrameAspect = %d, ePictureAspectRatio = %d.\r\n ",
            tc.name, __LINE__, static_cast<int>(info.eFrameAspect),
            static_cast<int>(info.ePictureAspectRatio));
 }

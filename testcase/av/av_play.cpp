@@ -105,6 +105,10 @@ static constexpr PlayStep soundStep = {LADDER_CALL("TC_AOUT_START()", TC_AOUT_ST
 static constexpr PlayStep pictureStep = {
     LADDER_CALL("TC_VOUT_START(&stVOutInRect)", VOUT_StartOnPicture(bench.stVideoDecInfo)),
     LADDER_CALL("TC_VOUT_STOP()", TC_VOUT_STOP())};
+/** The same of a picture alone, which tells its rectangle by another name. */
+static constexpr PlayStep lonePictureStep = {
+    LADDER_CALL("TC_VOUT_START(&stInRect)", VOUT_StartOnPicture(bench.stVideoDecInfo)),
+    LADDER_CALL("TC_VOUT_STOP()", TC_VOUT_STOP())};
 
 // Picture and sound.
 
@@ -315,7 +319,7 @@ static const PlayStep videoSteps[] = {
     outputStep,
     {LADDER_CALL("QLX_VideoStart(eVideoDev, eVideoFormat, uVideoPid)", startVideo(bench)),                                                                                                                   LADDER_CALL("QLX_VideoStop(eVideoDev)", QLX_VideoStop(bench.pstSource->eVideoDev)), UNDO_CHECKED, isCoded},
     {LADDER_CALL("QLX_VideoStart(eVideoDev, QLX_VIDEO_FORMAT_NONE, 0)", QLX_VideoStart(bench.pstSource->eVideoDev, QLX_VIDEO_FORMAT_NONE, 0)),                                                               LADDER_CALL("QLX_VideoStop(eVideoDev)", QLX_VideoStop(bench.pstSource->eVideoDev)), UNDO_CHECKED, isNotCoded},
-    pictureStep,
+    lonePictureStep,
 };
 static const PlayStep audioSteps[] = {
     initStep,

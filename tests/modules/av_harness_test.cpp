@@ -1,12 +1,14 @@
 // Bringing up picture and sound: what each operation calls for each kind of source, what it undoes
-// when one of its calls is refused, and what it waits for. The calls stand in
-// tests/golden/av_operations.txt; ZK_GOLDEN=write writes that file anew for a review.
+// when one of its calls is refused, and what it waits for. The calls, and the texts of those that
+// fail, stand in tests/golden/av_operations.txt; ZK_GOLDEN=write writes that file anew for a
+// review.
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <fstream>
 #include <functional>
 #include <map>
+#include <regex>
 #include <set>
 #include <vector>
 
@@ -246,6 +248,7 @@ class AvOperations : public AvHarness {
             const std::vector<std::string> now = shortCalls();
             EXPECT_GT(qlx_sim_faults_acted(), 0u) << calls[i];
             qlx_sim_clear_faults();
+            noteTexts();
             EXPECT_TRUE(
                 std::equal(calls.begin(), calls.begin() + static_cast<long>(i) + 1, now.begin()))
                 << calls[i];
@@ -268,9 +271,30 @@ class AvOperations : public AvHarness {
             const std::vector<std::string> now = shortCalls();
             EXPECT_GT(qlx_sim_faults_acted(), 0u) << calls[i];
             qlx_sim_clear_faults();
+            noteTexts();
             text += "    " + calls[i] + (result == FAIL ? ":" : " (ignored):");
             text += now == calls ? " all tried" : joined(now, i + 1);
             text += leftText(FAIL) + "\n";
+        }
+        return text;
+    }
+
+    /** Keeps what the failed checks of each function have printed. */
+    void noteTexts() {
+        static const std::regex check("\\[(\\w+)\\]\\[\\d+\\](FUNC:.*|expect .*\\d) ");
+        std::istringstream lines(takeOutput());
+        std::smatch found;
+        for (std::string line; std::getline(lines, line);) {
+            if (std::regex_search(line, found, check))
+                texts_[found[1]].insert(found[2]);
+        }
+    }
+    std::string notedTexts() const {
+        std::string text = "== what a refused call is told by\n";
+        for (const auto& function : texts_) {
+            text += "-- " + function.first + "\n";
+            for (const std::string& line : function.second)
+                text += "    " + line + "\n";
         }
         return text;
     }
@@ -283,6 +307,8 @@ class AvOperations : public AvHarness {
     BenchFolder folder_;
     std::vector<std::string> upCalls_;
     std::vector<std::string> downCalls_;
+    /** By function. */
+    std::map<std::string, std::set<std::string>> texts_;
 };
 
 TEST_F(AvOperations, CallAndUndoWhatIsOnRecord) {
@@ -307,6 +333,7 @@ TEST_F(AvOperations, CallAndUndoWhatIsOnRecord) {
         reporter.reset();
         setUpBench();
     }
+    text += notedTexts();
     const char* mode = getenv("ZK_GOLDEN");
     if (mode != nullptr && std::string(mode) == "write") {
         std::ofstream(path) << text;
