@@ -88,14 +88,14 @@ using SinkStep = LadderStep<const AOutParams>;
 
 #define SINK_HAS(flag) [](const AOutParams& board) { return board.flag != 0; }
 #define OPEN_STEP(device, sink, flag) \
-    {LADDER_CALL("QLX_AOutOpen(" #device "," #sink ")", QLX_AOutOpen(device, sink)), LADDER_CALL("QLX_AOutClose(" #device ")", QLX_AOutClose(device)), UNDO_CHECKED, SINK_HAS(flag)},
+    {LADDER_CALL("QLX_AOutOpen(" #device ", " #sink ")", QLX_AOutOpen(device, sink)), LADDER_CALL("QLX_AOutClose(" #device ")", QLX_AOutClose(device)), UNDO_CHECKED, SINK_HAS(flag)},
 #define OPEN_FOR_GOOD_STEP(device, sink, flag) \
-    {LADDER_CALL("QLX_AOutOpen(" #device "," #sink ")", QLX_AOutOpen(device, sink)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
+    {LADDER_CALL("QLX_AOutOpen(" #device ", " #sink ")", QLX_AOutOpen(device, sink)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
 #define START_STEPS(device, sink, flag) \
-    {LADDER_CALL("QLX_AOutSetVolume(" #device ",30)", QLX_AOutSetVolume(device, SINK_VOLUME)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)}, \
-    {LADDER_CALL("QLX_AOutSetMute(" #device ",QLX_FALSE)", QLX_AOutSetMute(device, QLX_FALSE)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
+    {LADDER_CALL("QLX_AOutSetVolume(" #device ", 30)", QLX_AOutSetVolume(device, SINK_VOLUME)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)}, \
+    {LADDER_CALL("QLX_AOutSetMute(" #device ", QLX_FALSE)", QLX_AOutSetMute(device, QLX_FALSE)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
 #define STOP_STEP(device, sink, flag) \
-    {LADDER_CALL("QLX_AOutSetMute(" #device ",QLX_TRUE)", QLX_AOutSetMute(device, QLX_TRUE)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
+    {LADDER_CALL("QLX_AOutSetMute(" #device ", QLX_TRUE)", QLX_AOutSetMute(device, QLX_TRUE)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
 // clang-format on
 
 /** A Bluetooth sink that is closed lets its link go, and the link takes its time to come back: it
@@ -132,8 +132,8 @@ uint32_t TC_AOUT_STOP(void) {
 // goes there for both.
 // clang-format off
 #define DESCRIPTION_STEPS(device, flag) \
-    {LADDER_CALL("QLX_AOutSetAudioDescription(" #device ",QLX_TRUE)", QLX_AOutSetAudioDescription(device, QLX_TRUE)), LADDER_CALL("QLX_AOutSetAudioDescription(" #device ",QLX_FALSE)", QLX_AOutSetAudioDescription(device, QLX_FALSE)), UNDO_CHECKED, SINK_HAS(flag)}, \
-    {LADDER_CALL("QLX_AOutSetAudioDescriptionVolume(QLX_AOUTDEV_NUMBER_0,50)", QLX_AOutSetAudioDescriptionVolume(QLX_AOUTDEV_NUMBER_0, DESCRIPTION_VOLUME)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
+    {LADDER_CALL("QLX_AOutSetAudioDescription(" #device ", QLX_TRUE)", QLX_AOutSetAudioDescription(device, QLX_TRUE)), LADDER_CALL("QLX_AOutSetAudioDescription(" #device ", QLX_FALSE)", QLX_AOutSetAudioDescription(device, QLX_FALSE)), UNDO_CHECKED, SINK_HAS(flag)}, \
+    {LADDER_CALL("QLX_AOutSetAudioDescriptionVolume(QLX_AOUTDEV_NUMBER_0, 50)", QLX_AOutSetAudioDescriptionVolume(QLX_AOUTDEV_NUMBER_0, DESCRIPTION_VOLUME)), LADDER_NONE, UNDO_CHECKED, SINK_HAS(flag)},
 // clang-format on
 static const SinkStep descriptionSteps[] = {DESCRIPTION_STEPS(
     QLX_AOUTDEV_NUMBER_0, uAoutSpeaker) DESCRIPTION_STEPS(QLX_AOUTDEV_NUMBER_1, uAoutHeadphone)};
