@@ -1,8 +1,9 @@
 // Trusted applications: four of them, alike, behind a transport with one thread for answers.
 //
 // The model of a TA, by command: 1, 2 and 3 give their payload back; 4 is answered by a header
-// alone; 5 and 6 give the payload back with the lowest bit of each byte flipped; 7 kills the TA,
-// which leaves what it has not answered yet unanswered. Other commands are not answered.
+// alone; 5 and 6 give the payload back with the lowest bit of each byte flipped, the header of 6
+// with a pointer that does not lead to it; 7 kills the TA, which leaves what it has not answered
+// yet unanswered. Other commands are not answered.
 //
 // State rules: initialisation is a flag. A session has at most one callback. A dead TA refuses
 // messages until its session is closed and opened again. Answers without a callback are lost.
@@ -130,18 +131,21 @@ void answer(uint32_t taId, const Record& record) {
     }
     if (callback == nullptr)
         return;
-    std::vector<uint64_t> room((sizeof(QLX_TEECCommand) + record.payload.size() + 7) / 8);
+    // Behind the payload there is room for what a wrong pointer leads to.
+    std::vector<uint64_t> room((sizeof(QLX_TEECCommand) + 2 * record.payload.size() + 7) / 8);
     QLX_TEECCommand* header = reinterpret_cast<QLX_TEECCommand*>(room.data());
     uint8_t* payload = reinterpret_cast<uint8_t*>(header + 1);
+    uint8_t* data = record.cmdId == TA_FLIP_LAST ? payload + record.payload.size() : payload;
     *header = {record.cmdId, static_cast<uint32_t>(record.payload.size()),
-               record.payload.empty() ? nullptr : payload, record.more};
+               record.payload.empty() ? nullptr : data, record.more};
     if (!record.payload.empty())
         memcpy(payload, record.payload.data(), record.payload.size());
+    QLX_TEECCommand* handed = header;
     sim::deliver("TEECCommand", sim::format("ta=%u", taId),
-                 {sim::marked("cmd", &header->cmdId), sim::marked("length", &header->dataLength),
-                  sim::marked("more", &header->more),
+                 {sim::marked("record", &handed), sim::marked("cmd", &header->cmdId),
+                  sim::marked("length", &header->dataLength), sim::marked("more", &header->more),
                   sim::bytesValue("payload", payload, record.payload.size())},
-                 [&] { callback(taId, userData, header); });
+                 [&] { callback(taId, userData, handed); });
 }
 
 /** What an operation on a session is refused with at once; the lock is held. */

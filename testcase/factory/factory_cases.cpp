@@ -15,7 +15,7 @@ TC_HOOK(testTeardown, "release all resources")
 /** Asks for the path of a key file and writes the key. `text` is what a refusal prints. */
 static uint32_t writeKeyBase(const char* name, QLX_FacKeyType_e keyType, const char* text) {
     CaseContext tc = {name};
-    char keyPath[91] = "";
+    char keyPath[91];
     zk_log("Please input the key file path to write, the max path length is 90 Bytes:\r\n");
     bool answered = tc_askWord(keyPath, sizeof keyPath);
     TC_ASSERT_TRUE(answered);
@@ -50,7 +50,6 @@ static uint32_t TC_Factory_CheckKeys(void) {
     CaseContext tc = {__func__};
     int keytype = 0;
     zk_log("Please input the key enum(0~8) which you want to check:\r\n");
-    zk_logFlush();
     bool answered = scanf("%1d", &keytype) == 1;
     TC_ASSERT_TRUE(answered);
     int32_t retTc = QLX_FactoryCheckKey(static_cast<QLX_FacKeyType_e>(keytype));

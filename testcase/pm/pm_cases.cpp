@@ -146,13 +146,9 @@ static uint32_t TC_PM_setRtcTime_001(void) {
 static uint32_t TC_PM_getRtcTime_001(void) {
     CaseContext tc = {__func__};
     uint32_t ltime = 0;
-    char text[32] = "";
-    struct tm parts {};
+    char text[32];
     TC_ASSERT_RET(QLX_SysPMRTCGetTime(&ltime));
-    time_t when = static_cast<time_t>(ltime);
-    if (gmtime_r(&when, &parts) != nullptr)
-        asctime_r(&parts, text);
-    zk_log("Current pm time is %s\n", text);
+    zk_log("Current pm time is %s\n", rtcText(ltime, text));
     return TC_RESULT(tc);
 }
 

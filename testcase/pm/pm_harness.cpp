@@ -156,13 +156,11 @@ uint32_t PM_EnterStandby(void) {
     return TC_FAILURE;
 }
 
-/** A time of the RTC as text, its newline included. */
-static const char* rtcText(uint32_t seconds, char (&text)[32]) {
+const char* rtcText(uint32_t seconds, char (&text)[32]) {
     time_t when = static_cast<time_t>(seconds);
     struct tm parts {};
-    if (gmtime_r(&when, &parts) == nullptr || asctime_r(&parts, text) == nullptr)
-        text[0] = '\0';
-    return text;
+    gmtime_r(&when, &parts);
+    return asctime_r(&parts, text);
 }
 
 bool prepareRtcWakeup(CaseContext& tc, uint32_t wakeup_reason, uint32_t aheadOfLinux) {

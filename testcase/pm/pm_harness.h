@@ -20,6 +20,9 @@ uint32_t PM_EnterSTR(void);
 /** Shuts the device down, which takes the program with it. Returns 1 when it stays up. */
 uint32_t PM_EnterStandby(void);
 
+/** A time of the RTC as text, its newline included. */
+const char* rtcText(uint32_t seconds, char (&text)[32]);
+
 /** Sets the RTC to now, a wake-up in ten seconds with the reason, and suspends. Returns 0 when the
  *  device comes back with that reason, else 1 with a message. */
 uint32_t testStrWakeupRtc(uint32_t wakeup_reason);

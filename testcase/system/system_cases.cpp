@@ -127,14 +127,12 @@ static void dropLine() {
 /** Asks for "key = value" until both are there. False at the end of input. */
 static bool askForEnv(char (&key)[QLX_ENV_TEXT_SIZE], char (&value)[QLX_ENV_TEXT_SIZE]) {
     for (;;) {
-        key[0] = value[0] = '\0';
         zk_log("Please env to set: key = value\n");
-        zk_logFlush();
         // A line may begin with the blanks and the newline that the last answer left.
         int converted = scanf(" ");
         if (converted != EOF)
             converted = scanf("%63[^= \t\n] = %63s", key, value);
-        if (key[0] != '\0' && value[0] != '\0')
+        if (converted == 2)
             return true;
         if (converted == EOF || feof(stdin) != 0)
             return false;
@@ -154,7 +152,7 @@ static uint32_t TC_SYSTEM_SET_ENV(void) {
 
 static uint32_t TC_SYSTEM_GET_ENV(void) {
     CaseContext tc = {__func__};
-    char key[QLX_ENV_TEXT_SIZE] = "", value[QLX_ENV_TEXT_SIZE] = "";
+    char key[QLX_ENV_TEXT_SIZE], value[QLX_ENV_TEXT_SIZE] = "";
     zk_log("Please enter key of Env\n");
     bool answered = tc_askWord(key, sizeof key);
     TC_ASSERT_TRUE(answered);

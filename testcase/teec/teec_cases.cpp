@@ -9,6 +9,7 @@
 #include <string.h>
 #include <time.h>
 
+#include <array>
 #include <memory>
 #include <new>
 
@@ -46,14 +47,14 @@ static int32_t sg_eCtaId;
 /** Released when the expected answer is complete. */
 static sem_t sg_steeSem;
 /** The payloads as sent, a slot for each command. Written before a send, then only read. */
-static uint8_t sg_u8CmdBuffer[CMD_DIE * SLOT_SIZE];
+static std::array<std::array<uint8_t, SLOT_SIZE>, CMD_DIE> sg_u8CmdBuffer;
 static const char* sg_pUserData = "This is TEE Client user data test";
 /** Whether the first half of a pair has come back well; command 1 clears it. Used in the callback
  *  alone. */
 static int32_t sg_s32FirstPartReceived;
 
 static uint8_t* slotOf(uint32_t cmdId) {
-    return sg_u8CmdBuffer + (cmdId - 1) * SLOT_SIZE;
+    return sg_u8CmdBuffer.at(cmdId - 1).data();
 }
 
 static void printBytes(const uint8_t* data, uint32_t length) {

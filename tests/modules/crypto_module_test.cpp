@@ -187,6 +187,23 @@ TEST(CryptoJudges, NamesAndKeysOfModes) {
     FreeKey(&key);
 }
 
+TEST(CryptoJudges, AKeyIsDumpedSixteenBytesALine) {
+    CryptoKey key{};
+    key.ctrl.mode = CRYPTO_MODE_AES256_ECB;
+    testing::internal::CaptureStderr();
+    ASSERT_EQ(GenerateKey(&key), 0u);
+    std::string text = testing::internal::GetCapturedStderr();
+    char byte[8];
+    std::string expected = "begin===========================";
+    for (uint32_t i = 0; i < 32; i++) {
+        snprintf(byte, sizeof byte, "0x%02X ", key.key[i]);
+        expected += (i % 16 == 0 ? "\n" : "") + std::string(byte);
+    }
+    expected += "\n================Buffer:Key(size = 32(0x20)) end===========================\n\n";
+    EXPECT_NE(text.find(expected), std::string::npos) << text;
+    FreeKey(&key);
+}
+
 class CryptoModuleTest : public testing::Test {
  protected:
     uint32_t run(const char* name) {

@@ -90,6 +90,13 @@ TEST_F(FactoryKeys, SerialNumberIsThatOfTheKeyOrOfTheWorks) {
     EXPECT_EQ(QLX_FactoryGetNetflixEsnid(esn, sizeof esn), 0);
     std::filesystem::remove(bench_.path() + "/device/factory/key00.bin");
     EXPECT_EQ(runCaseByName(FactoryModule, "TC_Factory_GetKeys_ESNID"), 1u);
+
+    // A device that says yes and hands nothing out.
+    qlx_sim_add_fault("QLX_FactoryGetNetflixEsnid return=0");
+    testing::internal::CaptureStdout();
+    runCaseByName(FactoryModule, "TC_Factory_GetKeys_ESNID");
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("]esnid is [], retTc[0].\r\n"),
+              std::string::npos);
 }
 
 }  // namespace

@@ -127,6 +127,10 @@ TEST_F(PmModuleTest, FaultsTurnTheVerdict) {
          "FUNC:QLX_FAILED RETURN ERROR VALUE [1] \n", 0},
         {"TC_PM_WakeupConditions_001", "QLX_SysGetWakeupCondition call=2 corrupt=0:03",
          "expect 1, but actually 0  \n", 0},
+        {"TC_PM_setRtcTime_001", "QLX_SysPMRTCGetTime add=time:2",
+         "FUNC:QLX_FAILED RETURN ERROR VALUE [1] \n", 0},
+        {"TC_PM_RtcWakeup_001", "QLX_SysPMRTCGetWakeupTime corrupt=0:01",
+         "expect 1, but actually 0  \n", 0},
         {"TC_PM_RtcWakeup_002", "QLX_SysPMRTCGetWakeupTime corrupt=0:01",
          "expect 1, but actually 0  \n", 0},
         {"TC_PM_PowerOnMode_003", "QLX_SysGetColdPowerOnBootMode corrupt=0:01",
@@ -141,6 +145,10 @@ TEST_F(PmModuleTest, FaultsTurnTheVerdict) {
         EXPECT_GE(tookMs_, row.leastMs);
         EXPECT_LT(tookMs_, row.leastMs + 1000);
     }
+    // The clock may have gone on by a second.
+    qlx_sim_reset();
+    qlx_sim_add_fault("QLX_SysPMRTCGetTime add=time:1");
+    EXPECT_EQ(run("TC_PM_setRtcTime_001"), 0u) << text_;
     // The resume's own result is nothing to the case on the clocks.
     qlx_sim_reset();
     qlx_sim_add_fault("StandbyState drop");
@@ -214,6 +222,27 @@ TEST_F(PmModuleTest, StatesOutOfTurnAreToldAndNoFailure) {
     EXPECT_TRUE(says("Time out to wait standby callback"));
 }
 
+TEST_F(PmModuleTest, ASuspensionThatWasNeverEnteredIsToldByTheNext) {
+    qlx_sim_add_fault("QLX_SysEnterStandby hang");
+    EXPECT_EQ(run("TC_PM_STR_RTCWakeUp_001"), 1u);
+    EXPECT_TRUE(says("Time out to wait standby callback"));
+    qlx_sim_clear_faults();
+    EXPECT_EQ(run("TC_PM_STR_RTCWakeUp_001"), 0u);
+    EXPECT_TRUE(says("]Wrong standby state: 1 \n")) << text_;
+    EXPECT_EQ(run("TC_PM_STR_RTCWakeUp_001"), 0u);
+    EXPECT_FALSE(says("Wrong standby state"));
+}
+
+TEST_F(PmModuleTest, AStandbyThatIsRefusedLateIsNoResume) {
+    qlx_sim_add_fault("QLX_SysEnterStandby call=1 delay=12000 return=1");
+    EXPECT_EQ(run("TC_PM_EnterStandby_001"), 1u);
+    EXPECT_TRUE(says("Time out to wait standby"));
+    EXPECT_LT(tookMs_, 10100);
+    EXPECT_EQ(run("TC_PM_EnterStr_001"), 1u);
+    EXPECT_TRUE(says("]Can not get resume from STR.")) << text_;
+    EXPECT_LT(tookMs_, 2100);
+}
+
 TEST_F(PmModuleTest, SourcesOfTheOutsideWorld) {
     const struct {
         const char* event;
@@ -256,9 +285,9 @@ TEST_F(PmModuleTest, KeyAndAddressAreThoseOfTheSource) {
     qlx_sim_event("wakeup ir 0x1c after 10");
     EXPECT_EQ(run("TC_PM_EnterStr_001"), 0u);
     EXPECT_EQ(run("TC_PM_WakeupIRKey_001"), 0u);
-    EXPECT_TRUE(says("Got wake up key: 0x  1c\n"));
+    EXPECT_TRUE(says("]Got wake up key: 0x  1c\n"));
     EXPECT_EQ(run("TC_PM_WakeupReason_001"), 0u);
-    EXPECT_TRUE(says("Got wake up key: 0x  1c\n"));
+    EXPECT_TRUE(says("]Got wake up key: 0x  1c\n"));
     EXPECT_EQ(run("TC_PM_getCECWakeupAddress_001"), 0u);
     // Bare, without a time stamp.
     EXPECT_EQ(text_.rfind("TV was not awakened by CEC (reason:1).\n", 0), 0u) << text_;
@@ -268,6 +297,8 @@ TEST_F(PmModuleTest, KeyAndAddressAreThoseOfTheSource) {
     EXPECT_EQ(measure(PM_EnterSTR), 0u);
     EXPECT_EQ(QLX_SysGetWakupCECPhysicalAdress(&value), 0);
     EXPECT_EQ(value, 0x2000u);
+    EXPECT_EQ(run("TC_PM_getCECWakeupAddress_001"), 0u);
+    EXPECT_TRUE(says("]Got wake up CEC physical address: 0x2000\n"));
     EXPECT_EQ(run("TC_PM_WakeupIRKey_001"), 0u);
     EXPECT_EQ(text_.rfind("TV was not awakened by IR (reason:10).\n", 0), 0u) << text_;
 }

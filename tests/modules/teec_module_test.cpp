@@ -61,6 +61,7 @@ TEST_F(TeecModuleTest, WrongAnswersEndByTheTimeOut) {
          "desBuf[63]:255 != srcBuf"},
         {"TC_TEEC_Transfer_Single_Cmd_Data", "TEECCommand drop", "Recevied nothing from  TA"},
         {"TC_TEEC_Transfer_Single_Cmd_Data", "TEECCommand delay=3100", "Recevied nothing from  TA"},
+        {"TC_TEEC_Transfer_Single_Cmd_Data", "TEECCommand zero=record", "Invalid command!"},
         // The second of a pair releases nothing without the first, nor with a wrong first.
         {"TC_TEEC_Transfer_Multiple_Cmds_Data", "TEECCommand call=1 drop", "timeout(3s)!"},
         {"TC_TEEC_Transfer_Multiple_Cmds_Data", "TEECCommand call=1 corrupt=0:ff", "desBuf[0]:255"},

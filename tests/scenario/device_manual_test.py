@@ -64,8 +64,12 @@ class DeviceManualTest(bench.BenchTest):
         self.assertIn("set env [country] to [GBR]", out)
         self.assert_outcome(out, "SYSTEM", 6, "SUCCESS")
         out = self.visit("SYSTEM", "7", "country")
-        self.assertIn("Env: [country] = [GBR]", out)
+        self.assertIn("]Env: [country] = [GBR]\n", out)
         self.assert_outcome(out, "SYSTEM", 7, "SUCCESS")
+        # A device that says yes and hands nothing out.
+        _, out = self.session("5", str(MODULES["SYSTEM"]), "7", "country", "q", "q",
+                              faults=["QLX_GetEnv return=0"])
+        self.assertIn("]Env: [country] = []\n", out)
         out = self.visit("SYSTEM", "7", "unknown")
         self.assertIn("FUNC:QLX_GetEnv(key, value) RETURN ERROR VALUE", out)
         self.assert_outcome(out, "SYSTEM", 7, "FAILED")
@@ -137,13 +141,14 @@ class DeviceManualTest(bench.BenchTest):
         out = self.visit("Factory", "1", "keys/hdcp22.key", "2", "keys/none.key", "12", "1")
         self.assertIn("FUNC:QLX_FactoryWritekey(QLX_FACTORYKEY_NETFLIX, keyPath) RETURN ERROR", out)
         self.assertIn("FUNC:QLX_FactoryWritekey(QLX_FACTORYKEY_HDCP22, keyPath) RETURN ERROR", out)
+        self.assertIn("FUNC:QLX_FactoryCheckKey((QLX_FacKeyType_e)keytype) RETURN ERROR", out)
         for number in (1, 2, 12):
             self.assert_outcome(out, "Factory", number, "FAILED")
 
     def test_a_path_is_cut_at_90_characters(self):
         self.make_keys()
-        long_path = "keys/" + "./" * 39 + "hdcp22.key"
-        self.assertGreater(len(long_path), 90)
+        long_path = "keys/" + "./" * 38 + "hdcp22.key"
+        self.assertEqual(len(long_path), 91)
         # The rest of the line, which is no number, is what the console reads next.
         out = self.visit("Factory", "2", long_path)
         self.assert_outcome(out, "Factory", 2, "FAILED")
