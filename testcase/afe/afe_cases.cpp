@@ -210,9 +210,9 @@ static bool tune(CaseContext& tc, FrontEnd& bench, const Tuning& tuning) {
 
 /** Tunes, and demands both locks of what is received then. */
 static bool tuneAndLook(CaseContext& tc, FrontEnd& bench, const Tuning& tuning) {
+    const uint32_t eTunerId = bench.eTunerId;
     QLX_AnalogSignalStatus stSignalInfo = {};
-    if (!tune(tc, bench, tuning) ||
-        !TC_EXPECT_RET(QLX_AFEGetSignalStatus(bench.eTunerId, &stSignalInfo)))
+    if (!tune(tc, bench, tuning) || !TC_EXPECT_RET(QLX_AFEGetSignalStatus(eTunerId, &stSignalInfo)))
         return false;
     AFE_PrintAnalogSignalStatus(&stSignalInfo);
     return TC_EXPECT_TRUE(stSignalInfo.bVifLock == 1) &&
@@ -280,11 +280,11 @@ static uint32_t soundChangeBase(const char* name) {
 static uint32_t actualParamsBase(const char* name, uint32_t eTunerId, const Standard& standard) {
     return onFrontEnd(
         name, frontEndOf(eTunerId, standard, FRONT_END_ALONE),
-        [](CaseContext& tc, FrontEnd& bench) {
+        [&](CaseContext& tc, FrontEnd& bench) {
             const QLX_AnalogTuningParams& stTuningParams = bench.stTuningParams;
             QLX_AnalogTuningParams stActuralTuningParams = {};
             if (!tune(tc, bench, change) ||
-                !TC_EXPECT_RET(QLX_AFEGetTuningParam(bench.eTunerId, &stActuralTuningParams)))
+                !TC_EXPECT_RET(QLX_AFEGetTuningParam(eTunerId, &stActuralTuningParams)))
                 return;
             AFE_PrintAnlaogTuneParam(&stActuralTuningParams);
             TC_EXPECT_EQUAL(stTuningParams.AudioStandard, stActuralTuningParams.AudioStandard);
@@ -379,8 +379,11 @@ static uint32_t playBase(const char* name, uint32_t eTunerId) {
         if (TC_EXPECT_RET(QLX_VideoGetVideoInfo(QLX_VIDEODEV_NUMBER_0,
                                                 QLX_VIDEO_PARAMTYPE_GET_DECINFO, &videoInfo)))
             TC_EXPECT_EQUAL(1, videoInfo.stVideoDecInfo.eVideoPresent);
-        if (TC_EXPECT_RET(QLX_AudioGetAudioInfo(
-                QLX_AUDIODEV_NUMBER_0, QLX_AUDIO_PARAMTYPE_DIGITAL_AUDIO_INFO, &audioInfo)))
+        if (TC_EXPECT_RET_TEXT(
+                "QLX_AudioGetAudioInfo(QLX_AUDIODEV_NUMBER_0, "
+                "QLX_AUDIO_PARAMTYPE_DIGITAL_AUDIO_INFO, &audioInfo)",
+                QLX_AudioGetAudioInfo(QLX_AUDIODEV_NUMBER_0, QLX_AUDIO_PARAMTYPE_DIGITAL_AUDIO_INFO,
+                                      &audioInfo)))
             TC_EXPECT_EQUAL(1, audioInfo.stAudioDecInfo.audioPresent);
         sleep(PLAY_TIME_S);
     });

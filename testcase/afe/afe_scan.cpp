@@ -145,7 +145,7 @@ uint32_t AFE_TuningChannelScan(uint32_t eTunerId, QLX_AnalogTuningParams* pstTun
     static_cast<void>(eAFC);
     const int64_t startFreq = pstTuningParams->Frequency;
     int64_t currentFreq = startFreq;
-    zk_log("freq band is %d =%d khz. \n", static_cast<int>(startFreq), BAND_TOP);
+    zk_log(" freq band is %d =%d khz. \n", static_cast<int>(startFreq), BAND_TOP);
     pstTuningParams->eTuneType = QLX_AFE_TUNE_TYPE_CHANNEL_SCAN;
     for (int32_t step = -1; step != 0; currentFreq += step) {
         zk_log("currentFreq =%d khz\n", static_cast<int>(currentFreq));

@@ -131,8 +131,11 @@ uint32_t AV_VideoEventInfo(const char* name, const AvSelector& selector) {
     return eventCase(name, selector, [](CaseContext& tc, const AvSource& stSource) {
         uint32_t u32VideoEventId = AV_FindEvent(g_stVideoRequestData, 0, AV_IsVideoInfo);
         while (u32VideoEventId != AV_NO_EVENT) {
-            if (!TC_EXPECT_RET(AV_CheckVideoInfoEvent(
-                    &stSource, &g_stVideoRequestData.stData[u32VideoEventId].stVideoDecInfo)))
+            if (!TC_EXPECT_RET_TEXT(
+                    "AV_CheckVideoInfoEvent(&stSource, "
+                    "&g_stVideoRequestData.stData[u32VideoEventId].stVideoDecInfo)",
+                    AV_CheckVideoInfoEvent(
+                        &stSource, &g_stVideoRequestData.stData[u32VideoEventId].stVideoDecInfo)))
                 return false;
             u32VideoEventId =
                 AV_FindEvent(g_stVideoRequestData, u32VideoEventId + 1, AV_IsVideoInfo);
@@ -145,8 +148,11 @@ uint32_t AV_AudioEventInfo(const char* name, const AvSelector& selector) {
     return eventCase(name, selector, [](CaseContext& tc, const AvSource& stSource) {
         uint32_t u32AudioEventId = AV_FindEvent(g_stAudioRequestData, 0, AV_IsAudioInfo);
         while (u32AudioEventId != AV_NO_EVENT) {
-            if (!TC_EXPECT_RET(AV_CheckAudioInfoEvent(
-                    &stSource, &g_stAudioRequestData.stData[u32AudioEventId].stAudioInfo)))
+            if (!TC_EXPECT_RET_TEXT(
+                    "AV_CheckAudioInfoEvent(&stSource, "
+                    "&g_stAudioRequestData.stData[u32AudioEventId].stAudioInfo)",
+                    AV_CheckAudioInfoEvent(
+                        &stSource, &g_stAudioRequestData.stData[u32AudioEventId].stAudioInfo)))
                 return false;
             u32AudioEventId =
                 AV_FindEvent(g_stAudioRequestData, u32AudioEventId + 1, AV_IsAudioInfo);

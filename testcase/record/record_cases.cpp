@@ -126,14 +126,14 @@ static uint32_t TC_RecTestOpenOnInvalidDmx(void) {
 
 static uint32_t TC_RecTestOpenOnNullCfg(void) {
     return onRecorder(__func__, SERVICE_STEPS, [](CaseContext& tc, uint32_t recHandle) {
-        TC_EXPECT_RET_CODE(QLX_RecordOpen(QLX_DEMUX_0, nullptr, &recHandle),
+        TC_EXPECT_RET_CODE(QLX_RecordOpen(QLX_DEMUX_0, NULL, &recHandle),
                            QLX_RECORD_ERR_INVALID_PARA);
     });
 }
 
 static uint32_t TC_RecTestOpenOnNullHdl(void) {
     return onRecorder(__func__, SERVICE_STEPS, [](CaseContext& tc, uint32_t) {
-        TC_EXPECT_RET_CODE(QLX_RecordOpen(QLX_DEMUX_0, &recCfg, nullptr),
+        TC_EXPECT_RET_CODE(QLX_RecordOpen(QLX_DEMUX_0, &recCfg, NULL),
                            QLX_RECORD_ERR_INVALID_PARA);
     });
 }
@@ -254,7 +254,7 @@ static uint32_t TC_RecTestUnRegisterOnNullCb(void) {
 
 static uint32_t TC_RecTestAddPid(void) {
     return onRecorder(__func__, [](CaseContext& tc, uint32_t recHandle) {
-        TC_EXPECT_RET(AddPidsBeforeStart(recHandle, nullptr));
+        TC_EXPECT_RET(AddPidsBeforeStart(recHandle, NULL));
     });
 }
 
@@ -325,7 +325,7 @@ static uint32_t TC_RecTestSetVideoFmtOnErrFmt(void) {
 
 static uint32_t TC_RecTestDoubleStart(void) {
     return onRecorder(__func__, [](CaseContext& tc, uint32_t recHandle) {
-        if (!TC_EXPECT_RET(AddPidsBeforeStart(recHandle, nullptr)) ||
+        if (!TC_EXPECT_RET(AddPidsBeforeStart(recHandle, NULL)) ||
             !TC_EXPECT_RET(QLX_RecordStart(recHandle)))
             return;
         TC_EXPECT_RET_CODE(QLX_RecordStart(recHandle), QLX_FAILED);
@@ -347,14 +347,14 @@ static uint32_t TC_RecTestStartOnNullPids(void) {
 
 static uint32_t TC_RecTestStopBeforeStart(void) {
     return onRecorder(__func__, [](CaseContext& tc, uint32_t recHandle) {
-        if (TC_EXPECT_RET(AddPidsBeforeStart(recHandle, nullptr)))
+        if (TC_EXPECT_RET(AddPidsBeforeStart(recHandle, NULL)))
             TC_EXPECT_RET_CODE(QLX_RecordStop(recHandle), QLX_FAILED);
     });
 }
 
 static uint32_t TC_RecTestDoubleStop(void) {
     return onRecorder(__func__, [](CaseContext& tc, uint32_t recHandle) {
-        if (!TC_EXPECT_RET(AddPidsBeforeStart(recHandle, nullptr)) ||
+        if (!TC_EXPECT_RET(AddPidsBeforeStart(recHandle, NULL)) ||
             !TC_EXPECT_RET(QLX_RecordStart(recHandle)) || !TC_EXPECT_RET(QLX_RecordStop(recHandle)))
             return;
         TC_EXPECT_RET_CODE(QLX_RecordStop(recHandle), QLX_FAILED);

@@ -8,10 +8,12 @@
 #include <fstream>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/shared/av_reporter.h"
 #include "tests/shared/bench_folder.h"
 #include "tests/shared/module_bench.h"
 #include "tests/shared/typed.h"
@@ -156,6 +158,103 @@ TEST_F(EveryCase, SaysWhichCallFailed) {
             }
         }
         compare("failures", *module, lines);
+    }
+}
+
+/** The first call of each function that was taken, and the first that was refused, as the faults
+ *  that turn them round. */
+std::vector<std::string> turnedRound(const std::string& recorded) {
+    std::map<std::string, int> count;
+    std::set<std::string> seen;
+    std::vector<std::string> faults;
+    std::istringstream lines(recorded);
+    for (std::string line; std::getline(lines, line);) {
+        const std::string name = line.substr(0, line.find('('));
+        const size_t answer = line.find(")=");
+        if (name.compare(0, 4, "QLX_") != 0 || answer == std::string::npos)
+            continue;
+        const int number = ++count[name];
+        const char* turned = line[answer + 2] == '0' ? " return=7" : " return=0";
+        if (seen.insert(name + turned).second)
+            faults.push_back(name + " call=" + std::to_string(number) + turned);
+    }
+    return faults;
+}
+
+/** What a case and its base print of checks that fail, in order and each once. */
+void addOwnTexts(const std::string& printed, const std::string& name, std::string* texts) {
+    static const std::regex check("\\[(\\w+)\\]\\[\\d+\\](FUNC:.*|expect .*\\d) ");
+    const std::string base = name.substr(0, name.rfind('_')) + "_base";
+    std::istringstream lines(printed);
+    std::smatch found;
+    for (std::string line; std::getline(lines, line);) {
+        if (!std::regex_search(line, found, check) || (found[1] != name && found[1] != base))
+            continue;
+        const std::string text = "    " + found[2].str() + "\n";
+        if (texts->find(text) == std::string::npos)
+            *texts += text;
+    }
+}
+
+/** Each call is once turned round: cases that say the same stand together. */
+TEST_F(EveryCase, TellsARefusedCallInItsOwnWords) {
+    // Of families that run on several devices those on the first one.
+    const struct {
+        const TcModule* module;
+        std::regex names;
+    } rows[] = {
+        {&VOutModulePrimary, std::regex(".*")},
+        {&AVCommonModule, std::regex("TC_AV_([^S]|St).*|TC_AV_SwitchSource_1[02]1")},
+        {&RecordModule, std::regex("TC_RecTest.*|TC_RecNormalOpen_001")},
+        {&AVCvbsModule, std::regex(".*(_01|_012|_052|_062|Source_001)")},
+        {&AVAtvModule, std::regex("TC_AV_Atv(OpenClose_032_01|.*Info_005|SwitchAtv.*_001)")},
+        {&AFEModule,
+         std::regex("TC_AFE_(Init|Open|ActualTuningParams|Set.*)_00[1-4]|TC_AFE_Close_00[12]|"
+                    "TC_AFE_Tuning_0(0.|1[0-6]|6[5-7])|TC_AFE_(Get.*|Play)_001|TC_AV_.*")},
+    };
+    const Reporter reporter;
+    for (const auto& row : rows) {
+        std::vector<std::string> order;
+        std::map<std::string, std::string> cases;
+        std::fill(std::begin(zk_testConfig.features), std::end(zk_testConfig.features), 1);
+        zk_testConfig.features[FEATURE_AFE_TUNING_AFTER_ATV_SOURCE] = 0;
+        for (uint32_t i = 0; i < row.module->caseCount; i++) {
+            const TcCase& testCase = row.module->cases[i];
+            if (!std::regex_match(testCase.name, row.names))
+                continue;
+            std::string texts;
+            std::vector<std::string> faults = {""};
+            for (size_t place = 0; place < faults.size(); place++) {
+                Typed yes("1\n1\n1\n");
+                qlx_sim_reset();
+                row.module->setup();
+                if (row.module->caseSetup != nullptr)
+                    row.module->caseSetup(nullptr, nullptr);
+                takeOutput();
+                if (place == 0)
+                    qlx_sim_record(1);
+                else
+                    addFault(faults[place]);
+                runCaseByName(*row.module, testCase.name);
+                qlx_sim_clear_faults();
+                if (place == 0) {
+                    for (const std::string& fault : turnedRound(recordedCalls()))
+                        faults.push_back(fault);
+                    qlx_sim_record(0);
+                }
+                addOwnTexts(takeOutput(), testCase.name, &texts);
+                if (row.module->caseTeardown != nullptr)
+                    row.module->caseTeardown();
+                row.module->teardown();
+            }
+            if (cases[texts].empty())
+                order.push_back(texts);
+            cases[texts] += std::string(testCase.name) + "\n";
+        }
+        std::string lines;
+        for (const std::string& texts : order)
+            lines += cases[texts] + texts;
+        compare("texts", *row.module, lines);
     }
 }
 
