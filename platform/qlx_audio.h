@@ -3,7 +3,8 @@
  *
  * As the video decoders (qlx_video.h): open, register, start, and the reverse; the same promises
  * about threads, callbacks and stops. Volume and mute are those of the decoder, ahead of the
- * outputs (which have their own), and outlast a close.
+ * outputs (which have their own), and outlast a close; they begin with the service, at full volume
+ * and unmuted.
  *
  * Results: 0; QLX_FAILED for a call in the wrong order; QLX_AUDIO_ERR_INVALID_PARA for a decoder
  * that does not exist, a null pointer, or a value out of range. Functions of one argument

@@ -2,6 +2,7 @@
 // States are those of decoder_state.cpp, the order and times of events those of decoder_run.cpp.
 //
 // Volume and mute need the service alone: a program may set those of a decoder that is not open.
+// They begin with the service at full volume and unmuted: a program that sets neither is heard.
 #include <algorithm>
 
 #include "simulator/av/decoder_state.h"
@@ -50,7 +51,7 @@ constexpr Coding codings[] = {
 
 /** Volume and mute of a decoder's sources. */
 struct Level {
-    uint32_t volume = 0;
+    uint32_t volume = mostVolume;
     bool muted = false;
 };
 Level levels[maxDecoders][QLX_AUDIO_SOURCE_MAX];
@@ -201,6 +202,14 @@ bool answer(const Decoder& decoder, uint32_t question, QLX_AudioInfo* info) {
     }
 }
 
+/** Called with the family locked. */
+void resetLevels() {
+    for (auto& decoder : levels) {
+        for (Level& level : decoder)
+            level = Level();
+    }
+}
+
 /** The level that a call is about; a refusal when there is none. Called with the family locked. */
 int32_t findLevel(uint32_t audioDev, uint32_t source, Level** level) {
     if (audioDev >= decoderCount(audioKind) || source >= QLX_AUDIO_SOURCE_MAX)
@@ -303,10 +312,7 @@ AudioPlayed audioPlayed(uint32_t audioDev) {
 static void reset() {
     resetDecoders(audioFamily());
     std::lock_guard<std::mutex> lock(audioFamily().mutex);
-    for (auto& decoder : levels) {
-        for (Level& level : decoder)
-            level = Level();
-    }
+    resetLevels();
 }
 
 static void describe(std::string* out) {
@@ -319,6 +325,11 @@ extern const Family familyAudio = {reset, describe};
 
 int32_t QLX_AudioInit(void) {
     SIM_ENTRY_NO_ARGUMENTS();
+    {
+        std::lock_guard<std::mutex> lock(sim::audioFamily().mutex);
+        if (!sim::audioFamily().initialised)
+            sim::resetLevels();
+    }
     SIM_RETURN(sim::decodersInit(sim::audioFamily()));
 }
 

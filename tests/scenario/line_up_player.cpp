@@ -1,10 +1,12 @@
 // Plays every channel of the line-up on the simulated device's decoders, from several moments of
 // its loop, and tells a line of words for each play:
 //
-//     line_up_player [SYSTEM CHANNEL VIDEO_FORMAT AUDIO_FORMAT [FOLDER]]
+//     line_up_player [SYSTEM CHANNEL VIDEO_FORMAT AUDIO_FORMAT [FOLDER [CONTROL...]]]
 //
 // With arguments, that channel alone, started in these formats; with a folder, what is then on the
-// panel and in the speaker is captured there: panel.png, speaker.wav of a second. The working
+// panel and in the speaker is captured there: panel.png, speaker.wav of a second. What is
+// controlled then comes one after the other: "WORD NUMBER" of the table below, "tell" for a line
+// with the time stamps, or an event of the outside world, as "capture panel FILE". The working
 // directory is a bench folder; it runs in virtual time.
 #include <stdio.h>
 #include <stdlib.h>
@@ -107,14 +109,87 @@ void captureOutputs(const std::string& folder) {
     }
 }
 
+/** What a program controls of a play. */
+struct Control {
+    const char* word;
+    int32_t (*call)(const Channel& channel, uint32_t number);
+};
+
+int32_t setSync(const Channel& channel, uint32_t mode) {
+    const uint16_t pid = static_cast<uint16_t>(
+        mode == QLX_VIDEOSYNC_MODE_AUDIO_MASTER ? channel.audioPid : channel.videoPid);
+    const QLX_SyncParams params = {mode, pid, static_cast<uint16_t>(channel.clockPid)};
+    return QLX_VideoSyncSetMode(0, &params);
+}
+
+int32_t describe(const Channel& channel, uint32_t on) {
+    return on != 0 ? QLX_AudioStartDescription(0, channel.descriptionFormat, channel.descriptionPid)
+                   : QLX_AudioStopDescription(0);
+}
+
+int32_t waitMs(const Channel&, uint32_t ms) {
+    sim::sleepMs(ms);
+    return 0;
+}
+
+// clang-format off
+const Control controls[] = {
+    {"wait",              waitMs},
+    {"volume",            [](const Channel&, uint32_t n) { return QLX_AudioSetVolume(0, QLX_AUDIO_SOURCE_MAIN, n); }},
+    {"mute",              [](const Channel&, uint32_t n) { return QLX_AudioSetMute(0, QLX_AUDIO_SOURCE_MAIN, n); }},
+    {"prescaler",         [](const Channel&, uint32_t n) { return QLX_AudioSetPrescaler(0, n); }},
+    {"audio-mode",        [](const Channel&, uint32_t n) { return QLX_AudioSetDigitalAudioMode(0, n); }},
+    {"describe",          describe},
+    {"sink-mute",         [](const Channel&, uint32_t n) { return QLX_AOutSetMute(0, n); }},
+    {"sink-volume",       [](const Channel&, uint32_t n) { return QLX_AOutSetVolume(0, n); }},
+    {"sink-describe",     [](const Channel&, uint32_t n) { return QLX_AOutSetAudioDescription(0, n); }},
+    {"describe-volume",   [](const Channel&, uint32_t n) { return QLX_AOutSetAudioDescriptionVolume(0, n); }},
+    {"sync",              setSync},
+    {"video-pause",       [](const Channel&, uint32_t n) { return n != 0 ? QLX_VideoPause(0) : QLX_VideoResume(0); }},
+    {"audio-pause",       [](const Channel&, uint32_t n) { return n != 0 ? QLX_AudioPause(0) : QLX_AudioResume(0); }},
+    {"panel-mute",        [](const Channel&, uint32_t n) { return QLX_VOutSetMute(0, n); }},
+};
+// clang-format on
+
+void tellStamps() {
+    QLX_VideoInfo video = {};
+    QLX_AudioInfo audio = {};
+    uint64_t stc = 0;
+    QLX_VideoGetVideoInfo(0, QLX_VIDEO_PARAMTYPE_GET_PTS, &video);
+    QLX_AudioGetAudioInfo(0, QLX_AUDIO_PARAMTYPE_PTS, &audio);
+    QLX_VideoSyncGetSTC(0, &stc);
+    printf("told video_pts=%llu audio_pts=%llu stc=%llu\n",
+           static_cast<unsigned long long>(video.uPts), static_cast<unsigned long long>(audio.uPts),
+           static_cast<unsigned long long>(stc));
+}
+
+void take(const Channel& channel, const std::string& line) {
+    const std::string word = line.substr(0, line.find(' '));
+    bool good = word == "tell";
+    if (good)
+        tellStamps();
+    for (const Control& control : controls) {
+        if (word == control.word)
+            good =
+                control.call(channel,
+                             static_cast<uint32_t>(strtoul(&line[word.size()], nullptr, 10))) == 0;
+    }
+    if (!good && qlx_sim_event(line.c_str()) != 0) {
+        fprintf(stderr, "line_up_player: cannot do: %s\n", line.c_str());
+        exit(1);
+    }
+}
+
 std::string underscored(std::string words) {
     for (char& c : words)
         c = c == ' ' ? '_' : c;
     return words;
 }
 
+/** @param words  the folder of captures and what is controlled then, a null behind; null: nothing
+ */
 void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int phase,
-          const char* folder) {
+          char* const* words) {
     Log video;
     Log audio;
     bringUp(transmitter, &video, &audio);
@@ -127,8 +202,12 @@ void play(const sim::TransmitterPtr& transmitter, const Channel& channel, int ph
         QLX_AudioStart(0, channel.audioFormat, channel.audioPid) != 0)
         exit(1);
     sim::sleepMs(playMs);
-    if (folder != nullptr)
-        captureOutputs(folder);
+    if (words != nullptr && *words != nullptr) {
+        captureOutputs(*words);
+        while (*++words != nullptr)
+            take(channel, *words);
+        return;
+    }
     if (channel.descriptionPid != 0 &&
         QLX_AudioStartDescription(0, channel.descriptionFormat, channel.descriptionPid) != 0)
         exit(1);
@@ -176,7 +255,7 @@ int main(int argc, char** argv) {
                        number == strtoul(argv[2], nullptr, 10)) {
                 channel.videoFormat = static_cast<uint32_t>(strtoul(argv[3], nullptr, 10));
                 channel.audioFormat = static_cast<uint32_t>(strtoul(argv[4], nullptr, 10));
-                play(transmitter, channel, 0, argv[5]);
+                play(transmitter, channel, 0, argv + 5);
             }
         }
     }
