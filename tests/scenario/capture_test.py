@@ -66,9 +66,9 @@ def bar_of(pixel):
     return bar
 
 
-def loudest(samples, rate):
-    """The multiple of the base pitch that is loudest in the left channel, and its amplitude."""
-    best = (0, 0)
+def loudness(samples, rate):
+    """The amplitudes of the multiples of the base pitch in one channel, by multiple."""
+    amplitudes = {}
     # The end, so that a capture that is shorter than asked for shows.
     end = samples[-9600:]
     for multiple in range(1, 41):
@@ -77,8 +77,13 @@ def loudest(samples, rate):
         for sample in end:
             total += sample * phase
             phase *= turn
-        best = max(best, (2 * abs(total) / len(end), multiple))
-    return best[1], best[0]
+        amplitudes[multiple] = 2 * abs(total) / len(end)
+    return amplitudes
+
+
+def loudest(samples, rate):
+    """The multiple of the base pitch that is loudest in the left channel, and its amplitude."""
+    return max(loudness(samples, rate).items(), key=lambda pair: (pair[1], -pair[0]))
 
 
 class CaptureTest(bench.BenchTest):
