@@ -2,8 +2,7 @@
 // configured source that the operator looks at, and switches between sources of different kinds.
 #include <initializer_list>
 
-#include "framework/case/check.h"
-#include "testcase/av/av_decoder.h"
+#include "testcase/av/av_case.h"
 #include "testcase/av/av_events.h"
 #include "testcase/av/av_module.h"
 #include "testcase/av/av_play.h"
@@ -136,57 +135,12 @@ OPERATOR_FAMILY(TC_VARIANT_FUNCTION)
 // Switches between sources of different kinds. No feature is asked: a board without one of the two
 // fails.
 
-/** A source, and what selects its device. */
-struct SwitchSource {
-    uint32_t eSource;
-    uint32_t AvSource::*selector;
-    uint32_t uDevice;
-    /** Of DTV alone. */
-    uint32_t eDTVDemuxDev;
-};
-
-static constexpr SwitchSource dtv(uint32_t tuner, uint32_t demux) {
-    return {AV_SOURCE_DTV, &AvSource::eDTVTunerDev, tuner, demux};
-}
-
-static constexpr SwitchSource atv(uint32_t tuner) {
-    return {AV_SOURCE_ATV, &AvSource::eATVTunerDev, tuner, 0};
-}
-
-static constexpr SwitchSource input(uint32_t kind, uint32_t port) {
-    return {kind, &AvSource::uExtInPort, port, 0};
-}
-
-static constexpr SwitchSource hdmi(uint32_t port) {
-    return input(AV_SOURCE_HDMI, port);
-}
-
-static constexpr SwitchSource cvbs(uint32_t port) {
-    return input(AV_SOURCE_CVBS, port);
-}
-
-static constexpr SwitchSource ypbpr(uint32_t port) {
-    return input(AV_SOURCE_YPBPR, port);
-}
-
-/** Words that do not select the device keep the last play's value. */
-static void setSource(AvSource& stSource, const SwitchSource& source) {
-    stSource.eSource = source.eSource;
-    stSource.*source.selector = source.uDevice;
-    if (source.eSource == AV_SOURCE_DTV)
-        stSource.eDTVDemuxDev = source.eDTVDemuxDev;
-}
-
 /** A play that fails has ended itself, and a stop has tried all that it can: nothing is left. */
-static uint32_t switchBase(const char* name, const SwitchSource& first,
-                           const SwitchSource& second) {
+static uint32_t switchBase(const char* name, const AvSelector& first, const AvSelector& second) {
     CaseContext tc = {name};
-    AvSource stSource = zk_testConfig.av.stSource;
-    stSource.eVideoDev = eVideoDev;
-    stSource.eAudioDev = eAudioDev;
     for (int round = 0; round < SWITCH_ROUNDS; round++) {
-        for (const SwitchSource* source : {&first, &second}) {
-            setSource(stSource, *source);
+        for (const AvSelector* selector : {&first, &second}) {
+            const AvSource stSource = AV_SelectSource(*selector);
             TC_ASSERT_RET_TEXT("AV_PlayAudioVideo(&stSource, NULL)",
                                AV_PlayAudioVideo(&stSource, nullptr));
             TC_ASSERT_RET(AV_StopAudioVideo(&stSource));
@@ -198,94 +152,94 @@ static uint32_t switchBase(const char* name, const SwitchSource& first,
 // clang-format off
 #define SWITCH_FAMILY(X) \
     /* case                    flag  description                                                                                        body */ \
-    X(TC_AV_SwitchSource_001, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 0), atv(0))) \
-    X(TC_AV_SwitchSource_002, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 0), atv(1))) \
-    X(TC_AV_SwitchSource_003, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 0), atv(2))) \
-    X(TC_AV_SwitchSource_004, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 0), atv(3))) \
-    X(TC_AV_SwitchSource_005, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 0), atv(0))) \
-    X(TC_AV_SwitchSource_006, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 0), atv(1))) \
-    X(TC_AV_SwitchSource_007, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 0), atv(2))) \
-    X(TC_AV_SwitchSource_008, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 0), atv(3))) \
-    X(TC_AV_SwitchSource_009, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 1), atv(0))) \
-    X(TC_AV_SwitchSource_010, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 1), atv(1))) \
-    X(TC_AV_SwitchSource_011, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 1), atv(2))) \
-    X(TC_AV_SwitchSource_012, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(0, 1), atv(3))) \
-    X(TC_AV_SwitchSource_013, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 1), atv(0))) \
-    X(TC_AV_SwitchSource_014, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 1), atv(1))) \
-    X(TC_AV_SwitchSource_015, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 1), atv(2))) \
-    X(TC_AV_SwitchSource_016, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv(1, 1), atv(3))) \
-    X(TC_AV_SwitchSource_021, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 0), hdmi(0))) \
-    X(TC_AV_SwitchSource_022, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 0), hdmi(1))) \
-    X(TC_AV_SwitchSource_023, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 0), hdmi(2))) \
-    X(TC_AV_SwitchSource_024, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 0), hdmi(0))) \
-    X(TC_AV_SwitchSource_025, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 0), hdmi(1))) \
-    X(TC_AV_SwitchSource_026, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 0), hdmi(2))) \
-    X(TC_AV_SwitchSource_027, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 1), hdmi(0))) \
-    X(TC_AV_SwitchSource_028, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 1), hdmi(1))) \
-    X(TC_AV_SwitchSource_029, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 1), hdmi(2))) \
-    X(TC_AV_SwitchSource_030, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 1), hdmi(0))) \
-    X(TC_AV_SwitchSource_031, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 1), hdmi(1))) \
-    X(TC_AV_SwitchSource_032, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 1), hdmi(2))) \
-    X(TC_AV_SwitchSource_041, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 0), cvbs(0))) \
-    X(TC_AV_SwitchSource_042, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 0), cvbs(1))) \
-    X(TC_AV_SwitchSource_043, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 0), cvbs(0))) \
-    X(TC_AV_SwitchSource_044, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 0), cvbs(1))) \
-    X(TC_AV_SwitchSource_045, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 1), cvbs(0))) \
-    X(TC_AV_SwitchSource_046, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(0, 1), cvbs(1))) \
-    X(TC_AV_SwitchSource_047, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 1), cvbs(0))) \
-    X(TC_AV_SwitchSource_048, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv(1, 1), cvbs(1))) \
-    X(TC_AV_SwitchSource_051, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(0, 0), ypbpr(0))) \
-    X(TC_AV_SwitchSource_052, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(0, 0), ypbpr(1))) \
-    X(TC_AV_SwitchSource_053, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(1, 0), ypbpr(0))) \
-    X(TC_AV_SwitchSource_054, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(1, 0), ypbpr(1))) \
-    X(TC_AV_SwitchSource_055, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(0, 1), ypbpr(0))) \
-    X(TC_AV_SwitchSource_056, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(0, 1), ypbpr(1))) \
-    X(TC_AV_SwitchSource_057, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(1, 1), ypbpr(0))) \
-    X(TC_AV_SwitchSource_058, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv(1, 1), ypbpr(1))) \
-    X(TC_AV_SwitchSource_061, AUTO, "Switch source from ATV (Tuner-0) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(0), hdmi(0))) \
-    X(TC_AV_SwitchSource_062, AUTO, "Switch source from ATV (Tuner-0) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(0), hdmi(1))) \
-    X(TC_AV_SwitchSource_063, AUTO, "Switch source from ATV (Tuner-0) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(0), hdmi(2))) \
-    X(TC_AV_SwitchSource_064, AUTO, "Switch source from ATV (Tuner-1) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(1), hdmi(0))) \
-    X(TC_AV_SwitchSource_065, AUTO, "Switch source from ATV (Tuner-1) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(1), hdmi(1))) \
-    X(TC_AV_SwitchSource_066, AUTO, "Switch source from ATV (Tuner-1) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(1), hdmi(2))) \
-    X(TC_AV_SwitchSource_067, AUTO, "Switch source from ATV (Tuner-2) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(2), hdmi(0))) \
-    X(TC_AV_SwitchSource_068, AUTO, "Switch source from ATV (Tuner-2) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(2), hdmi(1))) \
-    X(TC_AV_SwitchSource_069, AUTO, "Switch source from ATV (Tuner-2) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(2), hdmi(2))) \
-    X(TC_AV_SwitchSource_070, AUTO, "Switch source from ATV (Tuner-3) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(3), hdmi(0))) \
-    X(TC_AV_SwitchSource_071, AUTO, "Switch source from ATV (Tuner-3) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(3), hdmi(1))) \
-    X(TC_AV_SwitchSource_072, AUTO, "Switch source from ATV (Tuner-3) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(3), hdmi(2))) \
-    X(TC_AV_SwitchSource_081, AUTO, "Switch source from ATV (Tuner-0) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(0), cvbs(0))) \
-    X(TC_AV_SwitchSource_082, AUTO, "Switch source from ATV (Tuner-0) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(0), cvbs(1))) \
-    X(TC_AV_SwitchSource_083, AUTO, "Switch source from ATV (Tuner-1) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(1), cvbs(0))) \
-    X(TC_AV_SwitchSource_084, AUTO, "Switch source from ATV (Tuner-1) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(1), cvbs(1))) \
-    X(TC_AV_SwitchSource_085, AUTO, "Switch source from ATV (Tuner-2) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(2), cvbs(0))) \
-    X(TC_AV_SwitchSource_086, AUTO, "Switch source from ATV (Tuner-2) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(2), cvbs(1))) \
-    X(TC_AV_SwitchSource_087, AUTO, "Switch source from ATV (Tuner-3) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(3), cvbs(0))) \
-    X(TC_AV_SwitchSource_088, AUTO, "Switch source from ATV (Tuner-3) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv(3), cvbs(1))) \
-    X(TC_AV_SwitchSource_091, AUTO, "Switch source from ATV (Tuner-0) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(0), ypbpr(0))) \
-    X(TC_AV_SwitchSource_092, AUTO, "Switch source from ATV (Tuner-0) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(0), ypbpr(1))) \
-    X(TC_AV_SwitchSource_093, AUTO, "Switch source from ATV (Tuner-1) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(1), ypbpr(0))) \
-    X(TC_AV_SwitchSource_094, AUTO, "Switch source from ATV (Tuner-1) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(1), ypbpr(1))) \
-    X(TC_AV_SwitchSource_095, AUTO, "Switch source from ATV (Tuner-2) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(2), ypbpr(0))) \
-    X(TC_AV_SwitchSource_096, AUTO, "Switch source from ATV (Tuner-2) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(2), ypbpr(1))) \
-    X(TC_AV_SwitchSource_097, AUTO, "Switch source from ATV (Tuner-3) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(3), ypbpr(0))) \
-    X(TC_AV_SwitchSource_098, AUTO, "Switch source from ATV (Tuner-3) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv(3), ypbpr(1))) \
-    X(TC_AV_SwitchSource_101, AUTO, "Switch source from HDMI-0 to CVBS-0 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi(0), cvbs(0))) \
-    X(TC_AV_SwitchSource_102, AUTO, "Switch source from HDMI-0 to CVBS-1 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi(0), cvbs(1))) \
-    X(TC_AV_SwitchSource_103, AUTO, "Switch source from HDMI-1 to CVBS-0 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi(1), cvbs(0))) \
-    X(TC_AV_SwitchSource_104, AUTO, "Switch source from HDMI-1 to CVBS-1 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi(1), cvbs(1))) \
-    X(TC_AV_SwitchSource_105, AUTO, "Switch source from HDMI-2 to CVBS-0 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi(2), cvbs(0))) \
-    X(TC_AV_SwitchSource_106, AUTO, "Switch source from HDMI-2 to CVBS-1 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi(2), cvbs(1))) \
-    X(TC_AV_SwitchSource_111, AUTO, "Switch source from HDMI-0 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi(0), ypbpr(0))) \
-    X(TC_AV_SwitchSource_112, AUTO, "Switch source from HDMI-0 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi(0), ypbpr(1))) \
-    X(TC_AV_SwitchSource_113, AUTO, "Switch source from HDMI-1 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi(1), ypbpr(0))) \
-    X(TC_AV_SwitchSource_114, AUTO, "Switch source from HDMI-1 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi(1), ypbpr(1))) \
-    X(TC_AV_SwitchSource_115, AUTO, "Switch source from HDMI-2 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi(2), ypbpr(0))) \
-    X(TC_AV_SwitchSource_116, AUTO, "Switch source from HDMI-2 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi(2), ypbpr(1))) \
-    X(TC_AV_SwitchSource_121, AUTO, "Switch source from CVBS-0 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs(0), ypbpr(0))) \
-    X(TC_AV_SwitchSource_122, AUTO, "Switch source from CVBS-0 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs(0), ypbpr(1))) \
-    X(TC_AV_SwitchSource_123, AUTO, "Switch source from CVBS-1 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs(1), ypbpr(0))) \
-    X(TC_AV_SwitchSource_124, AUTO, "Switch source from CVBS-1 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs(1), ypbpr(1)))
+    X(TC_AV_SwitchSource_001, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv00, atv0)) \
+    X(TC_AV_SwitchSource_002, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv00, atv1)) \
+    X(TC_AV_SwitchSource_003, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv00, atv2)) \
+    X(TC_AV_SwitchSource_004, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv00, atv3)) \
+    X(TC_AV_SwitchSource_005, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv10, atv0)) \
+    X(TC_AV_SwitchSource_006, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv10, atv1)) \
+    X(TC_AV_SwitchSource_007, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv10, atv2)) \
+    X(TC_AV_SwitchSource_008, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv10, atv3)) \
+    X(TC_AV_SwitchSource_009, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv01, atv0)) \
+    X(TC_AV_SwitchSource_010, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv01, atv1)) \
+    X(TC_AV_SwitchSource_011, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv01, atv2)) \
+    X(TC_AV_SwitchSource_012, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv01, atv3)) \
+    X(TC_AV_SwitchSource_013, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-0) for 10 times with audio-0 and video-0", switchBase(__func__, dtv11, atv0)) \
+    X(TC_AV_SwitchSource_014, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-1) for 10 times with audio-0 and video-0", switchBase(__func__, dtv11, atv1)) \
+    X(TC_AV_SwitchSource_015, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-2) for 10 times with audio-0 and video-0", switchBase(__func__, dtv11, atv2)) \
+    X(TC_AV_SwitchSource_016, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to ATV (Tuner-3) for 10 times with audio-0 and video-0", switchBase(__func__, dtv11, atv3)) \
+    X(TC_AV_SwitchSource_021, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv00, hdmi0)) \
+    X(TC_AV_SwitchSource_022, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv00, hdmi1)) \
+    X(TC_AV_SwitchSource_023, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv00, hdmi2)) \
+    X(TC_AV_SwitchSource_024, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv10, hdmi0)) \
+    X(TC_AV_SwitchSource_025, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv10, hdmi1)) \
+    X(TC_AV_SwitchSource_026, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv10, hdmi2)) \
+    X(TC_AV_SwitchSource_027, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv01, hdmi0)) \
+    X(TC_AV_SwitchSource_028, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv01, hdmi1)) \
+    X(TC_AV_SwitchSource_029, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv01, hdmi2)) \
+    X(TC_AV_SwitchSource_030, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to HDMI-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv11, hdmi0)) \
+    X(TC_AV_SwitchSource_031, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to HDMI-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv11, hdmi1)) \
+    X(TC_AV_SwitchSource_032, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to HDMI-2 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv11, hdmi2)) \
+    X(TC_AV_SwitchSource_041, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv00, cvbs0)) \
+    X(TC_AV_SwitchSource_042, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv00, cvbs1)) \
+    X(TC_AV_SwitchSource_043, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv10, cvbs0)) \
+    X(TC_AV_SwitchSource_044, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv10, cvbs1)) \
+    X(TC_AV_SwitchSource_045, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv01, cvbs0)) \
+    X(TC_AV_SwitchSource_046, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv01, cvbs1)) \
+    X(TC_AV_SwitchSource_047, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to CVBS-0 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv11, cvbs0)) \
+    X(TC_AV_SwitchSource_048, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to CVBS-1 for 10 times with audio-0 and video-0",        switchBase(__func__, dtv11, cvbs1)) \
+    X(TC_AV_SwitchSource_051, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv00, ypbpr0)) \
+    X(TC_AV_SwitchSource_052, AUTO, "Switch source from DTV (Tuner-0,Demux-0) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv00, ypbpr1)) \
+    X(TC_AV_SwitchSource_053, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv10, ypbpr0)) \
+    X(TC_AV_SwitchSource_054, AUTO, "Switch source from DTV (Tuner-1,Demux-0) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv10, ypbpr1)) \
+    X(TC_AV_SwitchSource_055, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv01, ypbpr0)) \
+    X(TC_AV_SwitchSource_056, AUTO, "Switch source from DTV (Tuner-0,Demux-1) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv01, ypbpr1)) \
+    X(TC_AV_SwitchSource_057, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to YPBPR-0 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv11, ypbpr0)) \
+    X(TC_AV_SwitchSource_058, AUTO, "Switch source from DTV (Tuner-1,Demux-1) to YPBPR-1 for 10 times with audio-0 and video-0",       switchBase(__func__, dtv11, ypbpr1)) \
+    X(TC_AV_SwitchSource_061, AUTO, "Switch source from ATV (Tuner-0) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv0, hdmi0)) \
+    X(TC_AV_SwitchSource_062, AUTO, "Switch source from ATV (Tuner-0) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv0, hdmi1)) \
+    X(TC_AV_SwitchSource_063, AUTO, "Switch source from ATV (Tuner-0) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv0, hdmi2)) \
+    X(TC_AV_SwitchSource_064, AUTO, "Switch source from ATV (Tuner-1) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv1, hdmi0)) \
+    X(TC_AV_SwitchSource_065, AUTO, "Switch source from ATV (Tuner-1) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv1, hdmi1)) \
+    X(TC_AV_SwitchSource_066, AUTO, "Switch source from ATV (Tuner-1) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv1, hdmi2)) \
+    X(TC_AV_SwitchSource_067, AUTO, "Switch source from ATV (Tuner-2) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv2, hdmi0)) \
+    X(TC_AV_SwitchSource_068, AUTO, "Switch source from ATV (Tuner-2) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv2, hdmi1)) \
+    X(TC_AV_SwitchSource_069, AUTO, "Switch source from ATV (Tuner-2) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv2, hdmi2)) \
+    X(TC_AV_SwitchSource_070, AUTO, "Switch source from ATV (Tuner-3) to HDMI-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv3, hdmi0)) \
+    X(TC_AV_SwitchSource_071, AUTO, "Switch source from ATV (Tuner-3) to HDMI-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv3, hdmi1)) \
+    X(TC_AV_SwitchSource_072, AUTO, "Switch source from ATV (Tuner-3) to HDMI-2 for 10 times with audio-0 and video-0",                switchBase(__func__, atv3, hdmi2)) \
+    X(TC_AV_SwitchSource_081, AUTO, "Switch source from ATV (Tuner-0) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv0, cvbs0)) \
+    X(TC_AV_SwitchSource_082, AUTO, "Switch source from ATV (Tuner-0) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv0, cvbs1)) \
+    X(TC_AV_SwitchSource_083, AUTO, "Switch source from ATV (Tuner-1) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv1, cvbs0)) \
+    X(TC_AV_SwitchSource_084, AUTO, "Switch source from ATV (Tuner-1) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv1, cvbs1)) \
+    X(TC_AV_SwitchSource_085, AUTO, "Switch source from ATV (Tuner-2) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv2, cvbs0)) \
+    X(TC_AV_SwitchSource_086, AUTO, "Switch source from ATV (Tuner-2) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv2, cvbs1)) \
+    X(TC_AV_SwitchSource_087, AUTO, "Switch source from ATV (Tuner-3) to CVBS-0 for 10 times with audio-0 and video-0",                switchBase(__func__, atv3, cvbs0)) \
+    X(TC_AV_SwitchSource_088, AUTO, "Switch source from ATV (Tuner-3) to CVBS-1 for 10 times with audio-0 and video-0",                switchBase(__func__, atv3, cvbs1)) \
+    X(TC_AV_SwitchSource_091, AUTO, "Switch source from ATV (Tuner-0) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv0, ypbpr0)) \
+    X(TC_AV_SwitchSource_092, AUTO, "Switch source from ATV (Tuner-0) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv0, ypbpr1)) \
+    X(TC_AV_SwitchSource_093, AUTO, "Switch source from ATV (Tuner-1) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv1, ypbpr0)) \
+    X(TC_AV_SwitchSource_094, AUTO, "Switch source from ATV (Tuner-1) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv1, ypbpr1)) \
+    X(TC_AV_SwitchSource_095, AUTO, "Switch source from ATV (Tuner-2) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv2, ypbpr0)) \
+    X(TC_AV_SwitchSource_096, AUTO, "Switch source from ATV (Tuner-2) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv2, ypbpr1)) \
+    X(TC_AV_SwitchSource_097, AUTO, "Switch source from ATV (Tuner-3) to YPBPR-0 for 10 times with audio-0 and video-0",               switchBase(__func__, atv3, ypbpr0)) \
+    X(TC_AV_SwitchSource_098, AUTO, "Switch source from ATV (Tuner-3) to YPBPR-1 for 10 times with audio-0 and video-0",               switchBase(__func__, atv3, ypbpr1)) \
+    X(TC_AV_SwitchSource_101, AUTO, "Switch source from HDMI-0 to CVBS-0 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi0, cvbs0)) \
+    X(TC_AV_SwitchSource_102, AUTO, "Switch source from HDMI-0 to CVBS-1 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi0, cvbs1)) \
+    X(TC_AV_SwitchSource_103, AUTO, "Switch source from HDMI-1 to CVBS-0 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi1, cvbs0)) \
+    X(TC_AV_SwitchSource_104, AUTO, "Switch source from HDMI-1 to CVBS-1 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi1, cvbs1)) \
+    X(TC_AV_SwitchSource_105, AUTO, "Switch source from HDMI-2 to CVBS-0 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi2, cvbs0)) \
+    X(TC_AV_SwitchSource_106, AUTO, "Switch source from HDMI-2 to CVBS-1 for 10 times with audio-0 and video-0",                       switchBase(__func__, hdmi2, cvbs1)) \
+    X(TC_AV_SwitchSource_111, AUTO, "Switch source from HDMI-0 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi0, ypbpr0)) \
+    X(TC_AV_SwitchSource_112, AUTO, "Switch source from HDMI-0 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi0, ypbpr1)) \
+    X(TC_AV_SwitchSource_113, AUTO, "Switch source from HDMI-1 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi1, ypbpr0)) \
+    X(TC_AV_SwitchSource_114, AUTO, "Switch source from HDMI-1 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi1, ypbpr1)) \
+    X(TC_AV_SwitchSource_115, AUTO, "Switch source from HDMI-2 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi2, ypbpr0)) \
+    X(TC_AV_SwitchSource_116, AUTO, "Switch source from HDMI-2 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, hdmi2, ypbpr1)) \
+    X(TC_AV_SwitchSource_121, AUTO, "Switch source from CVBS-0 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs0, ypbpr0)) \
+    X(TC_AV_SwitchSource_122, AUTO, "Switch source from CVBS-0 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs0, ypbpr1)) \
+    X(TC_AV_SwitchSource_123, AUTO, "Switch source from CVBS-1 to YPBPR-0 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs1, ypbpr0)) \
+    X(TC_AV_SwitchSource_124, AUTO, "Switch source from CVBS-1 to YPBPR-1 for 10 times with audio-0 and video-0",                      switchBase(__func__, cvbs1, ypbpr1))
 // clang-format on
 
 SWITCH_FAMILY(TC_VARIANT_FUNCTION)

@@ -240,12 +240,12 @@ uint32_t AV_DtvPauseResume(const char* name) {
 
 /** Sets what is typed until 999. */
 static void setTypedModes(CaseContext& tc, uint32_t eAudioDev) {
+    zk_log(
+        "Please input the audio mode: 1(Stereo), 2(Track A), 3(Track B), 4(Track Mix), 5(Track "
+        "Both)\n");
+    zk_log("Please input number 999 to exit\n");
     for (;;) {
         int32_t sInputValue = 0;
-        zk_log(
-            "Please input the audio mode: 1(Stereo), 2(Track A), 3(Track B), 4(Track Mix), 5(Track "
-            "Both)\n");
-        zk_log("Please input number 999 to exit\n");
         const PromptAnswer answer = tc_askNumber(&sInputValue);
         if (!TC_EXPECT_TRUE(answer != PROMPT_END_OF_INPUT) || sInputValue == LAST_INPUT)
             return;

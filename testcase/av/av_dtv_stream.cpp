@@ -93,7 +93,8 @@ static void checkAudio(CaseContext& tc, uint32_t eAudioDev,
                        std::initializer_list<AvDtvAudioDemand> demands) {
     QLX_AudioInfo stAudioInfo = {};
     sleep(SETTLE_TIME_S);
-    zk_log("call QLX_AudioGetAudioInfo()--- \r\n");
+    // The line of the pictures' checks stands here, too.
+    zk_log("call QLX_VideoGetVideoInfo()--- \r\n");
     if (!TC_EXPECT_RET(QLX_AudioGetAudioInfo(eAudioDev, QLX_AUDIO_PARAMTYPE_DIGITAL_AUDIO_INFO,
                                              &stAudioInfo)) ||
         !TC_EXPECT_EQUAL(QLX_AUDIO_PARAMTYPE_DIGITAL_AUDIO_INFO, stAudioInfo.eParamType) ||
