@@ -238,6 +238,9 @@ uint32_t AV_SwitchChannel(const char* name, const AvSelector& selector) {
 /** Plays a channel whose PID of picture or sound is wrong. The play fails, as it waits for what
  *  does not come; what counts is what the decoders report. */
 static void playToReports(const AvSource& stSource, const TcChannelInfo& stChannelInfo) {
+    // A play that does not come as far as the decoders leaves the logs of the last one.
+    AV_ClearVideoLog();
+    AV_ClearAudioLog();
     AV_PlayAudioVideo(&stSource, &stChannelInfo);
     sleep(PLAY_TIME_S);
     AV_StopAudioVideo(&stSource);
