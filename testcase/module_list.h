@@ -19,7 +19,7 @@
     BUILT(DemuxModuleIsdb,        "Demux-ISDB",        "Test cases of Demux (ISDB)",                               163, 154, 153, 152) \
     BUILT(DemuxModuleDvb,         "Demux-DVB",         "Test cases of Demux (DVB)",                                449, 436, 433, 433) \
     BUILT(RecordModule,           "Record",            "Test module for the Record",                                71,  70,  71,  70) \
-    OPEN (DmxInjectModule,        "DmxInject",         "Test module for the DemuxInject",                          114, 114,   0,   0) \
+    BUILT(DmxInjectModule,        "DmxInject",         "Test module for the DemuxInject",                          114, 114, 114, 114) \
     BUILT(AVCommonModule,         "AV-Common",         "Test module for AV common test, no distinguishing source", 111, 108, 111, 108) \
     BUILT(AVDtvModule,            "AV-DTV",            "Test module for AV test, the source is DTV",               355, 324, 355, 324) \
     BUILT(AVAtvModule,            "AV-ATV",            "Test module for AV test, the source is ATV",               142, 138, 142, 138) \

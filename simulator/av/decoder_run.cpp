@@ -28,6 +28,9 @@ namespace {
 constexpr int64_t never = INT64_MAX;
 /** Programs keep few events: a stream with damage everywhere is not told picture by picture. */
 constexpr int64_t errorPauseUs = 5000000;
+/** Of a stream that grows it is not known whether an access point will come; most have two a
+ *  second. */
+constexpr int64_t accessWaitUs = 2000000;
 /** Of the words of events: what the matching question would be answered. */
 constexpr uint32_t yes = 1;
 constexpr uint32_t no = 0;
@@ -129,13 +132,16 @@ int64_t clockUs(Decoder& decoder, int64_t now) {
     if (run.clockUs != DecoderRun::unknown)
         return run.clockUs;
     const TsStream& stream = *run.feed.stream;
+    // Of a stream that grows all that is known has come already.
+    int64_t fromUs = stream.lineage() != 0 ? run.fromUs : now;
+    int64_t comesUs = now;
     if (decoder.syncSet && decoder.sync.eSyncMode == QLX_VIDEOSYNC_MODE_PCR_MASTER)
-        run.clockUs = nextClockUs(stream, decoder.sync.uPcrPid, now);
+        comesUs = nextClockUs(stream, decoder.sync.uPcrPid, fromUs);
     else if (decoder.syncSet && decoder.sync.eSyncMode == QLX_VIDEOSYNC_MODE_AUDIO_MASTER)
-        run.clockUs = nextPacketUs(stream, decoder.sync.uPid, now);
-    else
-        run.clockUs = now;
-    return run.clockUs;
+        comesUs = nextPacketUs(stream, decoder.sync.uPid, fromUs);
+    if (comesUs != never || stream.lineage() == 0)
+        run.clockUs = comesUs;
+    return comesUs;
 }
 
 void considerStream(const DecoderKind& kind, Decoder& decoder, int64_t now, Step* step) {
@@ -153,7 +159,8 @@ void considerStream(const DecoderKind& kind, Decoder& decoder, int64_t now, Step
         if (!first.has_value()) {
             int64_t come = nextPacketUs(stream, run.pid, run.fromUs);
             if (!run.uselessTold && come != never)
-                step->consider(come + decodeUs, takeUseless);
+                step->consider(come + (stream.lineage() != 0 ? accessWaitUs : decodeUs),
+                               takeUseless);
             return;
         }
         step->consider(first->arrivedUs + decodeUs, takePicture, *first);

@@ -26,8 +26,22 @@ bool findSignal(const DecoderSource& source, uint32_t* index) {
     return signalSource(source.kind, source.index).open;
 }
 
+/** A decoder is opened before it is known into which demultiplexer a recording is injected: without
+ *  one in its own it follows any other. */
+DemuxView viewFor(const DecoderSource& source) {
+    DemuxView own = demuxView(source.index);
+    if (own.stream != nullptr || own.source.eSourceType != QLX_SOURCE_TYPE_RECORD)
+        return own;
+    for (uint32_t demux = 0; demux < demuxCount; demux++) {
+        DemuxView other = demuxView(demux);
+        if (other.stream != nullptr && other.source.eSourceType == QLX_SOURCE_TYPE_RECORD)
+            return other;
+    }
+    return own;
+}
+
 DecoderFeed lookAtDemux(const DecoderSource& source, const DecoderFeed& before, int64_t now) {
-    DemuxView view = demuxView(source.index);
+    DemuxView view = viewFor(source);
     DecoderFeed feed;
     feed.sinceUs = now;
     feed.change = view.change;
@@ -66,6 +80,8 @@ bool findPacket(const TsStream& stream, uint32_t pid, int64_t fromUs, Fits fits,
     auto at = std::lower_bound(places.begin(), places.end(), place);
     for (size_t i = 0; i < places.size(); i++, ++at) {
         if (at == places.end()) {
+            if (stream.lineage() != 0)
+                return false;
             at = places.begin();
             loop++;
         }
@@ -104,6 +120,8 @@ bool feedGoesOn(const DecoderFeed& before, const DecoderFeed& now) {
     if (now.kind == DecoderFeed::Kind::signal)
         return before.signalIndex == now.signalIndex;
     if (now.kind == DecoderFeed::Kind::nothing || before.change == now.change)
+        return true;
+    if (before.stream->lineage() != 0 && before.stream->lineage() == now.stream->lineage())
         return true;
     // One step to another stream of the same tuner is one whose bytes the operator has changed; the
     // same one behind another number was interrupted.

@@ -43,6 +43,8 @@ uint32_t filterNum() {
 
 TsStreamPtr streamFor(const Demux& demux, uint64_t* reception) {
     *reception = 0;
+    if (demux.started && demux.source.eSourceType == QLX_SOURCE_TYPE_RECORD)
+        return demux.injected;
     if (!demux.started || demux.source.eSourceType != QLX_SOURCE_TYPE_TUNER)
         return nullptr;
     Reception received = receptionOf(demux.source.uSourceIndex);
@@ -62,10 +64,16 @@ bool refresh(uint32_t number, bool torn) {
     bool sameTuning = !torn && reception == demux.reception;
     if (sameTuning && stream == demux.stream)
         return false;
+    bool grown = !torn && stream != nullptr && stream->lineage() != 0 && demux.stream != nullptr &&
+                 demux.stream->lineage() == stream->lineage();
     demux.stream = stream;
     demux.reception = reception;
-    demux.since = stream != nullptr ? stream->packetAt(nowUs()) : 0;
     demux.change++;
+    if (grown)
+        return true;
+    demux.since = 0;
+    if (stream != nullptr && stream->lineage() == 0)
+        demux.since = stream->packetAt(nowUs());
     demux.live.clear();
     for (auto& [handle, filter] : family.filters) {
         if (filter.demux != number || filter.run == nullptr)
@@ -131,8 +139,10 @@ std::vector<FilterRunPtr> closeOne(uint32_t number) {
     for (auto filter = family.filters.begin(); filter != family.filters.end();)
         filter = filter->second.demux == number ? family.filters.erase(filter) : std::next(filter);
     uint64_t change = family.demuxes[number].change;
+    TsStreamPtr injected = family.demuxes[number].injected;
     family.demuxes[number] = Demux();
     family.demuxes[number].change = change + 1;
+    family.demuxes[number].injected = injected;
     return runs;
 }
 
@@ -265,6 +275,17 @@ void demuxFeed(uint32_t number, const uint8_t* packets, size_t count) {
                            [&](const TsUnit& unit) { feed(filter_section, packet.pid, unit); });
         live.pes.push(packet, at, [&](const TsUnit& unit) { feed(filter_pes, packet.pid, unit); });
     }
+}
+
+void demuxInject(uint32_t number, const TsStreamPtr& stream) {
+    bool changed;
+    {
+        std::lock_guard<std::mutex> lock(demuxFamily().mutex);
+        demuxFamily().demuxes[number].injected = stream;
+        changed = refresh(number, false);
+    }
+    if (changed)
+        tellListeners(number);
 }
 
 static void reset() {

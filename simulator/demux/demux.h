@@ -42,6 +42,10 @@ void onDemuxChange(std::function<void(uint32_t demux)> listener);
  */
 void demuxFeed(uint32_t demux, const uint8_t* packets, size_t count);
 
+/** The stream of recorded data as far as it has come, for decoders and recorders that follow a
+ *  demultiplexer connected to QLX_SOURCE_TYPE_RECORD; null: its end. */
+void demuxInject(uint32_t demux, const TsStreamPtr& stream);
+
 }  // namespace sim
 
 #endif

@@ -111,6 +111,8 @@ struct Demux {
     uint64_t reception = 0;
     std::map<uint16_t, LivePid> live;
     uint64_t livePackets = 0;
+    /** What is injected, whatever the demultiplexer is connected to. */
+    TsStreamPtr injected;
 };
 
 struct HandedOut {

@@ -270,8 +270,11 @@ void armTimeOut(FilterRun& run) {
 
 void attachRun(FilterRun& run, const Demux& demux, bool keepPlace) {
     uint64_t number = 0;
-    bool placed = keepPlace && run.stream != nullptr && demux.stream != nullptr &&
-                  run.stream->packetCount() == demux.stream->packetCount() && countOf(run) > 0;
+    // Recorded data come packet by packet (feedRun).
+    const TsStreamPtr stream =
+        demux.stream != nullptr && demux.stream->lineage() != 0 ? nullptr : demux.stream;
+    bool placed = keepPlace && run.stream != nullptr && stream != nullptr &&
+                  run.stream->packetCount() == stream->packetCount() && countOf(run) > 0;
     if (placed)
         number = run.loop * run.stream->packetCount() +
                  firstPacketOf(run, std::min(run.next, countOf(run) - 1));
@@ -279,7 +282,7 @@ void attachRun(FilterRun& run, const Demux& demux, bool keepPlace) {
         run.ready.clear();
         run.readyBytes = 0;
     }
-    run.stream = demux.stream;
+    run.stream = stream;
     run.passing.clear();
     if (run.stream == nullptr)
         return;

@@ -19,9 +19,9 @@ int64_t ticksToUs(int64_t ticks) {
 
 UnitMoment momentOf(const TsStream& stream, const EsUnits& index, uint64_t loop, uint32_t number) {
     const AccessUnit& unit = index.units[number];
-    int64_t loopTicks =
-        static_cast<int64_t>(loop) * stream.packetCount() * int64_t{stream.packetTicks()};
-    int64_t beginTicks = loopTicks + unit.first * int64_t{stream.packetTicks()};
+    auto loopTicks = static_cast<int64_t>(stream.beginTicks(loop * stream.packetCount()));
+    auto beginTicks =
+        static_cast<int64_t>(stream.beginTicks(loop * stream.packetCount() + unit.first));
     UnitMoment moment = {};
     moment.loop = loop;
     moment.unit = number;
@@ -31,8 +31,18 @@ UnitMoment momentOf(const TsStream& stream, const EsUnits& index, uint64_t loop,
     moment.pts = noStamp;
     if (unit.pts == noStamp)
         return moment;
-    moment.pts = (unit.pts + static_cast<uint64_t>(loopTicks / ticksPerStamp)) % stampRange;
-    auto ahead = static_cast<int64_t>((unit.pts - index.clockBase) % stampRange);
+    uint64_t clockBase = index.clockBase;
+    moment.pts = unit.pts;
+    if (stream.lineage() == 0)
+        moment.pts = (unit.pts + static_cast<uint64_t>(loopTicks / ticksPerStamp)) % stampRange;
+    for (const TsClockPiece& piece : stream.clockPieces()) {
+        // What comes before a clock follows the first one.
+        if (piece.place > unit.first && &piece != &stream.clockPieces().front())
+            break;
+        loopTicks = static_cast<int64_t>(stream.beginTicks(piece.place));
+        clockBase = piece.clock;
+    }
+    auto ahead = static_cast<int64_t>((unit.pts - clockBase) % stampRange);
     if (ahead >= static_cast<int64_t>(stampRange / 2))
         ahead -= static_cast<int64_t>(stampRange);
     int64_t shownTicks = loopTicks + ahead * ticksPerStamp;
@@ -54,6 +64,8 @@ std::optional<UnitMoment> nextUnit(const TsStream& stream, const EsUnits& index,
                          [](const AccessUnit& unit, uint32_t least) { return unit.first < least; });
     auto found = std::find_if(from, index.units.end(), has);
     if (found == index.units.end()) {
+        if (stream.lineage() != 0)
+            return std::nullopt;
         loop++;
         found = std::find_if(index.units.begin(), from, has);
         if (found == from)

@@ -99,6 +99,13 @@ std::shared_ptr<const VideoIndex> videoIndex(const TsStreamPtr& stream, uint16_t
 std::shared_ptr<const AudioIndex> audioIndex(const TsStreamPtr& stream, uint16_t pid,
                                              AudioCoding coding);
 
+/** The same for who reads the units' bytes: of a stream that grows, made anew of what the view
+ *  holds. */
+std::shared_ptr<const VideoIndex> videoIndexAtHand(const TsStreamPtr& stream, uint16_t pid,
+                                                   VideoCoding coding);
+std::shared_ptr<const AudioIndex> audioIndexAtHand(const TsStreamPtr& stream, uint16_t pid,
+                                                   AudioCoding coding);
+
 /** An access unit at one of its turns. */
 struct UnitMoment {
     uint64_t loop;

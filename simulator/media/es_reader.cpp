@@ -127,6 +127,8 @@ Es readEs(const TsStream& stream, uint16_t pid) {
         stream.copyPacket(place, bytes);
         reader.push(bytes, place);
     }
+    if (stream.lineage() != 0)
+        return reader.finish();
     // What begins in this loop ends before the next one begins.
     for (uint32_t place : places) {
         uint32_t number = stream.packetCount() + place;
@@ -135,6 +137,13 @@ Es readEs(const TsStream& stream, uint16_t pid) {
             break;
         reader.push(bytes, number);
     }
+    return reader.finish();
+}
+
+Es readPes(const std::vector<const uint8_t*>& packets) {
+    EsReader reader;
+    for (size_t i = 0; i < packets.size(); i++)
+        reader.push(packets[i], static_cast<uint32_t>(i));
     return reader.finish();
 }
 
@@ -171,6 +180,8 @@ void setStamps(const Es& es, std::vector<AccessUnit>* units) {
 
 uint64_t clockBaseOf(const TsStream& stream) {
     uint8_t bytes[tsPacketBytes];
+    if (stream.lineage() != 0)
+        return 0;
     for (uint32_t place = 0; place < stream.packetCount(); place++) {
         stream.copyPacket(place, bytes);
         if (!ts_has_adaptation(bytes) || ts_get_adaptation(bytes) < 7 || !tsaf_has_pcr(bytes))

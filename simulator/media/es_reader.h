@@ -44,6 +44,9 @@ struct Es {
 /** Reads the PID's PES packets that begin in loop 0. */
 Es readEs(const TsStream& stream, uint16_t pid);
 
+/** Reads the packets of one PES packet; places are theirs in the list. */
+Es readPes(const std::vector<const uint8_t*>& packets);
+
 /** Where a coded picture or a frame of sound lies in the elementary stream, and what is known. */
 AccessUnit accessUnitAt(const Es& es, size_t offset, size_t size);
 

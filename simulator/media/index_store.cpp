@@ -13,8 +13,23 @@
 #include "simulator/media/ac4.h"
 #include "simulator/media/decoder.h"
 #include "simulator/media/index_file.h"
+#include "simulator/media/live_index.h"
 
 namespace sim {
+
+bool makeUnits(const Es& es, VideoCoding coding, VideoIndex* index) {
+    if (mediaDecoder() != nullptr)
+        mediaDecoder()->indexVideo(es, coding, index);
+    return mediaDecoder() != nullptr;
+}
+
+bool makeUnits(const Es& es, AudioCoding coding, AudioIndex* index) {
+    if (coding == AudioCoding::ac4)
+        indexAc4(es, index);
+    else if (mediaDecoder() != nullptr)
+        mediaDecoder()->indexAudio(es, coding, index);
+    return coding == AudioCoding::ac4 || mediaDecoder() != nullptr;
+}
 
 namespace {
 
@@ -88,20 +103,6 @@ auto& entriesOf(StreamIndexes& indexes, AudioCoding) {
     return indexes.audio;
 }
 
-bool makeUnits(const Es& es, VideoCoding coding, VideoIndex* index) {
-    if (mediaDecoder() != nullptr)
-        mediaDecoder()->indexVideo(es, coding, index);
-    return mediaDecoder() != nullptr;
-}
-
-bool makeUnits(const Es& es, AudioCoding coding, AudioIndex* index) {
-    if (coding == AudioCoding::ac4)
-        indexAc4(es, index);
-    else if (mediaDecoder() != nullptr)
-        mediaDecoder()->indexAudio(es, coding, index);
-    return coding == AudioCoding::ac4 || mediaDecoder() != nullptr;
-}
-
 /** Makes the index; false without a decoder. */
 template <typename Coding, typename Index>
 bool makeIndex(const TsStream& stream, uint16_t pid, Coding coding, Index* index) {
@@ -155,6 +156,8 @@ template <typename Index, typename Coding>
 std::shared_ptr<const Index> indexOf(const TsStreamPtr& stream, uint16_t pid, Coding coding) {
     if (stream == nullptr)
         return nullptr;
+    if (stream->lineage() != 0)
+        return liveIndex(static_cast<const LiveStream&>(*stream), pid, coding);
     StoreState& s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
     auto known = s.streams.find(stream);
@@ -170,6 +173,16 @@ std::shared_ptr<const Index> indexOf(const TsStreamPtr& stream, uint16_t pid, Co
             indexes.emplace(std::make_pair(pid, coding), findOrMake<Index>(*stream, pid, coding))
                 .first;
     return found->second;
+}
+
+/** Of a stream that grows: with places in the elementary stream of what is at hand, as readEs has
+ *  it. */
+template <typename Index, typename Coding>
+std::shared_ptr<const Index> wholeIndex(const TsStreamPtr& stream, uint16_t pid, Coding coding) {
+    if (stream == nullptr || stream->lineage() == 0)
+        return indexOf<Index>(stream, pid, coding);
+    auto made = std::make_shared<Index>();
+    return makeIndex(*stream, pid, coding, made.get()) ? made : nullptr;
 }
 
 const MediaDecoder* loadDecoder() {
@@ -204,6 +217,16 @@ std::shared_ptr<const VideoIndex> videoIndex(const TsStreamPtr& stream, uint16_t
 std::shared_ptr<const AudioIndex> audioIndex(const TsStreamPtr& stream, uint16_t pid,
                                              AudioCoding coding) {
     return indexOf<AudioIndex>(stream, pid, coding);
+}
+
+std::shared_ptr<const VideoIndex> videoIndexAtHand(const TsStreamPtr& stream, uint16_t pid,
+                                                   VideoCoding coding) {
+    return wholeIndex<VideoIndex>(stream, pid, coding);
+}
+
+std::shared_ptr<const AudioIndex> audioIndexAtHand(const TsStreamPtr& stream, uint16_t pid,
+                                                   AudioCoding coding) {
+    return wholeIndex<AudioIndex>(stream, pid, coding);
 }
 
 }  // namespace sim

@@ -59,7 +59,7 @@ const MediaDecoder* decoderFor(const char* what) {
 
 Picture decodePicture(const TsStreamPtr& stream, uint16_t pid, VideoCoding coding, int64_t sinceUs,
                       int64_t atUs) {
-    std::shared_ptr<const VideoIndex> index = videoIndex(stream, pid, coding);
+    std::shared_ptr<const VideoIndex> index = videoIndexAtHand(stream, pid, coding);
     if (index == nullptr || index->changes.empty())
         return {};
     std::optional<UnitMoment> begin =
@@ -86,7 +86,7 @@ Sound decodeSound(const TsStreamPtr& stream, uint16_t pid, AudioCoding coding, i
                   int64_t durationUs) {
     Sound sound;
     int64_t count = std::clamp<int64_t>(durationUs, 0, maxSoundUs) * soundSamplingRate / 1000000;
-    std::shared_ptr<const AudioIndex> index = audioIndex(stream, pid, coding);
+    std::shared_ptr<const AudioIndex> index = audioIndexAtHand(stream, pid, coding);
     const MediaDecoder* decoder = index != nullptr ? decoderFor("sound") : nullptr;
     if (decoder == nullptr)
         return sound;

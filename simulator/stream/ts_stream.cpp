@@ -52,6 +52,13 @@ void moveClock(uint8_t* packet, uint64_t ticks) {
 
 }  // namespace
 
+bool readTsClock(const uint8_t* packet, uint64_t* ticks) {
+    if (!carriesClock(packet))
+        return false;
+    *ticks = clockOf(packet);
+    return true;
+}
+
 TsStream::TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
                    const std::vector<TsTableChange>& changes, TsOrigin origin)
     : origin_(std::move(origin)), byPid_(tsPidCount), continuityStep_(tsPidCount) {
@@ -61,6 +68,14 @@ TsStream::TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
     indexCutHeaders();
     for (const TsTableChange& change : changes)
         changeTable(change);
+}
+
+TsStream::TsStream(uint32_t packetCount, uint32_t packetTicks, TsOrigin origin)
+    : origin_(std::move(origin)), packetCount_(packetCount), packetTicks_(packetTicks) {}
+
+const std::vector<TsClockPiece>& TsStream::clockPieces() const {
+    static const std::vector<TsClockPiece> none;
+    return none;
 }
 
 /**
@@ -212,11 +227,12 @@ uint64_t TsStream::packetAt(int64_t us) const {
 }
 
 int64_t TsStream::endUs(uint64_t number) const {
-    return static_cast<int64_t>(((number + 1) * packetTicks_ + ticksPerUs - 1) / ticksPerUs);
+    return static_cast<int64_t>((beginTicks(number + 1) + ticksPerUs - 1) / ticksPerUs);
 }
 
 uint64_t TsStream::firstEndingAfter(int64_t us) const {
-    return static_cast<uint64_t>(us) * ticksPerUs / packetTicks_;
+    uint64_t ticks = static_cast<uint64_t>(us) * ticksPerUs;
+    return ticks <= beginTicks(0) ? 0 : (ticks - beginTicks(0)) / packetTicks_;
 }
 
 const std::vector<uint32_t>& TsStream::packetsOf(uint16_t pid) const {

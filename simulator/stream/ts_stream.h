@@ -63,6 +63,13 @@ struct TsOrigin {
     bool intact = false;
 };
 
+/** From a place on, the clock of a stream that is not the one that its packets count. */
+struct TsClockPiece {
+    uint32_t place;
+    /** At that place, 90 kHz. */
+    uint64_t clock;
+};
+
 class TsStream {
  public:
     /**
@@ -74,6 +81,7 @@ class TsStream {
      */
     TsStream(std::vector<uint8_t> content, uint32_t packetTicks,
              const std::vector<TsTableChange>& changes = {}, TsOrigin origin = {});
+    virtual ~TsStream() = default;
 
     const TsOrigin& origin() const {
         return origin_;
@@ -88,26 +96,37 @@ class TsStream {
     }
 
     /** Number of the first packet that begins at that time of the monotonic clock or later. */
-    uint64_t packetAt(int64_t us) const;
+    virtual uint64_t packetAt(int64_t us) const;
     /** When the packet has come whole, rounded up. */
     int64_t endUs(uint64_t number) const;
     /** Number of the first packet that has not come whole at that time. */
     uint64_t firstEndingAfter(int64_t us) const;
     /** When the packet begins, in periods of 27 MHz of the monotonic clock. */
-    uint64_t beginTicks(uint64_t number) const {
+    virtual uint64_t beginTicks(uint64_t number) const {
         return number * packetTicks_;
     }
 
+    /** Views of a stream that grows and has no loop (live_stream.h) have its number; 0: a file. */
+    virtual uint64_t lineage() const {
+        return 0;
+    }
+    /** Of such a stream: its clock, by ascending places. */
+    virtual const std::vector<TsClockPiece>& clockPieces() const;
+
     /** Places in the loop of the packets of a PID, ascending. */
-    const std::vector<uint32_t>& packetsOf(uint16_t pid) const;
+    virtual const std::vector<uint32_t>& packetsOf(uint16_t pid) const;
     /** Sections and PES packets of a PID in the order of their packets. References stay valid. */
     const TsSections& sectionsOf(uint16_t pid) const;
     const std::vector<TsSpan>& pesOf(uint16_t pid) const;
 
     /** The packet as it is on the air at its turn: `out` has room for 188 bytes. */
-    void copyPacket(uint64_t number, uint8_t* out) const;
+    virtual void copyPacket(uint64_t number, uint8_t* out) const;
     /** The PES packet of that span, as sent in that loop. */
     std::vector<uint8_t> pesBytes(uint16_t pid, const TsSpan& span, uint64_t loop) const;
+
+ protected:
+    /** Without content of its own. */
+    TsStream(uint32_t packetCount, uint32_t packetTicks, TsOrigin origin);
 
  private:
     void splitPackets(std::vector<uint8_t> content);
@@ -148,6 +167,9 @@ class TsStream {
     mutable std::map<uint16_t, std::unique_ptr<TsSections>> sections_;
     mutable std::map<uint16_t, std::unique_ptr<std::vector<TsSpan>>> pes_;
 };
+
+/** The program clock reference that a packet carries, in periods of 27 MHz; false without one. */
+bool readTsClock(const uint8_t* packet, uint64_t* ticks);
 
 using TsStreamPtr = std::shared_ptr<const TsStream>;
 

@@ -14,6 +14,18 @@
 
 namespace sim {
 
+std::string streamFolder() {
+    std::string folder = board().text("DEMUX", "STREAM_PATH");
+    if (folder.empty()) {
+        Cfg demux;
+        demux.load(commonFile("demux_config.cfg"));
+        folder = demux.text("COMMON", "DEMUX_TS_FILE_PATH");
+    }
+    if (!folder.empty() && folder.back() != '/')
+        folder += '/';
+    return folder;
+}
+
 namespace {
 
 constexpr size_t keptStreams = 4;
@@ -49,18 +61,6 @@ BroadcastState& state() {
 
 std::string baseName(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
-}
-
-std::string streamFolder() {
-    std::string folder = board().text("DEMUX", "STREAM_PATH");
-    if (folder.empty()) {
-        Cfg demux;
-        demux.load(commonFile("demux_config.cfg"));
-        folder = demux.text("COMMON", "DEMUX_TS_FILE_PATH");
-    }
-    if (!folder.empty() && folder.back() != '/')
-        folder += '/';
-    return folder;
 }
 
 /** Finds the transmitter's file and packet time; an empty path when there is none. */

@@ -22,6 +22,9 @@ namespace sim {
  *  object as long as nobody changes the file or its damages. */
 TsStreamPtr streamOf(const Transmitter& transmitter);
 
+/** The folder of the streams that are on the air, with its '/'; empty when none is named. */
+std::string streamFolder();
+
 }  // namespace sim
 
 #endif

@@ -48,7 +48,8 @@ const std::vector<Layer> layers = {
     {"simulator/demux",
      {"platform", "simulator/core", "simulator/stream", "simulator/world", "simulator/tuner"}},
     {"simulator/record",
-     {"platform", "simulator/core", "simulator/stream", "simulator/media", "simulator/demux"}},
+     {"platform", "simulator/core", "simulator/stream", "simulator/media", "simulator/world",
+      "simulator/demux"}},
     {"simulator/input", {"platform", "simulator/core", "simulator/world"}},
     {"simulator/av",
      {"platform", "simulator/core", "simulator/stream", "simulator/media", "simulator/world",
@@ -61,7 +62,7 @@ const std::vector<Layer> layers = {
 
     {"vclock", {"common"}},
     {"tools/common", {"common"}},
-    {"tools/mkstreams", {"simulator/media", "tools/common"}},
+    {"tools/mkstreams", {"simulator/stream", "simulator/media", "tools/common"}},
     {"tools/report", {"common", "framework/workbook", "tools/common"}},
     {"tools/zkbench", {"common", "environment", "tools/common", "tools/report"}},
     {"tools/mkchecklist",

@@ -8,7 +8,7 @@
 
 namespace mkstreams {
 
-static sim::VideoCoding codingOf(VideoFormat format) {
+sim::VideoCoding codingOf(VideoFormat format) {
     switch (format) {
         case VIDEO_MPEG1:
             return sim::VideoCoding::mpeg1;
@@ -24,7 +24,7 @@ static sim::VideoCoding codingOf(VideoFormat format) {
     return sim::VideoCoding::mpeg2;
 }
 
-static sim::AudioCoding codingOf(AudioFormat format) {
+sim::AudioCoding codingOf(AudioFormat format) {
     switch (format) {
         case AUDIO_AC3:
             return sim::AudioCoding::ac3;

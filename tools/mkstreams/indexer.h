@@ -6,9 +6,14 @@
 
 #include <string>
 
+#include "simulator/media/format.h"
 #include "tools/mkstreams/line_up.h"
 
 namespace mkstreams {
+
+/** A format of the channel files as the device calls it. */
+sim::VideoCoding codingOf(VideoFormat format);
+sim::AudioCoding codingOf(AudioFormat format);
 
 /** Whether that is an index file of this version, and sound. */
 bool hasIndex(const std::string& indexPath);

@@ -49,7 +49,7 @@ static std::vector<uint16_t> readPids(const CfgFile& cfg, const std::string& sec
     return pids;
 }
 
-static Channel readChannel(const CfgFile& cfg, unsigned index) {
+Channel readChannel(const CfgFile& cfg, unsigned index) {
     std::string section = "CHANNEL" + std::to_string(index);
     Channel channel = {};
     channel.index = index;

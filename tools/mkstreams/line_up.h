@@ -87,6 +87,10 @@ struct LineUp {
     uint8_t invalidTableId; /**< a table id that no stream may carry */
 };
 
+class CfgFile;
+/** A channel of a channel file. */
+Channel readChannel(const CfgFile& file, unsigned index);
+
 /** Reads `configDir`/common. On failure false, and `error` says which file or key is wrong. */
 bool readLineUp(const std::string& configDir, LineUp* lineUp, std::string* error);
 

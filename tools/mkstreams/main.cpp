@@ -20,10 +20,12 @@
 #include <string>
 #include <thread>
 
+#include "simulator/media/live_index.h"
 #include "tools/common/files.h"
 #include "tools/common/options.h"
 #include "tools/mkstreams/indexer.h"
 #include "tools/mkstreams/maker.h"
+#include "tools/mkstreams/recordings.h"
 
 using namespace mkstreams;
 namespace fs = std::filesystem;
@@ -232,6 +234,54 @@ static void makeVariants(Run& run) {
     }
 }
 
+/** Makes the recordings, and what decoders find in their PES packets. */
+static void makeRecordings(Run& run) {
+    EncodedContent encoded;
+    const fs::path folder = fs::path(run.options.out) / "pvr";
+    const fs::path pieces = sim::pieceOrigin(run.options.out + "/") + ".index";
+    bool current = hasIndex(pieces);
+    std::map<std::string, TransportStream> loops;
+    for (size_t i = 0; i < recordingCount; i++) {
+        const Recording& recording = recordings[i];
+        const std::string name = std::string("pvr/") + recording.file;
+        Multiplex service;
+        Made made = {};
+        std::string error;
+        if (!wanted(run, name) ||
+            !recordedService(run.options.config, run.lineUp, recording, &service))
+            continue;
+        uint64_t hash = variantHash(inputsHash(recordingInputs(service)),
+                                    name + std::to_string(recording.seconds));
+        if (current && isCurrent(folder / recording.file, hash, &made))
+            continue;
+        current = false;
+        TransportStream& loop = loops[service.file];
+        if (loop.packets.empty() && !makeLoop(service, &encoded, &loop, &error)) {
+            complain(run, name, error);
+            continue;
+        }
+        lookAtPieces(service, loop);
+        Bytes bytes = record(recording, loop);
+        // Its size tells whether a file is whole; one that begins in a packet counts in bytes.
+        made = {recording.skipped == 0 ? recordPacketSize : 1, 0, loop.packetTicks};
+        made.packets = bytes.size() / made.packetBytes;
+        std::error_code failure;
+        fs::create_directories(folder, failure);
+        if (!writeStream(folder / recording.file, bytes, hash, made))
+            complain(run, name, "cannot be written");
+    }
+    // What the cases record and play again.
+    const Multiplex& first = run.lineUp.multiplexes.front();
+    auto played = run.made.find(first.file);
+    if (!current && played != run.made.end()) {
+        const std::string bytes = readText(fs::path(run.options.out) / first.file);
+        lookAtPieces(first, {Bytes(bytes.begin(), bytes.end()), played->second.packetTicks});
+    }
+    const std::string text = sim::writePieces();
+    if (!current && !loops.empty() && !writeFile(pieces, text.data(), text.size()))
+        complain(run, pieces.string(), "cannot be written");
+}
+
 /** Lets decoders look at the streams that have no index, so that nobody who plays them has to. */
 static void makeIndexes(Run& run) {
     std::set<std::string> seen;
@@ -355,6 +405,7 @@ int main(int argc, char** argv) {
     makeFiles(run);
     makeVariants(run);
     makeIndexes(run);
+    makeRecordings(run);
     if (!writeManifest(run))
         complain(run, "streams.cfg", "cannot be written in " + run.options.out);
     if (run.good)

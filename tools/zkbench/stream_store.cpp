@@ -20,6 +20,9 @@ namespace fs = std::filesystem;
 namespace {
 
 const fs::path streamLink = "stream/ts";
+/** Recordings for injection; they lie in a folder of the streams'. */
+const fs::path recordLink = "stream/pvr";
+const char recordFolder[] = "pvr";
 /** In each folder of the store: the links that point there, one a line. */
 const char usersName[] = ".benches";
 /** Making all streams takes half a minute; who holds the lock for so long does not work. */
@@ -142,6 +145,21 @@ void pointTo(const fs::path& folder) {
     fs::rename(fresh, link);
 }
 
+/** Points stream/pvr there, unless it is the folder's own. */
+void pointToRecordings(const fs::path& folder) {
+    std::error_code missing;
+    fs::path present = fs::read_symlink(recordLink, missing);
+    bool ownLink = !missing && isInStore(present.parent_path());
+    if (present == folder / recordFolder)
+        return;
+    if (!ownLink && fs::exists(fs::symlink_status(recordLink))) {
+        printf("%s is the folder's own and stays as it is\n", recordLink.c_str());
+        return;
+    }
+    fs::remove(recordLink);
+    fs::create_directory_symlink(folder / recordFolder, recordLink);
+}
+
 void removeUnused(const fs::path& store, const fs::path& own) {
     for (const auto& entry : fs::directory_iterator(store)) {
         if (!entry.is_directory() || entry.path() == own || !usersOf(entry.path()).empty())
@@ -177,6 +195,7 @@ bool makeStreams(const fs::path& place, const fs::path& tool) {
                 seed(folder, old);
         }
         pointTo(folder);
+        pointToRecordings(folder);
         removeUnused(store, folder);
     }
     FileLock lock(folder / ".lock");
