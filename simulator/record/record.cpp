@@ -82,6 +82,9 @@ struct Run {
     std::map<uint32_t, uint64_t> points;
     size_t next = 0;
     uint64_t loop = 0;
+    /** Of a stream that grows: which it is, and the packet behind the last one that was taken. */
+    uint64_t lineage = 0;
+    uint64_t behind = 0;
 
     std::vector<uint8_t> waiting;
     std::vector<IndexEntry> entries;
@@ -159,6 +162,12 @@ void seek(Run& run, uint64_t since) {
     }
     std::sort(run.places.begin(), run.places.end());
     uint64_t number = std::max(since, run.stream->firstEndingAfter(run.takenUs));
+    // Packets of a stream that grows become known a little after their time.
+    if (run.stream->lineage() != 0 && run.stream->lineage() != run.lineage)
+        run.behind = run.stream->firstEndingAfter(run.startUs);
+    if (run.stream->lineage() != 0)
+        number = run.behind;
+    run.lineage = run.stream->lineage();
     auto place = static_cast<uint32_t>(number % run.stream->packetCount());
     run.loop = number / run.stream->packetCount();
     run.next = static_cast<size_t>(std::lower_bound(run.places.begin(), run.places.end(), place) -
@@ -216,6 +225,7 @@ void collect(Run& run, int64_t now) {
         if (run.stream->endUs(number) > now)
             return;
         run.next++;
+        run.behind = number + 1;
         if (run.paused)
             continue;
         if (run.waiting.size() + run.choices.cfg.uPacketSize > room) {

@@ -101,6 +101,8 @@ class SimRecord : public testing::Test {
         ASSERT_EQ(QLX_DemuxConnectSource(0, &source), 0);
         ASSERT_EQ(QLX_DemuxStart(0), 0);
         ASSERT_EQ(QLX_RecordInit(), 0);
+        // The packet that was on its way at the start is not let through.
+        sim::sleepMs(10);
     }
     void TearDown() override {
         sim::setReception(0, ++sequence, nullptr);

@@ -253,7 +253,6 @@ TEST(Tree, DeclaredFunctionsAreUsed) {
         {"TC_TUNER_TUNING", laterModule},
         {"TC_TUNER_TUNING_CHANNEL_ID", laterModule},
         {"alignas", "no function"},
-        {"demuxFeed", laterModule},
         {"get_conf_sting", laterModule},
         {"get_conf_value", laterModule},
         {"makeKeyFile", control},

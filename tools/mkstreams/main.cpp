@@ -234,6 +234,9 @@ static void makeVariants(Run& run) {
     }
 }
 
+/** Changes with what is written of a loop. */
+static const std::string recordingVersion = "2 ";
+
 /** Makes the recordings, and what decoders find in their PES packets. */
 static void makeRecordings(Run& run) {
     EncodedContent encoded;
@@ -251,7 +254,7 @@ static void makeRecordings(Run& run) {
             !recordedService(run.options.config, run.lineUp, recording, &service))
             continue;
         uint64_t hash = variantHash(inputsHash(recordingInputs(service)),
-                                    name + std::to_string(recording.seconds));
+                                    recordingVersion + name + std::to_string(recording.seconds));
         if (current && isCurrent(folder / recording.file, hash, &made))
             continue;
         current = false;

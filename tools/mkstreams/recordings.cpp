@@ -1,7 +1,5 @@
 #include "tools/mkstreams/recordings.h"
 
-#include <bitstream/mpeg/ts.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <memory>
@@ -14,6 +12,10 @@
 #include "tools/mkstreams/content.h"
 #include "tools/mkstreams/dvb_tables.h"
 #include "tools/mkstreams/indexer.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
 
 namespace mkstreams {
 
@@ -95,6 +97,9 @@ void lookAtPieces(const Multiplex& service, const TransportStream& loop) {
     const sim::TsStream stream(loop.packets, static_cast<uint32_t>(loop.packetTicks));
     const Channel& channel = service.channels.front();
     sim::LiveStreamMaker maker(0, {});
+    // Of pictures that are looked at alone the parameter sets are missed, and that is told.
+    const int told = av_log_get_level();
+    av_log_set_level(AV_LOG_QUIET);
     // Into the second loop, where the last PES packet of the first is whole.
     for (uint64_t number = 0; number < stream.packetCount() * UINT64_C(2); number++) {
         uint8_t packet[packetSize];
@@ -108,6 +113,7 @@ void lookAtPieces(const Multiplex& service, const TransportStream& loop) {
         for (const AudioComponent& audio : channel.audio)
             sim::liveIndex(live, audio.pid, codingOf(AudioFormat(audio.format)));
     }
+    av_log_set_level(told);
 }
 
 }  // namespace mkstreams
