@@ -1,5 +1,6 @@
 // Video decoders: what they tell of a picture, and their entry points. States are those of
 // decoder_state.cpp, the order and times of events those of decoder_run.cpp.
+#include <algorithm>
 #include <cmath>
 
 #include "simulator/av/decoder_state.h"
@@ -269,6 +270,9 @@ VideoShown videoShown(uint32_t videoDev) {
     if (decoder.run == nullptr)
         return shown;
     shown.origin = originOf(*decoder.run);
+    // A first picture whose time has not come yet is shown all the same.
+    if (shown.origin.kind == DecoderOrigin::Kind::stream)
+        shown.origin.atUs = std::max(shown.origin.atUs, decoder.run->first.shownUs);
     shown.origin.signalKind = source.kind;
     if (const Coding* coding = codingOf(decoder.run->format))
         shown.coding = coding->coding;
