@@ -149,24 +149,26 @@ static void copyChannel(const TcChannelInfo* channels, uint8_t count, uint32_t i
 }
 
 void zk_test_get_dtv_channel_info(uint32_t system, uint32_t index, TcChannelInfo* out) {
-    // The bits of the transmission systems, as the tuner family of the library has them.
-    const struct {
-        uint32_t system;
-        const TcChannelInfo* channels;
-        uint8_t count;
-    } tables[] = {
-        {1, zk_testConfig.dvbT, zk_testConfig.dvbTChannelNum},
-        {4, zk_testConfig.dvbS, zk_testConfig.dvbSChannelNum},
-        {16, zk_testConfig.dvbC, zk_testConfig.dvbCChannelNum},
-        {64, zk_testConfig.atscT, zk_testConfig.atscTChannelNum},
-        {128, zk_testConfig.atscC, zk_testConfig.atscCChannelNum},
-        {256, zk_testConfig.isdbT, zk_testConfig.isdbTChannelNum},
-        {512, zk_testConfig.isdbS, zk_testConfig.isdbSChannelNum},
-        {1024, zk_testConfig.isdbS3, zk_testConfig.isdbS3ChannelNum},
-    };
-    for (const auto& table : tables) {
-        if (table.system == system)
-            copyChannel(table.channels, table.count, index, out);
+    const TestEnvConfig& env = zk_testConfig;
+    switch (system) {
+        case QLX_TRANSMISSION_SYSTEM_DVB_T:
+            return copyChannel(env.dvbT, env.dvbTChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_DVB_S:
+            return copyChannel(env.dvbS, env.dvbSChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_DVB_C:
+            return copyChannel(env.dvbC, env.dvbCChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_ATSC_T:
+            return copyChannel(env.atscT, env.atscTChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_ATSC_C:
+            return copyChannel(env.atscC, env.atscCChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_ISDB_T:
+            return copyChannel(env.isdbT, env.isdbTChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_ISDB_S:
+            return copyChannel(env.isdbS, env.isdbSChannelNum, index, out);
+        case QLX_TRANSMISSION_SYSTEM_ISDB_S3:
+            return copyChannel(env.isdbS3, env.isdbS3ChannelNum, index, out);
+        default:
+            return;
     }
 }
 

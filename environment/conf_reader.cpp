@@ -69,12 +69,9 @@ static void copyText(char* to, const char* from) {
 
 int32_t get_item_from_line(char* line, ConfItem* item) {
     delspace(line);
-    size_t length = strlen(line);
-    if (length == 0)
-        return CONF_LINE_EMPTY;
     if (line[0] == '#')
         return CONF_LINE_COMMENT;
-    if (line[0] == '[' && line[length - 1] == ']') {
+    if (line[0] == '[' && line[strlen(line) - 1] == ']') {
         char* end = strchr(line, ']');
         *end = '\0';
         // An empty pair of brackets names no section: the last one goes on.

@@ -33,29 +33,23 @@ void out_config_path(const char* dir, const char* name, char* dst) {
 }
 
 void get_common_config(ConfigFiles* files) {
-    const struct {
-        char* path;
-        const char* name;
-    } common[] = {
-        {files->autoTestPlatform, "/auto_test_platform.cfg"},
-        {files->channelAtscC, "/channel_atsc_c.cfg"},
-        {files->channelAtscT, "/channel_atsc_t.cfg"},
-        {files->channelAtscT3, "/channel_atsc_t3.cfg"},
-        {files->channelDvbC, "/channel_dvb_c.cfg"},
-        {files->channelDvbT, "/channel_dvb_t.cfg"},
-        {files->channelDvbS, "/channel_dvb_s.cfg"},
-        {files->channelIsdbT, "/channel_isdb_t.cfg"},
-        {files->channelIsdbS, "/channel_isdb_s.cfg"},
-        {files->channelIsdbS3, "/channel_isdb_s3.cfg"},
-        {files->channelAtv, "/channel_atv.cfg"},
-        {files->av, "/av_config.cfg"},
-        {files->pvr, "/pvr_config.cfg"},
-        {files->localPlayer, "/localplayer_config.cfg"},
-        {files->demux, "/demux_config.cfg"},
-        {files->streamInject, "/stream_inject_config.cfg"},
-    };
-    for (const auto& file : common)
-        out_config_path(files->commonDir, file.name, file.path);
+    const char* dir = files->commonDir;
+    out_config_path(dir, "/auto_test_platform.cfg", files->autoTestPlatform);
+    out_config_path(dir, "/channel_atsc_c.cfg", files->channelAtscC);
+    out_config_path(dir, "/channel_atsc_t.cfg", files->channelAtscT);
+    out_config_path(dir, "/channel_atsc_t3.cfg", files->channelAtscT3);
+    out_config_path(dir, "/channel_dvb_c.cfg", files->channelDvbC);
+    out_config_path(dir, "/channel_dvb_t.cfg", files->channelDvbT);
+    out_config_path(dir, "/channel_dvb_s.cfg", files->channelDvbS);
+    out_config_path(dir, "/channel_isdb_t.cfg", files->channelIsdbT);
+    out_config_path(dir, "/channel_isdb_s.cfg", files->channelIsdbS);
+    out_config_path(dir, "/channel_isdb_s3.cfg", files->channelIsdbS3);
+    out_config_path(dir, "/channel_atv.cfg", files->channelAtv);
+    out_config_path(dir, "/av_config.cfg", files->av);
+    out_config_path(dir, "/pvr_config.cfg", files->pvr);
+    out_config_path(dir, "/localplayer_config.cfg", files->localPlayer);
+    out_config_path(dir, "/demux_config.cfg", files->demux);
+    out_config_path(dir, "/stream_inject_config.cfg", files->streamInject);
 }
 
 void get_platform_config(ConfigFiles* files) {

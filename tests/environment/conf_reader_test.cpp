@@ -85,6 +85,8 @@ TEST_F(ConfReader, ReadsTheSyntaxOfLines) {
 TEST_F(ConfReader, SplitsOverlongLinesAndCutsOverlongTexts) {
     std::string filler(1022, 'x');
     EXPECT_EQ(find("[S]\n" + filler + "K=7\n", "S", "K"), "7");
+    // A header that the split brings to the begin of a line, behind a bracket that is none.
+    EXPECT_EQ(find(std::string(1021, 'x') + "[[S]\nK=7\n", "S", "K"), "7");
     std::string value(300, 'v');
     EXPECT_EQ(find("[S]\nK=" + value + "\n", "S", "K"), std::string(99, 'v'));
     std::string section(200, 's');
@@ -183,6 +185,30 @@ TEST_F(ConfReader, WhatIsNoFileIsMissing) {
         int32_t number = 77;
         EXPECT_EQ(get_conf_value_self("S", "K", &number, path), 0) << path;
         EXPECT_EQ(number, 5) << path;
+    }
+}
+
+TEST(ConfLineTools, ALineIsOneOfThreeKinds) {
+    const struct {
+        const char* line;
+        int32_t kind;
+        const char* section;
+        const char* key;
+        const char* value;
+    } rows[] = {
+        {"", CONF_LINE_EMPTY, "s", "k", "v"},     {" \r\n", CONF_LINE_EMPTY, "s", "k", "v"},
+        {"word", CONF_LINE_EMPTY, "s", "k", "v"}, {" # a=b", CONF_LINE_COMMENT, "s", "k", "v"},
+        {"[t]", CONF_LINE_ITEM, "t", "", ""},     {"[]", CONF_LINE_ITEM, "s", "", ""},
+        {"a = b", CONF_LINE_ITEM, "s", "a", "b"},
+    };
+    for (const auto& row : rows) {
+        char line[16];
+        ConfItem item = {"s", "k", "v"};
+        snprintf(line, sizeof line, "%s", row.line);
+        EXPECT_EQ(get_item_from_line(line, &item), row.kind) << row.line;
+        EXPECT_STREQ(item.section, row.section) << row.line;
+        EXPECT_STREQ(item.key, row.key) << row.line;
+        EXPECT_STREQ(item.value, row.value) << row.line;
     }
 }
 

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -60,6 +62,19 @@ TEST_F(Environment, FeaturesGoToTheirPlaces) {
     EXPECT_EQ(features[FEATURE_HDMI1], 0);
 }
 
+TEST_F(Environment, EachFeatureHasAPlaceOfItsOwn) {
+    std::string text = "[FEATURE]\n";
+    int32_t number = 100;
+#define LINE_OF(place, key) text += std::string(#key) + "=" + std::to_string(number++) + "\n";
+    FEATURE_LIST(LINE_OF)
+    write("feature.cfg", text);
+    zk_test_load_feature();
+    number = 100;
+#define EXPECT_PLACE(place, key) EXPECT_EQ(zk_testConfig.features[key], number++) << #key;
+    FEATURE_LIST(EXPECT_PLACE)
+    EXPECT_EQ(number, 100 + FEATURE_COUNT);
+}
+
 TEST_F(Environment, AChannelHasTheKeysOfItsStandard) {
     const std::string all =
         "FREQUENCY=1\nTS_ID=2\nSTREAM_ID=3\nVIDEO_PID=4\nVIDEO_FORMAT=5\nPCR_PID=6\nAUDIO_NUM=2\n"
@@ -75,13 +90,24 @@ TEST_F(Environment, AChannelHasTheKeysOfItsStandard) {
     EXPECT_EQ(channel.uFrequency, 1u);
     EXPECT_EQ(channel.uTsId, 0u);
     EXPECT_EQ(channel.uStreamId, 0u);
+    EXPECT_EQ(channel.uVideoPid, 4u);
+    EXPECT_EQ(channel.eVideoFormat, 5u);
+    EXPECT_EQ(channel.uPcrPid, 6u);
     EXPECT_EQ(channel.audioNum, 2);
+    EXPECT_EQ(channel.uAudioPids[0], 7u);
+    EXPECT_EQ(channel.eAudioFormat[0], 8u);
     EXPECT_EQ(channel.uAudioPids[1], 9u);
     EXPECT_EQ(channel.eAudioFormat[1], 10u);
+    EXPECT_EQ(channel.audioDescNum, 1);
+    EXPECT_EQ(channel.uAudioDescPids[0], 11u);
     EXPECT_EQ(channel.eAudioDescFormat[0], 12u);
+    EXPECT_EQ(channel.subtitleNum, 1);
     EXPECT_EQ(channel.uSubtitlePids[0], 13u);
+    EXPECT_EQ(channel.otherNum, 1);
     EXPECT_EQ(channel.uOtherPids[0], 14u);
     EXPECT_EQ(channel.uPmtPid, 15u);
+    EXPECT_EQ(channel.uEitPid, 16u);
+    EXPECT_EQ(channel.uEttPid, 17u);
     EXPECT_EQ(channel.uPesPid, 18u);
     EXPECT_EQ(zk_testConfig.atscT[1].uPesPid, 0u);
     EXPECT_EQ(zk_testConfig.atscT[1].uEttPid, 17u);
@@ -96,6 +122,47 @@ TEST_F(Environment, AChannelHasTheKeysOfItsStandard) {
     channel.uFrequency = 99;
     zk_test_get_dtv_channel_info(2048, 0, &channel);
     EXPECT_EQ(channel.uFrequency, 99u);
+}
+
+TEST_F(Environment, EachStandardHasATableAndAllAreReadInTurn) {
+    const struct {
+        const char* title;
+        const char* file;
+        /** 0: not asked for by a system. */
+        uint32_t system;
+    } rows[] = {
+        {"ATSC-C", "atsc_c", QLX_TRANSMISSION_SYSTEM_ATSC_C},
+        {"ATSC-T", "atsc_t", QLX_TRANSMISSION_SYSTEM_ATSC_T},
+        {"ATSC-T3", "atsc_t3", 0},
+        {"DVB-C", "dvb_c", QLX_TRANSMISSION_SYSTEM_DVB_C},
+        {"DVB-T", "dvb_t", QLX_TRANSMISSION_SYSTEM_DVB_T},
+        {"DVB-S", "dvb_s", QLX_TRANSMISSION_SYSTEM_DVB_S},
+        {"ISDB-T", "isdb_t", QLX_TRANSMISSION_SYSTEM_ISDB_T},
+        {"ISDB-S", "isdb_s", QLX_TRANSMISSION_SYSTEM_ISDB_S},
+        {"ISDB-S3", "isdb_s3", QLX_TRANSMISSION_SYSTEM_ISDB_S3},
+        {"PVR-Playback", "pvr_playback", 0},
+        {"ATV", "atv", 0},
+    };
+    int frequency = 1000;
+    for (const auto& row : rows)
+        write(
+            (std::string("channel_") + row.file + ".cfg").c_str(),
+            "[COMMON]\nCHANNEL_NUM=1\n[CHANNEL0]\nFREQUENCY=" + std::to_string(frequency++) + "\n");
+    zk_test_load_channel_info();
+    std::string said = testing::internal::GetCapturedStdout();
+    testing::internal::CaptureStdout();
+    uint32_t expected = 1000;
+    size_t at = said.find("]=========Channel info config======== \r\n");
+    for (const auto& row : rows) {
+        at = said.find(std::string("]----") + row.title + " channels ---- \r\n", at);
+        EXPECT_NE(at, std::string::npos) << row.title << "\n" << said;
+        TcChannelInfo channel = {};
+        zk_test_get_dtv_channel_info(row.system, 0, &channel);
+        EXPECT_EQ(channel.uFrequency, row.system != 0 ? expected : 0) << row.title;
+        expected++;
+    }
+    EXPECT_EQ(zk_testConfig.atscT3[0].uFrequency, 1002u);
+    EXPECT_EQ(zk_testConfig.atvFrequency[0], 1010u);
 }
 
 TEST_F(Environment, PvrPlaybackWritesItsServicePidsToIsdbS) {
@@ -117,9 +184,9 @@ TEST_F(Environment, CountsStayWithinTheTables) {
     write("channel_atv.cfg", "[COMMON]\nCHANNEL_NUM=-1\n");
     zk_test_load_channel_info();
     EXPECT_EQ(zk_testConfig.dvbCChannelNum, 44);
-    EXPECT_EQ(zk_testConfig.dvbC[0].audioNum, CHANNEL_PID_COUNT);
-    EXPECT_EQ(zk_testConfig.dvbSChannelNum, CHANNEL_TABLE_SIZE);
-    EXPECT_EQ(zk_testConfig.atvChannelNum, CHANNEL_TABLE_SIZE);
+    EXPECT_EQ(zk_testConfig.dvbC[0].audioNum, 16);
+    EXPECT_EQ(zk_testConfig.dvbSChannelNum, 100);
+    EXPECT_EQ(zk_testConfig.atvChannelNum, 100);
 }
 
 TEST_F(Environment, TheAvModulesParametersStopAtABadSource) {
@@ -155,6 +222,55 @@ TEST(DiffTime, BorrowsFromTheSeconds) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(zk_test_diff_timeMs(&row.start, &row.end), row.ms);
+}
+
+TEST(ConfigPaths, AreOfFilesThatAreThereAndDoNotRunIntoEachOther) {
+    ConfigFiles files = {};
+    const char* const paths[] = {
+        files.autoTestPlatform,
+        files.channelAtscC,
+        files.channelAtscT,
+        files.channelAtscT3,
+        files.channelDvbC,
+        files.channelDvbT,
+        files.channelDvbS,
+        files.channelIsdbT,
+        files.channelIsdbS,
+        files.channelIsdbS3,
+        files.channelAtv,
+        files.av,
+        files.pvr,
+        files.localPlayer,
+        files.demux,
+        files.streamInject,
+        files.channelPvrPlayback,
+        files.common,
+        files.feature,
+        files.tuner,
+    };
+    const char* const names[] = {
+        "auto_test_platform",   "channel_atsc_c",     "channel_atsc_t", "channel_atsc_t3",
+        "channel_dvb_c",        "channel_dvb_t",      "channel_dvb_s",  "channel_isdb_t",
+        "channel_isdb_s",       "channel_isdb_s3",    "channel_atv",    "av_config",
+        "pvr_config",           "localplayer_config", "demux_config",   "stream_inject_config",
+        "channel_pvr_playback", "common_config",      "feature",        "tuner_config",
+    };
+    const std::string source = ZK_SOURCE_DIR;
+    int32_t platform = 5;
+    snprintf(files.commonDir, sizeof files.commonDir, "%s", "config/common");
+    get_common_config(&files);
+    set_platform(&files, &platform);
+    for (size_t i = 0; i < 20; i++) {
+        const std::string path = source + "/" + paths[i];
+        EXPECT_EQ(access(path.c_str(), R_OK), 0) << path;
+        EXPECT_EQ(std::filesystem::path(path).stem(), names[i]);
+    }
+    // The longest that fits, and one character more.
+    char path[CONFIG_PATH_SIZE + 1] = "";
+    out_config_path("/d", std::string(97, 'n').c_str(), path);
+    EXPECT_EQ(std::string(path), "/d" + std::string(97, 'n'));
+    out_config_path("/d", std::string(98, 'n').c_str(), path);
+    EXPECT_EQ(std::string(path), "/d" + std::string(97, 'n'));
 }
 
 /** Each line of the menu leads to the folder of its name, and one platform tells the sound library
