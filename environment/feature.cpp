@@ -11,7 +11,7 @@ int32_t zk_test_load_feature(void) {
         int place;
         const char* key;
     } features[] = {
-#define FEATURE_ROW(place, key) {place, #key},
+#define FEATURE_ROW(place, key) {key, #key},
         FEATURE_LIST(FEATURE_ROW)
 #undef FEATURE_ROW
     };

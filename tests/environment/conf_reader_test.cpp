@@ -178,6 +178,16 @@ TEST_F(ConfReader, ReadersFallBackAndEchoEachInItsWay) {
               "[S]OWN=1\n[S]BOTH=2\n[S]FALLBACK=3\n[S]OWN=1\nBOTH=4\n[S]NEITHER=1\n");
 }
 
+TEST_F(ConfReader, LeavesNoFileOpen) {
+    int before = dup(STDIN_FILENO);
+    close(before);
+    EXPECT_EQ(find("[S]\nK=1\n", "S", "K"), "1");
+    EXPECT_EQ(find("[S]\n", "S", "K"), "<none>");
+    int after = dup(STDIN_FILENO);
+    close(after);
+    EXPECT_EQ(after, before);
+}
+
 TEST_F(ConfReader, WhatIsNoFileIsMissing) {
     ASSERT_EQ(mkfifo("pipe.cfg", 0600), 0);
     write("config/common_config.cfg", "[S]\nK=5\n");

@@ -27,7 +27,14 @@ TEST(ReportSave, TellsAFailureOnceAndItsEnd) {
     ASSERT_EQ(zk_xlsCreateBook(), 0);
     ASSERT_EQ(zk_xlsCreateSheet("GPIO"), 0);
     ASSERT_EQ(zk_xlswriteRowData(&row), 0);
+    TcRow none = {-1, "TC_B", 1, ROW_PASS};
+    EXPECT_EQ(zk_xlswriteRowData(&none), -1);
+    EXPECT_EQ(zk_xlswriteRowData(nullptr), -1);
     EXPECT_EQ(save(path), "");
+    const char* const headings[] = {"ID", "Case", "Test", "Result"};
+    const auto texts = readFile(path).sheets.at(0).texts;
+    for (unsigned column = 0; column < 4; column++)
+        EXPECT_EQ(texts.at({0, column}), headings[column]);
     unlink(path.c_str());
     for (int round = 0; round < 2; round++) {
         ASSERT_EQ(mkdir(path.c_str(), 0755), 0);

@@ -1,6 +1,7 @@
 """Unattended runs: verdicts row by row, selections, resumption after a death at every row, and
 checklists of every shape."""
 import os
+import re
 import subprocess
 import unittest
 
@@ -44,6 +45,14 @@ class AutoTest(bench.BenchTest):
                      "*** Welcome to Vantiro", "[TC_GPIO_GetValue_001] TEST Result: SUCCESS",
                      "mornitor proc will quit"):
             self.assertEqual(out.count(line), 1, line)
+        # The start: ten seconds in which it can still be stopped, then one loader after the other.
+        begin = int(re.search(r"\[(\d+)\.0\]Test case will automatic running in 10s", out).group(1))
+        steps = ["[PLATFORM_INFO]PLATFORM=5", "[%d.0]=========Feature config" % (begin + 10),
+                 "]----ATV channels", "[TUNERDEV0]TUNER_TRANSMISSIONSYSTEM=", "[COMMON]AV_SOURCE=",
+                 "[COMMON]COMMON_TEST_REPORT_FILE=", "[COMMON]COMMON_CHECKLIST_FILE=",
+                 "[COMMON]COMMON_REBOOT_CMD=", "[%d.0]Will fork a mornitor proc" % (begin + 10)]
+        places = [out.index(step) for step in steps]
+        self.assertEqual(places, sorted(places))
         self.assertIn("There is no module(Tuner) in checklist!", out)
         self.assertNotIn("GoodBye", out)
 

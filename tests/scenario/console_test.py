@@ -44,6 +44,11 @@ class ConsoleTest(bench.BenchTest):
         self.assertEqual(code, 0)
         self.compare("console_platform.txt", out)
 
+    def test_a_library_that_does_not_start_ends_the_program(self):
+        code, out = self.session("5", faults=["QLX_SysInit return=1"])
+        self.assertEqual(code, 255)
+        self.assertTrue(out.endswith("]Sorry , init the hal dirver system failed, exit. \r\n"), out)
+
     def test_a_visit_to_gpio(self):
         code, out = self.session("5", "l", "1", "l", "3", "0x3", "013", "q", "q")
         self.assertEqual(code, 0)

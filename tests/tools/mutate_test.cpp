@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 
 /** Each statement ends in what is printed, so that each change shows. */
 const char source[] = R"(extern "C" int printf(const char*, ...);
+extern "C" int strcmp(const char*, const char*);
 enum Level { LOW = 3, MIDDLE, HIGH };
 struct Row { const char* name; int low; int high; Level level; };
 static constexpr Row rows[] = {{"a", 1, 2, LOW}, {"b", 5, 9, HIGH}};
@@ -48,6 +49,7 @@ int main() {
     }
     SHOWN(done ? between(0, 99, 5) : 0);
     SHOWN((int)sizeof sizes + rows[0].name[0]);
+    SHOWN(strcmp(rows[0].name, "a") == 0 ? 5 : 6);
 }
 )";
 
@@ -127,6 +129,7 @@ TEST_F(Mutants, AreFoundInEachKindOfPlace) {
           "rows: {\"a\", 1, 2, LOW}, {\"b\", 5, 9, HIGH} => {\"b\", 5, 9, HIGH}, {\"a\", 1, 2, "
           "LOW}"})
         EXPECT_NE(named(key), nullptr) << key;
+    EXPECT_EQ(named("main: rows[0].name, \"a\" => \"a\", rows[0].name"), nullptr);
     // What only a macro puts there: the text of its argument.
     for (const Mutant& mutant : places_.mutants)
         EXPECT_EQ(mutant.key.find("\"~\" \"between(row"), mutant.key.npos) << mutant.key;

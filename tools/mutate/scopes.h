@@ -21,7 +21,7 @@ struct Scope {
     /** Modules whose golden calls judge. */
     std::vector<const char*> golden;
     std::vector<SuitePrograms> suites;
-    /** Scripts of tests/scenario. */
+    /** Scripts, from tests/scenario, without their ending. */
     std::vector<const char*> scripts;
     /** What is linked anew besides the programs above. */
     std::vector<const char*> programs;
