@@ -1,6 +1,7 @@
 // One thread that keeps all others waiting, in real time: it sleeps in a call that is not replaced,
 // which is told; or it runs on without any call, as a loop does that waits for a variable. Then it
-// is stopped now and again, and time passes as it really does while it runs.
+// is stopped now and again, and time goes on by the processor time that it has taken: a machine
+// that has much else to do lets it wait, and the real time of that is nobody's.
 #include <errno.h>
 #include <fcntl.h>
 #include <link.h>
@@ -179,29 +180,36 @@ static void tellSpin(const ThreadSlot& me) {
     name[strcspn(name, "\n")] = '\0';
     dprintf(STDERR_FILENO,
             "vclock: process %u (pid %d) thread %u \"%s\" has run for %lld s without a call that "
-            "waits: from now on time passes as it really does while it runs\n",
+            "waits: from now on its processor time passes for all\n",
             region->processes[me.process].number, static_cast<int>(getpid()), me.number, name,
             static_cast<long long>(region->patience / kSecond));
 }
 
+static int64_t processorTime() {
+    timespec time = {};
+    real().clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<int64_t>(time.tv_sec) * kSecond + time.tv_nsec;
+}
+
 // Whether the thread waits for something by running, for all we know. One that calls what is
-// replaced, if nothing that waits, may have much to do: it has far more time.
+// replaced, if nothing that waits, may have much to do: it has far more time. What it has run since
+// its last call counts in processor time: on a busy machine long computing has many looks.
 static bool spins(ThreadSlot& me) {
     static __thread int64_t stall __attribute__((tls_model("initial-exec")));
     static __thread int64_t began __attribute__((tls_model("initial-exec")));
+    static __thread int64_t silent __attribute__((tls_model("initial-exec")));
     static __thread uint32_t calls __attribute__((tls_model("initial-exec")));
-    timespec time = {};
-    real().clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    int64_t ran = static_cast<int64_t>(time.tv_sec) * kSecond + time.tv_nsec;
-    bool called = self.calls != calls;
+    int64_t ran = processorTime();
     bool first = stall != region->stall.since && !me.spins;
-    calls = self.calls;
     if (first) {
         stall = region->stall.since;
         began = ran;
-        return false;
     }
-    if (called && ran - began < kBusyFactor * region->patience) {
+    if (first || self.calls != calls) {
+        calls = self.calls;
+        silent = ran;
+    }
+    if (ran - silent < region->patience / 5 && ran - began < kBusyFactor * region->patience) {
         me.spins = 0;
         return false;
     }
@@ -213,7 +221,7 @@ static void stop(int, siginfo_t*, void* context) {
     if (region != nullptr && self.slot != 0 && !self.locked && !self.handing &&
         region->running.load() == self.slot && mayStop(context) && spins(slotAt(self.slot))) {
         ThreadSlot& me = slotAt(self.slot);
-        int64_t passed = me.spins ? realNow() - resumed : 0;
+        int64_t passed = me.spins ? processorTime() - resumed : 0;
         if (!me.toldSpinning)
             tellSpin(me);
         WaitFor what;
@@ -222,7 +230,7 @@ static void stop(int, siginfo_t*, void* context) {
         wait(what);
         me.spins = me.toldSpinning = 1;
         region->stall.spins = 1;
-        resumed = realNow();
+        resumed = processorTime();
     }
     errno = saved;
 }

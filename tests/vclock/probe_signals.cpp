@@ -581,6 +581,22 @@ static void spinsWithoutCall() {
     other.join();
 }
 
+// The same: what passes is the loop's processor time.
+static void spinsHalfASecond() {
+    static volatile bool flag = false;
+    std::thread other([] {
+        usleep(500000);
+        flag = true;
+    });
+    while (!flag) {
+    }
+    // The patience of a second, and what the other has slept.
+    timespec ran = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ran);
+    CHECK(ran.tv_sec * 1000 * kMs + ran.tv_nsec >= 1400 * kMs);
+    other.join();
+}
+
 // Two descriptors of one file: the second lock waits in the kernel, with the token.
 static void sleepsInUnknownCall() {
     const char* path = "/proc/self/exe";
@@ -609,6 +625,7 @@ const Probe signalProbes[] = {
     {"programs_outside", programsOutside},
     {"fork_handlers", forkHandling},
     {"spins_without_call", spinsWithoutCall},
+    {"spins_half_a_second", spinsHalfASecond},
     {"sleeps_in_unknown_call", sleepsInUnknownCall},
     {nullptr, nullptr},
 };

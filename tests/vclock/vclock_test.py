@@ -97,8 +97,18 @@ class Properties(unittest.TestCase):
         done = run("spins_without_call", "--patience", "1")
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertRegex(done.stderr, r'^vclock: process 1 \(pid \d+\) thread 1 "vclock_probe" has run '
-                         r"for 1 s without a call that waits: from now on time passes as it really "
-                         r"does while it runs\n$")
+                         r"for 1 s without a call that waits: from now on its processor time "
+                         r"passes for all\n$")
+        # A machine that lets it wait does not let time go on: what passes is what it has run.
+        with subprocess.Popen([RUN, "--patience", "1", PROBE, "spins_half_a_second"],
+                              stderr=subprocess.PIPE, text=True) as program:
+            self.assertIn("has run for 1 s", program.stderr.readline())
+            while program.poll() is None:
+                program.send_signal(signal.SIGSTOP)
+                time.sleep(0.06)
+                program.send_signal(signal.SIGCONT)
+                time.sleep(0.02)
+            self.assertEqual(program.returncode, 0, program.stderr.read())
         # It sleeps in a call that is not replaced: that is said, and nothing more can be done.
         with subprocess.Popen([RUN, "--patience", "1", PROBE, "sleeps_in_unknown_call"],
                               stderr=subprocess.PIPE, text=True) as program:
