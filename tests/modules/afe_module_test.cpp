@@ -73,6 +73,16 @@ TEST_F(AfeModule, CasesSucceedOnEveryBoard) {
     }
 }
 
+TEST_F(AfeModule, AChangeTellsWhichLockIsMissing) {
+    for (const auto& [word, line] : {std::pair("bVifLock", "]vif unlock=0\n"),
+                                     std::pair("bVideoDecoderLock", "]vd unlock=0.\n")}) {
+        takeOutput();
+        EXPECT_EQ(run("TC_AFE_Tuning_002", std::string("QLX_AFEGetSignalStatus zero=") + word),
+                  TC_FAILURE);
+        EXPECT_EQ(count(takeOutput(), line), 1u) << line;
+    }
+}
+
 TEST_F(AfeModule, FaultsAreSeenAndUndone) {
     const struct {
         const char* name;

@@ -416,6 +416,11 @@ TEST_F(AOutHarness, SinksHaveTheDevicesOfTheirNumbers) {
     EXPECT_EQ(AOUT_SourceToID(&eDevId, 7), TC_FAILURE);
     EXPECT_NE(takeOutput().find("]invalid AOut Source[7] ! \n"), std::string::npos);
     EXPECT_EQ(eDevId, 5u);
+    // Without a source there is no play; the device is told all the same.
+    EXPECT_EQ(AOUT_AV_Play(3), TC_FAILURE);
+    EXPECT_NE(takeOutput().find("]output dev id = 2 \r\n"), std::string::npos);
+    EXPECT_EQ(AOUT_AV_Play(7), TC_FAILURE);
+    EXPECT_NE(takeOutput().find("]output dev id = -1 \r\n"), std::string::npos);
 }
 
 }  // namespace

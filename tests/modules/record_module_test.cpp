@@ -226,12 +226,13 @@ TEST_F(RecordModuleTest, AFileGrowsBeyondFourGiB) {
     g_fileSizeData.bStop = 0;
     g_fileSizeData.bNotGrowing = 0;
     pthread_t thread;
+    const int64_t begin = nowMs();
     ASSERT_EQ(pthread_create(&thread, nullptr, FileSizeThread, gp_tsFileHdl[0]), 0);
     usleep(2500000);
     EXPECT_EQ(g_fileSizeData.bNotGrowing, 0u);
-    usleep(2000000);
-    EXPECT_EQ(g_fileSizeData.bNotGrowing, 1u);
     pthread_join(thread, nullptr);
+    EXPECT_EQ(nowMs() - begin, 4000) << "looked at every two seconds";
+    EXPECT_EQ(g_fileSizeData.bNotGrowing, 1u);
     closeFile();
     EXPECT_EQ(fs::file_size("record/large.ts"), static_cast<uint64_t>(wide) + 2 * 192);
     fs::remove("record/large.ts");
