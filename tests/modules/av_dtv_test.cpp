@@ -116,4 +116,27 @@ TEST_F(AvDtvStreams, EachWordIsDemandedOfTheAnswerAndOfTheReport) {
     EXPECT_EQ(count(takeOutput(), "bSupportOverscan = 1 \r\n"), 1u) << "printed, and not judged";
 }
 
+TEST_F(AvDtvStreams, EachSyncModeHasThePidOfItsClock) {
+    TcChannelInfo& channel = zk_testConfig.dvbT[0];
+    channel.uVideoPid = 0x101;
+    channel.uPcrPid = 0x102;
+    channel.uAudioPids[0] = 0x103;
+    const Reporter reporter;
+    qlx_sim_record(1);
+    EXPECT_EQ(runCaseByName(AVDtvModule, "TC_AV_DtvSetSyncMode_001_01"), TC_SUCCESS);
+    std::istringstream lines(recordedCalls());
+    std::vector<std::string> modes;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.compare(0, 21, "QLX_VideoSyncSetMode(") == 0)
+            modes.push_back(line);
+    }
+    // The play's own, then the case's.
+    EXPECT_EQ(modes,
+              (std::vector<std::string>{
+                  "QLX_VideoSyncSetMode(video=0 params={eSyncMode=1 uPcrPid=258})=0",
+                  "QLX_VideoSyncSetMode(video=0 params={})=0",
+                  "QLX_VideoSyncSetMode(video=0 params={eSyncMode=1 uPid=257 uPcrPid=258})=0",
+                  "QLX_VideoSyncSetMode(video=0 params={eSyncMode=2 uPid=259})=0"}));
+}
+
 }  // namespace

@@ -125,6 +125,28 @@ TEST_F(RecordModuleTest, EveryCaseSucceedsOnEveryBoard) {
     }
 }
 
+TEST_F(RecordModuleTest, EachFlowHasItsFile) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"TC_RecWholeFlow_004_PATH_2", "test_demux2.ts"},
+        {"TC_RecWholeFlowWithPause_001", "test_demux_pause0.ts"},
+        {"TC_RecWholeFlowConsumption_001", "test_demux_consum0.ts"},
+        {"TC_RecScramWholeFlow_001", "Scram0.ts"},
+        {"TC_RecCheckTsPacketTimestamp_001", "test_timestamp0.ts"},
+        {"TC_RecMultiAudio", "multilAudio.ts"},
+        {"TC_RecMultiSubtitle", "multilSubtitle.ts"},
+        {"TC_RecPMT", "pmt.ts"},
+        {"TC_RecAudioDesc", "audioDesc.ts"},
+        {"TC_RecOtherPids", "otherPids.ts"},
+    };
+    for (const auto& [name, file] : rows) {
+        run(name);
+        for (const std::string suffix : {"", ".idx"})
+            EXPECT_TRUE(fs::remove(std::string("record/") + file + suffix)) << name << suffix;
+        for (const auto& entry : fs::directory_iterator("record"))
+            EXPECT_TRUE(entry.is_directory()) << name << " has written " << entry.path();
+    }
+}
+
 TEST_F(RecordModuleTest, PathsThatAreSwitchedOffAreNotApplicable) {
     g_stRecoderParams.stStandards[0].stPaths[0].uSwitch = 0;
     g_stRecoderParams.stStandards[3] = {};
