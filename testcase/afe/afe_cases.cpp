@@ -302,7 +302,7 @@ static uint32_t onPlay(const char* name, uint32_t eTunerId, Work work) {
                           if (!tune(tc, bench, change) || !TC_EXPECT_RET(AFE_AVPlay(eTunerId)))
                               return;
                           work(tc);
-                          TC_EXPECT_RET(AFE_AVStop());
+                          TC_EXPECT_RET(AFE_AVStop(eTunerId));
                       });
 }
 

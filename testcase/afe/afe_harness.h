@@ -86,7 +86,7 @@ uint32_t AFE_AVDeInit(void);
 /** Plays what a front end receives, on the panel and the sinks. Needs the services, and a front end
  *  that is tuned. */
 uint32_t AFE_AVPlay(uint32_t eTunerId);
-uint32_t AFE_AVStop(void);
+uint32_t AFE_AVStop(uint32_t eTunerId);
 
 /**
  * Initialises and opens a front end and tunes it. Waits for the decision at most two seconds, and

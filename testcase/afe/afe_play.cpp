@@ -63,9 +63,9 @@ uint32_t AFE_AVPlay(uint32_t eTunerId) {
     return tc.result;
 }
 
-uint32_t AFE_AVStop(void) {
+uint32_t AFE_AVStop(uint32_t eTunerId) {
     CaseContext tc = {__func__};
-    PlayBench bench = playBenchOf(QLX_TUNER_0);
+    PlayBench bench = playBenchOf(eTunerId);
     ladderDown(tc, bench, playSteps);
     return tc.result;
 }
