@@ -47,7 +47,7 @@
     OPEN (StreamModule,           "STREAMINJECT",      "Test module for the stream inject",                        102,  29,   0,   0) \
     BUILT(PMModule,               "PM",                "Test module for the PM",                                    33,  18,  33,  18) \
     OPEN (SMCModule,              "Smartcard",         "Test module for the smartcard",                             18,  12,   0,   0) \
-    OPEN (DescramblerModule,      "DESCRAMBLER",       "Test module for the descrambler",                           11,   6,   0,   0) \
+    BUILT(DescramblerModule,      "DESCRAMBLER",       "Test module for the descrambler",                           11,   6,  11,   6) \
     OPEN (LocalPlayerVideoModule, "LOCALPLAYER_VIDEO", "Test module for the local multimedia player video play",   198, 196,   0,   0) \
     OPEN (LocalPlayerAudioModule, "LOCALPLAYER_AUDIO", "Test module for the local multimedia player audio play",   140, 140,   0,   0) \
     OPEN (LocalPlayerImageModule, "LOCALPLAYER_IMAGE", "Test module for the local multimedia player image play",   109, 109,   0,   0) \

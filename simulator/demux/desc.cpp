@@ -3,7 +3,8 @@
 // Nothing on the air is scrambled, so that nothing is descrambled: packets pass as they are.
 //
 // State rules: the service has no initialisation. Opening needs the demultiplexer open; a
-// descrambler lives until it is closed. A PID is added once, and keys replace the earlier ones.
+// descrambler lives until it or its demultiplexer is closed. A PID is added once, and keys replace
+// the earlier ones.
 #include <algorithm>
 #include <map>
 #include <mutex>
@@ -44,9 +45,24 @@ struct DescState {
     uint32_t nextHandle = 1;
 };
 
+void dropWithDemux(uint32_t demux);
+
 DescState& state() {
-    static DescState* instance = new DescState;
+    static DescState* instance = [] {
+        sim::onDemuxChange(dropWithDemux);
+        return new DescState;
+    }();
     return *instance;
+}
+
+/** A descrambler is a part of its demultiplexer, and goes when that is closed. */
+void dropWithDemux(uint32_t demux) {
+    if (sim::demuxView(demux).open)
+        return;
+    std::lock_guard<std::mutex> lock(state().mutex);
+    auto& all = state().descramblers;
+    for (auto one = all.begin(); one != all.end();)
+        one = one->second.demux == demux ? all.erase(one) : std::next(one);
 }
 
 /** Of an open descrambler, null for a handle that is none. Called with the state locked. */

@@ -38,21 +38,23 @@ enum {
 /** An injector, as far as a case brings it up. */
 struct InjectorBench {
     QLX_DmxInjectOpenParam stParam;
-    uint32_t hInject;
 };
+
+/** User data of the callback, which looks at none. */
+static uint32_t stUserData[2];
 
 static const LadderStep<InjectorBench> injectorSteps[] = {
     {LADDER_CALL("QLX_DmxInjectInit()", QLX_DmxInjectInit()),
      LADDER_CALL("QLX_DmxInjectDeInit()", QLX_DmxInjectDeInit())},
     {LADDER_CALL("QLX_DmxInjectOpen(&stParam, &g_injectHdl)",
-                 QLX_DmxInjectOpen(&bench.stParam, &bench.hInject)),
-     LADDER_CALL("QLX_DmxInjectClose(g_injectHdl)", QLX_DmxInjectClose(bench.hInject))},
+                 QLX_DmxInjectOpen(&bench.stParam, &g_injectHdl)),
+     LADDER_CALL("QLX_DmxInjectClose(g_injectHdl)", QLX_DmxInjectClose(g_injectHdl))},
     {LADDER_CALL("QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &g_stUserData)",
-                 QLX_DmxInjectRegisterCallback(bench.hInject, DmxInject_Callback, &bench)),
+                 QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &stUserData)),
      LADDER_CALL("QLX_DmxInjectUnRegisterCallback(g_injectHdl, DmxInject_Callback)",
-                 QLX_DmxInjectUnRegisterCallback(bench.hInject, DmxInject_Callback))},
-    {LADDER_CALL("QLX_DmxInjectStart(g_injectHdl)", QLX_DmxInjectStart(bench.hInject)),
-     LADDER_CALL("QLX_DmxInjectStop(g_injectHdl)", QLX_DmxInjectStop(bench.hInject))},
+                 QLX_DmxInjectUnRegisterCallback(g_injectHdl, DmxInject_Callback))},
+    {LADDER_CALL("QLX_DmxInjectStart(g_injectHdl)", QLX_DmxInjectStart(g_injectHdl)),
+     LADDER_CALL("QLX_DmxInjectStop(g_injectHdl)", QLX_DmxInjectStop(g_injectHdl))},
 };
 enum InjectorLevel {
     INITIALISED = 1,
@@ -72,17 +74,18 @@ static bool isOnBoard(uint32_t eDemuxId) {
 template <typename Work>
 static uint32_t onInjector(const char* name, uint32_t eDemuxId, InjectorLevel level, Work work) {
     CaseContext tc = {name};
-    InjectorBench bench = {{eDemuxId, 0, PACKET_SIZE}, NULL_HANDLE};
+    InjectorBench bench = {{eDemuxId, 0, PACKET_SIZE}};
     if (!isOnBoard(eDemuxId))
         return tc_notApplicable(tc);
     Ladder<InjectorBench> ladder(tc, bench, injectorSteps);
     if (ladder.up(level))
-        work(tc, bench);
+        work(tc, bench.stParam);
     ladder.down();
+    g_injectHdl = NULL_HANDLE;
     return TC_RESULT(tc);
 }
 
-static void nothing(CaseContext&, InjectorBench&) {}
+static void nothing(CaseContext&, const QLX_DmxInjectOpenParam&) {}
 
 static uint32_t TC_InjTestInitDeinit(void) {
     return onInjector(__func__, 0, INITIALISED, nothing);
@@ -93,31 +96,35 @@ static uint32_t openCloseBase(const char* name, uint32_t eDemuxId) {
 }
 
 static uint32_t doubleOpenBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, OPENED, [](CaseContext& tc, InjectorBench& bench) {
-        const QLX_DmxInjectOpenParam& stParam = bench.stParam;
-        uint32_t hSecond = NULL_HANDLE;
-        TC_EXPECT_RET_CODE_TEXT("QLX_DmxInjectOpen(&stParam, &g_injectHdl)",
-                                QLX_DmxInjectOpen(&stParam, &hSecond), QLX_FAILED);
-    });
+    return onInjector(name, eDemuxId, OPENED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          uint32_t hSecond = NULL_HANDLE;
+                          TC_EXPECT_RET_CODE_TEXT("QLX_DmxInjectOpen(&stParam, &g_injectHdl)",
+                                                  QLX_DmxInjectOpen(&stParam, &hSecond),
+                                                  QLX_FAILED);
+                      });
 }
 
 static uint32_t openCloseOpenBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, INITIALISED, [](CaseContext& tc, InjectorBench& bench) {
-        for (int round = 0; round < 2; round++) {
-            if (TC_EXPECT_RET(QLX_DmxInjectOpen(&bench.stParam, &bench.hInject)))
-                TC_EXPECT_RET(QLX_DmxInjectClose(bench.hInject));
-        }
-    });
+    return onInjector(name, eDemuxId, INITIALISED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          for (int round = 0; round < 2; round++) {
+                              if (TC_EXPECT_RET(QLX_DmxInjectOpen(&stParam, &g_injectHdl)))
+                                  TC_EXPECT_RET(QLX_DmxInjectClose(g_injectHdl));
+                          }
+                      });
 }
 
 /** A call that is refused as invalid. */
-#define INJ_INVALID_CASE(name, level, call)                                               \
-    static uint32_t name(void) {                                                          \
-        return onInjector(__func__, 0, level, [](CaseContext& tc, InjectorBench& bench) { \
-            const uint32_t g_hInject = bench.hInject;                                     \
-            (void)g_hInject;                                                              \
-            TC_EXPECT_RET_CODE(call, QLX_DMXINJECT_ERR_INVALID_PARA);                     \
-        });                                                                               \
+#define INJ_INVALID_CASE(name, level, call)                                             \
+    static uint32_t name(void) {                                                        \
+        return onInjector(__func__, 0, level,                                           \
+                          []([[maybe_unused]] CaseContext& tc,                          \
+                             [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {  \
+                              TC_EXPECT_RET_CODE(call, QLX_DMXINJECT_ERR_INVALID_PARA); \
+                          });                                                           \
     }
 
 static uint8_t oneBlock[INJ_BLOCK_SIZE];
@@ -125,57 +132,60 @@ static uint32_t uWritten;
 static QLX_DmxInjectCapability stCapability;
 static uint32_t uFreeSize;
 
-INJ_INVALID_CASE(TC_InjTestOpenOnNullOpenParam, INITIALISED,
-                 QLX_DmxInjectOpen(nullptr, &bench.hInject))
-INJ_INVALID_CASE(TC_InjTestOpenWithNullHdl, INITIALISED, QLX_DmxInjectOpen(&bench.stParam, nullptr))
+INJ_INVALID_CASE(TC_InjTestOpenOnNullOpenParam, INITIALISED, QLX_DmxInjectOpen(NULL, &g_injectHdl))
+INJ_INVALID_CASE(TC_InjTestOpenWithNullHdl, INITIALISED, QLX_DmxInjectOpen(&stParam, NULL))
 INJ_INVALID_CASE(TC_InjTestCloseOnNullHdl, OPENED, QLX_DmxInjectClose(NULL_HANDLE))
 INJ_INVALID_CASE(TC_InjTestRegisterOnNullHdl, OPENED,
-                 QLX_DmxInjectRegisterCallback(NULL_HANDLE, DmxInject_Callback, &bench))
+                 QLX_DmxInjectRegisterCallback(NULL_HANDLE, DmxInject_Callback, &stUserData))
 INJ_INVALID_CASE(TC_InjTestRegisterWithNullCb, OPENED,
-                 QLX_DmxInjectRegisterCallback(g_hInject, nullptr, &bench))
+                 QLX_DmxInjectRegisterCallback(g_injectHdl, NULL, &stUserData))
 INJ_INVALID_CASE(TC_InjTestUnRegisterOnNullHdl, REGISTERED,
                  QLX_DmxInjectUnRegisterCallback(NULL_HANDLE, DmxInject_Callback))
 INJ_INVALID_CASE(TC_InjTestUnRegisterWithNullCb, REGISTERED,
-                 QLX_DmxInjectUnRegisterCallback(g_hInject, nullptr))
+                 QLX_DmxInjectUnRegisterCallback(g_injectHdl, NULL))
 INJ_INVALID_CASE(TC_InjTestStartOnNullHdl, OPENED, QLX_DmxInjectStart(NULL_HANDLE))
 INJ_INVALID_CASE(TC_InjTestStopOnNullHdl, STARTED, QLX_DmxInjectStop(NULL_HANDLE))
 INJ_INVALID_CASE(TC_InjTestGetCapabilityOnNullHdl, OPENED,
                  QLX_DmxInjectGetCapability(NULL_HANDLE, &stCapability))
 INJ_INVALID_CASE(TC_InjTestGetCapabilityWithNullParam, OPENED,
-                 QLX_DmxInjectGetCapability(g_hInject, nullptr))
+                 QLX_DmxInjectGetCapability(g_injectHdl, NULL))
 INJ_INVALID_CASE(TC_InjTestGetFreeSizeOnNullHdl, OPENED,
                  QLX_DmxInjectGetFreeSize(NULL_HANDLE, &uFreeSize))
 INJ_INVALID_CASE(TC_InjTestGetFreeSizeWithNullParam, OPENED,
-                 QLX_DmxInjectGetFreeSize(g_hInject, nullptr))
+                 QLX_DmxInjectGetFreeSize(g_injectHdl, NULL))
 INJ_INVALID_CASE(TC_InjTestWriteDataOnNullHdl, STARTED,
                  QLX_DmxInjectWriteData(NULL_HANDLE, oneBlock, INJ_BLOCK_SIZE, &uWritten))
 INJ_INVALID_CASE(TC_InjTestWriteDataWithNullData, STARTED,
-                 QLX_DmxInjectWriteData(g_hInject, nullptr, INJ_BLOCK_SIZE, &uWritten))
+                 QLX_DmxInjectWriteData(g_injectHdl, NULL, INJ_BLOCK_SIZE, &uWritten))
 INJ_INVALID_CASE(TC_InjTestWriteDataWithZeroSize, STARTED,
-                 QLX_DmxInjectWriteData(g_hInject, oneBlock, 0, &uWritten))
+                 QLX_DmxInjectWriteData(g_injectHdl, oneBlock, 0, &uWritten))
 INJ_INVALID_CASE(TC_InjTestFlushOnNullHdl, STARTED, QLX_DmxInjectFlush(NULL_HANDLE))
 INJ_INVALID_CASE(TC_InjTestPauseOnNullHdl, STARTED, QLX_DmxInjectPause(NULL_HANDLE))
 INJ_INVALID_CASE(TC_InjTestResumeOnNullHdl, STARTED, QLX_DmxInjectResume(NULL_HANDLE))
 
 /** A call that comes in the wrong order. */
-#define INJ_FAILED_CASE(name, level, call)                                                \
-    static uint32_t name(void) {                                                          \
-        return onInjector(__func__, 0, level, [](CaseContext& tc, InjectorBench& bench) { \
-            TC_EXPECT_RET_CODE(call, QLX_FAILED);                                         \
-        });                                                                               \
+#define INJ_FAILED_CASE(name, level, call)                                             \
+    static uint32_t name(void) {                                                       \
+        return onInjector(__func__, 0, level,                                          \
+                          []([[maybe_unused]] CaseContext& tc,                         \
+                             [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) { \
+                              TC_EXPECT_RET_CODE(call, QLX_FAILED);                    \
+                          });                                                          \
     }
 
-INJ_FAILED_CASE(TC_InjTestDoubleStart, STARTED, QLX_DmxInjectStart(bench.hInject))
-INJ_FAILED_CASE(TC_InjTestPauseBeforeStart, OPENED, QLX_DmxInjectPause(bench.hInject))
-INJ_FAILED_CASE(TC_InjTestResumeBeforePause, STARTED, QLX_DmxInjectResume(bench.hInject))
+INJ_FAILED_CASE(TC_InjTestDoubleStart, STARTED, QLX_DmxInjectStart(g_injectHdl))
+INJ_FAILED_CASE(TC_InjTestPauseBeforeStart, OPENED, QLX_DmxInjectPause(g_injectHdl))
+INJ_FAILED_CASE(TC_InjTestResumeBeforePause, STARTED, QLX_DmxInjectResume(g_injectHdl))
 
 static uint32_t TC_InjTestDoubleClose(void) {
-    return onInjector(__func__, 0, INITIALISED, [](CaseContext& tc, InjectorBench& bench) {
-        if (!TC_EXPECT_RET(QLX_DmxInjectOpen(&bench.stParam, &bench.hInject)) ||
-            !TC_EXPECT_RET(QLX_DmxInjectClose(bench.hInject)))
-            return;
-        TC_EXPECT_RET_CODE(QLX_DmxInjectClose(bench.hInject), QLX_FAILED);
-    });
+    return onInjector(__func__, 0, INITIALISED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          if (!TC_EXPECT_RET(QLX_DmxInjectOpen(&stParam, &g_injectHdl)) ||
+                              !TC_EXPECT_RET(QLX_DmxInjectClose(g_injectHdl)))
+                              return;
+                          TC_EXPECT_RET_CODE(QLX_DmxInjectClose(g_injectHdl), QLX_FAILED);
+                      });
 }
 
 static uint32_t registerBase(const char* name, uint32_t eDemuxId) {
@@ -195,41 +205,51 @@ static uint32_t TC_InjTestStop(void) {
 }
 
 static uint32_t TC_InjTestStartStopStart(void) {
-    return onInjector(__func__, 0, OPENED, [](CaseContext& tc, InjectorBench& bench) {
-        for (int round = 0; round < 2; round++) {
-            if (TC_EXPECT_RET(QLX_DmxInjectStart(bench.hInject)))
-                TC_EXPECT_RET(QLX_DmxInjectStop(bench.hInject));
-        }
-    });
+    return onInjector(__func__, 0, OPENED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          for (int round = 0; round < 2; round++) {
+                              if (TC_EXPECT_RET(QLX_DmxInjectStart(g_injectHdl)))
+                                  TC_EXPECT_RET(QLX_DmxInjectStop(g_injectHdl));
+                          }
+                      });
 }
 
 static uint32_t TC_InjTestDoubleStop(void) {
-    return onInjector(__func__, 0, OPENED, [](CaseContext& tc, InjectorBench& bench) {
-        if (!TC_EXPECT_RET(QLX_DmxInjectStart(bench.hInject)) ||
-            !TC_EXPECT_RET(QLX_DmxInjectStop(bench.hInject)))
-            return;
-        TC_EXPECT_RET_CODE(QLX_DmxInjectStop(bench.hInject), QLX_FAILED);
-    });
+    return onInjector(__func__, 0, OPENED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          if (!TC_EXPECT_RET(QLX_DmxInjectStart(g_injectHdl)) ||
+                              !TC_EXPECT_RET(QLX_DmxInjectStop(g_injectHdl)))
+                              return;
+                          TC_EXPECT_RET_CODE(QLX_DmxInjectStop(g_injectHdl), QLX_FAILED);
+                      });
 }
 
 static uint32_t getCapabilityBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, OPENED, [](CaseContext& tc, InjectorBench& bench) {
-        stCapability = {};
-        TC_EXPECT_RET(QLX_DmxInjectGetCapability(bench.hInject, &stCapability));
-    });
+    return onInjector(name, eDemuxId, OPENED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          stCapability = {};
+                          TC_EXPECT_RET(QLX_DmxInjectGetCapability(g_injectHdl, &stCapability));
+                      });
 }
 
 static uint32_t getFreeSizeBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, OPENED, [](CaseContext& tc, InjectorBench& bench) {
-        uFreeSize = 0;
-        TC_EXPECT_RET(QLX_DmxInjectGetFreeSize(bench.hInject, &uFreeSize));
-    });
+    return onInjector(name, eDemuxId, OPENED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          uFreeSize = 0;
+                          TC_EXPECT_RET(QLX_DmxInjectGetFreeSize(g_injectHdl, &uFreeSize));
+                      });
 }
 
 static uint32_t flushBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, STARTED, [](CaseContext& tc, InjectorBench& bench) {
-        TC_EXPECT_RET(QLX_DmxInjectFlush(bench.hInject));
-    });
+    return onInjector(name, eDemuxId, STARTED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          TC_EXPECT_RET(QLX_DmxInjectFlush(g_injectHdl));
+                      });
 }
 
 // Time limits.
@@ -250,53 +270,60 @@ static bool timedCall(CaseContext& tc, const char* what, const char* text, int64
 static uint32_t timeConsumeBase(const char* name, uint32_t eDemuxId) {
     CaseContext tc = {name};
     const QLX_DmxInjectOpenParam stParam = {eDemuxId, 0, PACKET_SIZE};
-    uint32_t g_hInject = NULL_HANDLE;
     if (!isOnBoard(eDemuxId))
         return tc_notApplicable(tc);
     INJ_TIMED("init dmxInject", QLX_DmxInjectInit());
-    INJ_TIMED("open dmxInject", QLX_DmxInjectOpen(&stParam, &g_hInject));
+    INJ_TIMED("open dmxInject", QLX_DmxInjectOpen(&stParam, &g_injectHdl));
     INJ_TIMED("register dmxInject",
-              QLX_DmxInjectRegisterCallback(g_hInject, DmxInject_Callback, &g_hInject));
-    INJ_TIMED("start dmxInject", QLX_DmxInjectStart(g_hInject));
-    INJ_TIMED("stop dmxInject", QLX_DmxInjectStop(g_hInject));
+              QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &stUserData));
+    INJ_TIMED("start dmxInject", QLX_DmxInjectStart(g_injectHdl));
+    INJ_TIMED("stop dmxInject", QLX_DmxInjectStop(g_injectHdl));
     INJ_TIMED("unregister dmxInject",
-              QLX_DmxInjectUnRegisterCallback(g_hInject, DmxInject_Callback));
-    INJ_TIMED("close dmxInject", QLX_DmxInjectClose(g_hInject));
+              QLX_DmxInjectUnRegisterCallback(g_injectHdl, DmxInject_Callback));
+    INJ_TIMED("close dmxInject", QLX_DmxInjectClose(g_injectHdl));
     INJ_TIMED("deinit dmxInject", QLX_DmxInjectDeInit());
     return TC_RESULT(tc);
 }
 
 static uint32_t getValueTimeBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, STARTED, [](CaseContext& tc, InjectorBench& bench) {
-        uFreeSize = 0;
-        stCapability = {};
-        INJ_TIMED("QLX_DmxInjectGetFreeSize", QLX_DmxInjectGetFreeSize(bench.hInject, &uFreeSize));
-        printf("\n\n==>[%s() %d]I:Free size is:%u.\n", tc.name, __LINE__, uFreeSize);
-        INJ_TIMED("QLX_DmxInjectGetCapability",
-                  QLX_DmxInjectGetCapability(bench.hInject, &stCapability));
-        printf("\n\n==>[%s() %d]I:Total size is:%u, chunk size is:%u.\n", tc.name, __LINE__,
-               stCapability.uTotalSize, stCapability.uChunkSize);
-    });
+    return onInjector(name, eDemuxId, STARTED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          uFreeSize = 0;
+                          stCapability = {};
+                          INJ_TIMED("QLX_DmxInjectGetFreeSize",
+                                    QLX_DmxInjectGetFreeSize(g_injectHdl, &uFreeSize));
+                          printf("\n\n==>[%s() %d]I:Free size is:%u.\n", tc.name, __LINE__,
+                                 uFreeSize);
+                          INJ_TIMED("QLX_DmxInjectGetCapability",
+                                    QLX_DmxInjectGetCapability(g_injectHdl, &stCapability));
+                          printf("\n\n==>[%s() %d]I:Total size is:%u, chunk size is:%u.\n", tc.name,
+                                 __LINE__, stCapability.uTotalSize, stCapability.uChunkSize);
+                      });
 }
 
 // Rounds.
 
 static uint32_t pressureOpenBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, INITIALISED, [](CaseContext& tc, InjectorBench& bench) {
-        for (int round = 0; tc.result == TC_SUCCESS && round < ROUNDS; round++) {
-            if (TC_EXPECT_RET(QLX_DmxInjectOpen(&bench.stParam, &bench.hInject)))
-                TC_EXPECT_RET(QLX_DmxInjectClose(bench.hInject));
-        }
-    });
+    return onInjector(name, eDemuxId, INITIALISED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          for (int round = 0; tc.result == TC_SUCCESS && round < ROUNDS; round++) {
+                              if (TC_EXPECT_RET(QLX_DmxInjectOpen(&stParam, &g_injectHdl)))
+                                  TC_EXPECT_RET(QLX_DmxInjectClose(g_injectHdl));
+                          }
+                      });
 }
 
 static uint32_t pressureStartBase(const char* name, uint32_t eDemuxId) {
-    return onInjector(name, eDemuxId, REGISTERED, [](CaseContext& tc, InjectorBench& bench) {
-        for (int round = 0; tc.result == TC_SUCCESS && round < ROUNDS; round++) {
-            if (TC_EXPECT_RET(QLX_DmxInjectStart(bench.hInject)))
-                TC_EXPECT_RET(QLX_DmxInjectStop(bench.hInject));
-        }
-    });
+    return onInjector(name, eDemuxId, REGISTERED,
+                      []([[maybe_unused]] CaseContext& tc,
+                         [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {
+                          for (int round = 0; tc.result == TC_SUCCESS && round < ROUNDS; round++) {
+                              if (TC_EXPECT_RET(QLX_DmxInjectStart(g_injectHdl)))
+                                  TC_EXPECT_RET(QLX_DmxInjectStop(g_injectHdl));
+                          }
+                      });
 }
 
 // Chains.

@@ -397,7 +397,7 @@ static const LadderStep<ChainBench> chainSteps[] = {
     {LADDER_CALL("QLX_DmxInjectStart(g_injectHdl)", QLX_DmxInjectStart(g_injectHdl)),
      LADDER_CALL("QLX_DmxInjectStop(g_injectHdl)", QLX_DmxInjectStop(g_injectHdl))},
     {LADDER_CALL("BeginInject(g_injectHdl, pFile)", BeginInject(g_injectHdl, bench.pFile)),
-     LADDER_CALL("FinishInject(g_injectHdl, bWaitDone)",
+     LADDER_CALL("FinishInject(g_injectHdl, QLX_FALSE)",
                  FinishInject(g_injectHdl, bench.bWaitDone))},
     {LADDER_CALL("TC_AV_START(&stAvSource, NULL, &stVideoDecInfo)",
                  TC_AV_START(&bench.stAvSource, bench.pstChannelInfo, &bench.stVideoDecInfo)),

@@ -133,8 +133,7 @@ static uint32_t TC_RecTestOpenOnNullCfg(void) {
 
 static uint32_t TC_RecTestOpenOnNullHdl(void) {
     return onRecorder(__func__, SERVICE_STEPS, [](CaseContext& tc, uint32_t) {
-        TC_EXPECT_RET_CODE(QLX_RecordOpen(QLX_DEMUX_0, &recCfg, NULL),
-                           QLX_RECORD_ERR_INVALID_PARA);
+        TC_EXPECT_RET_CODE(QLX_RecordOpen(QLX_DEMUX_0, &recCfg, NULL), QLX_RECORD_ERR_INVALID_PARA);
     });
 }
 
@@ -401,11 +400,9 @@ static uint32_t flowBase(const char* name, const RecSettings& settings, RecFlow 
     g_recRuration = settings.seconds;
     bRecordEncrypt = settings.encrypt ? 1 : 0;
     bRecordStoreDisk = settings.disk ? 1 : 0;
-    for (uint32_t round = 1; tc.result == TC_SUCCESS && round <= settings.rounds; round++) {
-        // Of several runs each has a file of its own, from number 2 on that of the run.
-        bRecordSeveralTimes = settings.rounds > 1 ? round : 0;
+    bRecordSeveralTimes = settings.rounds > 1 ? settings.rounds : 0;
+    for (g_recRun = 1; tc.result == TC_SUCCESS && g_recRun <= settings.rounds; g_recRun++)
         TC_EXPECT_RET_TEXT(text, flow(0, QLX_DEMUX_0, eRecTransSys, path));
-    }
     g_recRuration = REC_DURATION;
     bRecordEncrypt = 0;
     bRecordStoreDisk = 0;

@@ -27,6 +27,7 @@ enum {
 
 uint32_t g_recRuration = REC_DURATION;
 uint32_t bRecordSeveralTimes;
+uint32_t g_recRun;
 uint32_t g_hasOpenDmx;
 
 static const int32_t* tcRecordFeature;
@@ -82,13 +83,15 @@ static bool opensDemux(const SourceBench&) {
 
 static const LadderStep<SourceBench> sourceSteps[] = {
     {LADDER_CALL(
-         "TC_TUNER_START(eTunerDev, eRecTransSys, uChannel)",
+         "TC_TUNER_START(pstRecoderParam->eTunerDev, pstRecoderParam->eRecTransSys, uChannel)",
          TC_TUNER_START(bench.params->eTunerDev, bench.params->eRecTransSys, bench.channel)),
-     LADDER_CALL("TC_TUNER_STOP(eTunerDev)", TC_TUNER_STOP(bench.params->eTunerDev))},
-    {LADDER_CALL("TC_DEMUX_START(eDemuxDev, &stSource)",
+     LADDER_CALL("TC_TUNER_STOP(pstRecoderParam->eTunerDev)",
+                 TC_TUNER_STOP(bench.params->eTunerDev))},
+    {LADDER_CALL("TC_DEMUX_START(pstRecoderParam->eDemuxDev, &stSource)",
                  TC_DEMUX_START(bench.params->eDemuxDev, &bench.stSource)),
-     LADDER_CALL("TC_DEMUX_STOP(eDemuxDev)", TC_DEMUX_STOP(bench.params->eDemuxDev)), UNDO_CHECKED,
-     opensDemux},
+     LADDER_CALL("TC_DEMUX_STOP(pstRecoderParam->eDemuxDev)",
+                 TC_DEMUX_STOP(bench.params->eDemuxDev)),
+     UNDO_CHECKED, opensDemux},
 };
 
 static SourceBench sourceBenchOf(const stRecoderParams* pstRecoderParam) {
@@ -280,7 +283,7 @@ static bool prepareFlow(const RecPlan& plan, CaseContext& tc, RecBench* bench) {
     if ((plan.kinds & REC_OTHER) == 0)
         bench->stPids.stOther.uNum = 0;
     const char* dir = bRecordStoreDisk == 1 ? params.storeDiskDir : params.storeDir;
-    const uint32_t number = bRecordSeveralTimes >= 2 ? bRecordSeveralTimes : plan.path;
+    const uint32_t number = bRecordSeveralTimes >= 2 ? g_recRun : plan.path;
     if (plan.isStem)
         snprintf(bench->record_file, sizeof bench->record_file, "%s%s%d%s", dir, plan.file,
                  static_cast<int>(number), ".ts");

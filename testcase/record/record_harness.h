@@ -16,9 +16,10 @@
 /** How long a flow records, in seconds. */
 enum { REC_DURATION = 15 };
 extern uint32_t g_recRuration;
-/** The file of the next flow goes to the folder of the removable disk; of several runs each has its
- *  number in its name. */
+/** How many runs of a flow follow each other; each of several has its number, from 1, in the name
+ * of its file. */
 extern uint32_t bRecordSeveralTimes;
+extern uint32_t g_recRun;
 /** The demultiplexer has been opened by others, who also close it. */
 extern uint32_t g_hasOpenDmx;
 

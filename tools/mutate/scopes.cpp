@@ -29,6 +29,7 @@ const std::vector<Scope> all = {
              demux, {"Demux*"}),
     moduleOf("Record", {"testcase/record/*"}, {"Record"}, {"RecordModuleTest"}),
     moduleOf("AFE", {"testcase/afe/*"}, {"AFE"}, {"AfeModule", "AvHarness*"}),
+    moduleOf("DESCRAMBLER", {"testcase/descrambler/*"}, {"DESCRAMBLER"}, {"DescramblerModuleTest"}),
     moduleOf("DmxInject", {"testcase/dmx_inject/*"}, {"DmxInject"}, {"DmxInjectModuleTest"}),
     moduleOf("EEPROM", {"testcase/eeprom/*"}, {"EEPROM"}, {"DeviceCases", "StorageModules"}),
     moduleOf("FLASH", {"testcase/flash/*"}, {"FLASH"}, {"DeviceCases", "StorageModules"}),
