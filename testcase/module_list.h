@@ -27,7 +27,7 @@
     BUILT(AVCvbsModule,           "AV-CVBS",           "Test module for AV test, the source is CVBS",               67,  65,  67,  65) \
     BUILT(AVHdmiModule,           "AV-HDMI",           "Test module for AV test, the source is HDMI",              102,  99, 102,  99) \
     BUILT(AVYpbprModule,          "AV-YPBPR",          "Test module for AV test, the source is YPBPR",              67,  65,  67,  65) \
-    OPEN (AVDtvVideoCcModule,     "AV-VideoCC",        "Test module for video CC",                                  64,  64,   0,   0) \
+    BUILT(AVDtvVideoCcModule,     "AV-VideoCC",        "Test module for video CC",                                  64,  64,  64,  64) \
     BUILT(AFEModule,              "AFE",               "Test module for the ATV ",                                 165, 153, 165, 153) \
     OPEN (AOutModule,             "AOUT",              "Test module for the AOUT",                                 163, 150,   0,   0) \
     BUILT(VOutModulePrimary,      "VOUT-Primary",      "Test cases of VOUT for primary interface",                  64,  64,  64,  64) \

@@ -176,6 +176,7 @@ const DecoderKind audioKind = {
     ofUnit,
     ofSignal,
     infoValue,
+    nullptr,
 };
 
 /** The answer to a question, of an open decoder. False for a question that there is not. */

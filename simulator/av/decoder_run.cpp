@@ -41,7 +41,7 @@ int64_t boardUs(const DecoderKind& kind, const char* key) {
 
 void tell(Decoder& decoder, uint32_t bit, uint32_t word) {
     if (bit != 0)
-        decoder.events.push_back({bit, word, {}, decoder.callback, decoder.userData});
+        decoder.events.push_back({bit, word, {}, decoder.callback, decoder.userData, nullptr});
 }
 
 /** Tells information that is another one than the last. */
@@ -51,7 +51,8 @@ void tellInfo(const DecoderKind& kind, Decoder& decoder, const DecoderInfo& info
         return;
     run.infoTold = true;
     run.info = info;
-    decoder.events.push_back({kind.events.infoChange, 0, info, decoder.callback, decoder.userData});
+    decoder.events.push_back(
+        {kind.events.infoChange, 0, info, decoder.callback, decoder.userData, nullptr});
 }
 
 /** The next thing that happens by itself. */
@@ -126,6 +127,10 @@ void takeGone(const DecoderKind& kind, Decoder& decoder, const UnitMoment&, int6
     tellInfo(kind, decoder, kind.absent());
 }
 
+void takePictureCaptions(const DecoderKind&, Decoder& decoder, const UnitMoment&, int64_t) {
+    takeCaptions(decoder);
+}
+
 /** When the clock that the decoder follows comes. */
 int64_t clockUs(Decoder& decoder, int64_t now) {
     DecoderRun& run = *decoder.run;
@@ -173,6 +178,7 @@ void considerStream(const DecoderKind& kind, Decoder& decoder, int64_t now, Step
         if (change.has_value())
             step->consider(std::max(change->shownUs, change->arrivedUs + decodeUs), takeChange,
                            *change);
+        step->consider(nextCaptionsUs(decoder, now), takePictureCaptions);
     }
     auto damaged = nextUnit(stream, index, run.errorsFromUs, damage);
     if (damaged.has_value())
@@ -208,6 +214,7 @@ void cutRun(const DecoderKind& kind, Decoder& decoder, int64_t now) {
     run.errorsFromUs = now;
     run.clockUs = DecoderRun::unknown;
     run.uselessTold = false;
+    cutCaptions(run, now);
 }
 
 /** The stream goes on with other bytes: what was found in it is looked for again. */
@@ -245,6 +252,10 @@ void look(const DecoderKind& kind, Decoder& decoder, int64_t now) {
 }
 
 void tellProgram(const DecoderKind& kind, const Decoder& decoder, DecoderEvent& event) {
+    if (event.captions != nullptr) {
+        tellCaptions(decoder, *event.captions);
+        return;
+    }
     if (event.callback == nullptr)
         return;
     std::vector<Value> values = {marked("event", &event.bit)};
@@ -294,6 +305,33 @@ void findIndex(DecoderFamily& family, Decoder& decoder, std::unique_lock<std::mu
     takeNewIndex(family.kind, decoder, nowUs());
 }
 
+/** Whether the program wants captions of data that have not been looked through for them. */
+bool needsCaptions(const DecoderKind& kind, const Decoder& decoder) {
+    const DecoderRun& run = *decoder.run;
+    return kind.captions != nullptr && decoder.captions.any() &&
+           run.feed.kind == DecoderFeed::Kind::stream && run.feed.index != nullptr &&
+           run.captions.units != run.feed.index;
+}
+
+/** Looks through them without the lock. */
+void findCaptions(DecoderFamily& family, Decoder& decoder, std::unique_lock<std::mutex>& lock) {
+    TsStreamPtr stream = decoder.run->feed.stream;
+    std::shared_ptr<const EsUnits> units = decoder.run->feed.index;
+    uint32_t pid = decoder.run->pid;
+    uint32_t format = decoder.run->format;
+    uint64_t turn = decoder.turn;
+    lock.unlock();
+    std::shared_ptr<const CaptionIndex> index;
+    if (pid < tsPidCount)
+        index = family.kind.captions(stream, static_cast<uint16_t>(pid), format, *units);
+    lock.lock();
+    if (decoder.turn != turn || decoder.run->feed.index != units)
+        return;
+    decoder.run->captions.index = index;
+    decoder.run->captions.units = units;
+    cutCaptions(*decoder.run, nowUs());
+}
+
 /** The job of a running decoder: reports what is due, then waits for what comes next. */
 void work(DecoderFamily& family, Decoder& decoder, uint64_t turn) {
     for (;;) {
@@ -304,6 +342,10 @@ void work(DecoderFamily& family, Decoder& decoder, uint64_t turn) {
         look(family.kind, decoder, now);
         if (needsIndex(decoder)) {
             findIndex(family, decoder, lock);
+            continue;
+        }
+        if (needsCaptions(family.kind, decoder)) {
+            findCaptions(family, decoder, lock);
             continue;
         }
         if (decoder.events.empty()) {
@@ -388,6 +430,7 @@ void pauseRun(const DecoderKind& kind, Decoder& decoder, bool paused) {
     if (paused)
         return;
     run.errorsFromUs = std::max(run.errorsFromUs, now);
+    cutCaptions(run, now);
     if (!run.decoding())
         run.fromUs = now;
     refreshInfo(kind, decoder);

@@ -56,6 +56,7 @@ void forget(DecoderFamily& family, Decoder& decoder) {
     decoder.userData = nullptr;
     decoder.run = nullptr;
     decoder.audio = {};
+    decoder.captions = {};
     decoder.syncSet = false;
     decoder.sync = {};
 }
@@ -323,6 +324,8 @@ void describeDecoders(DecoderFamily& family, std::string* out) {
             {decoder.callback != nullptr, "registered"},
             {decoder.run != nullptr, "started"},
             {decoder.audio.describes, "description started"},
+            {decoder.captions.callback != nullptr, "captions registered"},
+            {decoder.captions.any(), "captions started"},
         };
         for (const auto& [is, what] : lines) {
             if (is)

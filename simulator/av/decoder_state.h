@@ -18,13 +18,16 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/qlx_audio.h"
 #include "platform/qlx_video.h"
+#include "platform/qlx_videocc.h"
 #include "platform/qlx_videosync.h"
 #include "simulator/av/decoder.h"
 #include "simulator/core/sim.h"
 #include "simulator/demux/demux.h"
+#include "simulator/media/captions.h"
 #include "simulator/media/es_index.h"
 #include "simulator/world/signal_source.h"
 
@@ -49,6 +52,15 @@ union DecoderInfo {
 /** Both families have callbacks of this type. */
 using DecoderCallback = QLX_VideoCallback;
 
+/** Captions that wait for their turn, to whoever was registered when they came up. */
+struct CaptionReport {
+    uint32_t type;
+    std::vector<uint8_t> bytes;
+    QLX_VideoCcData data;
+    QLX_VideoCcCallback callback;
+    void* userData;
+};
+
 /** A report that waits for its turn, to whoever was registered when it came up. */
 struct DecoderEvent {
     uint32_t bit;
@@ -57,6 +69,32 @@ struct DecoderEvent {
     DecoderInfo info;
     DecoderCallback callback;
     void* userData;
+    /** In place of all that; only video decoders have them. */
+    std::shared_ptr<CaptionReport> captions = nullptr;
+};
+
+/** What a program wants to have of a video decoder's captions. */
+struct CaptionChoices {
+    QLX_VideoCcCallback callback = nullptr;
+    void* userData = nullptr;
+    /** By QLX_VideoCcDataType. */
+    bool started[2] = {false, false};
+    bool any() const {
+        return started[0] || started[1];
+    }
+};
+
+/** How far a run is with the captions of its pictures. */
+struct CaptionRun {
+    /** Of the feed with that index; null: it has not been looked through. */
+    std::shared_ptr<const CaptionIndex> index;
+    std::shared_ptr<const EsUnits> units;
+    /** The picture whose captions are told, and how many of its parts have been. */
+    std::optional<CaptionMoment> picture;
+    uint32_t part = 0;
+    /** Pictures that are shown earlier are left out. */
+    int64_t fromUs = 0;
+    CaptionChannel channel;
 };
 
 /** What flows into a running decoder. */
@@ -122,6 +160,8 @@ struct DecoderRun {
     bool infoTold = false;
     DecoderInfo info = {};
 
+    CaptionRun captions;
+
     static constexpr int64_t unknown = -1;
 
     bool decoding() const {
@@ -137,6 +177,7 @@ struct Decoder {
     void* userData = nullptr;
     std::unique_ptr<DecoderRun> run;
     AudioChoices audio;
+    CaptionChoices captions;
     bool syncSet = false;
     QLX_SyncParams sync = {};
 
@@ -180,6 +221,9 @@ struct DecoderKind {
     /** False when the signal has no picture or no sound. */
     bool (*ofSignal)(const Decoder& decoder, const SignalSource& signal, DecoderInfo* info);
     Value (*infoValue)(DecoderInfo* info);
+    /** Null for decoders whose data bring no captions. */
+    std::shared_ptr<const CaptionIndex> (*captions)(const TsStreamPtr& stream, uint16_t pid,
+                                                    uint32_t format, const EsUnits& units);
 };
 
 struct DecoderFamily {
@@ -245,6 +289,17 @@ DecoderOrigin originOf(const DecoderRun& run);
 void drainDecoder(DecoderFamily& family, Decoder& decoder);
 /** Without the lock: no callback of the decoder's runs any more; its run goes on. */
 void quietDecoder(DecoderFamily& family, Decoder& decoder);
+
+/* Captions of the pictures that are shown (captions_run.cpp). */
+
+/** What comes from now on begins anew. */
+void cutCaptions(DecoderRun& run, int64_t now);
+/** When the next captions are due; INT64_MAX without any. */
+int64_t nextCaptionsUs(const Decoder& decoder, int64_t now);
+/** Puts the next part of them into the queue. */
+void takeCaptions(Decoder& decoder);
+/** Hands captions to the program. On the decoder's thread, without the lock. */
+void tellCaptions(const Decoder& decoder, CaptionReport& report);
 
 /* Where data come from (decoder_source.cpp). */
 

@@ -199,6 +199,12 @@ Value infoValue(DecoderInfo* info) {
     return value("info", &info->video);
 }
 
+std::shared_ptr<const CaptionIndex> captionsOf(const TsStreamPtr& stream, uint16_t pid,
+                                               uint32_t format, const EsUnits& units) {
+    const Coding* coding = codingOf(format);
+    return coding == nullptr ? nullptr : captionIndex(stream, pid, coding->coding, units);
+}
+
 const DecoderKind videoKind = {
     "Video",
     "video",
@@ -217,6 +223,7 @@ const DecoderKind videoKind = {
     ofUnit,
     ofSignal,
     infoValue,
+    captionsOf,
 };
 
 /** The answer to a question, of an open decoder. False for a question that there is not. */

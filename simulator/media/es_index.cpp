@@ -17,7 +17,10 @@ int64_t ticksToUs(int64_t ticks) {
     return (ticks + ticksPerUs - 1) / ticksPerUs;
 }
 
-UnitMoment momentOf(const TsStream& stream, const EsUnits& index, uint64_t loop, uint32_t number) {
+}  // namespace
+
+UnitMoment unitMoment(const TsStream& stream, const EsUnits& index, uint64_t loop,
+                      uint32_t number) {
     const AccessUnit& unit = index.units[number];
     auto loopTicks = static_cast<int64_t>(stream.beginTicks(loop * stream.packetCount()));
     auto beginTicks =
@@ -51,8 +54,6 @@ UnitMoment momentOf(const TsStream& stream, const EsUnits& index, uint64_t loop,
     return moment;
 }
 
-}  // namespace
-
 std::optional<UnitMoment> nextUnit(const TsStream& stream, const EsUnits& index, int64_t fromUs,
                                    uint8_t flags) {
     uint64_t packet = stream.packetAt(std::max<int64_t>(fromUs, 0));
@@ -71,7 +72,7 @@ std::optional<UnitMoment> nextUnit(const TsStream& stream, const EsUnits& index,
         if (found == from)
             return std::nullopt;
     }
-    return momentOf(stream, index, loop, static_cast<uint32_t>(found - index.units.begin()));
+    return unitMoment(stream, index, loop, static_cast<uint32_t>(found - index.units.begin()));
 }
 
 std::optional<UnitMoment> unitShown(const TsStream& stream, const EsUnits& index, int64_t sinceUs,
@@ -82,7 +83,7 @@ std::optional<UnitMoment> unitShown(const TsStream& stream, const EsUnits& index
     std::optional<UnitMoment> shown;
     for (uint64_t at = loop - std::min(loop, back); at <= loop; at++) {
         for (uint32_t number = 0; number < index.units.size(); number++) {
-            UnitMoment moment = momentOf(stream, index, at, number);
+            UnitMoment moment = unitMoment(stream, index, at, number);
             if (moment.beginUs >= sinceUs && moment.shownUs <= atUs &&
                 (!shown.has_value() || moment.shownUs >= shown->shownUs))
                 shown = moment;

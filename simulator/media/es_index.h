@@ -120,6 +120,9 @@ struct UnitMoment {
     int64_t shownUs;
 };
 
+/** The turn of an access unit in a loop. @param unit  index in EsUnits::units */
+UnitMoment unitMoment(const TsStream& stream, const EsUnits& index, uint64_t loop, uint32_t unit);
+
 /**
  * The first access unit that has all those flags and begins at `fromUs` or later.
  * @return none when no unit of the loop has them
