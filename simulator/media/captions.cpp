@@ -142,6 +142,22 @@ std::vector<uint8_t> captionsInPicture(VideoCoding coding, const uint8_t* data, 
     return triplets;
 }
 
+std::vector<Bytes> captionsByStamp(const TsStream& stream, uint16_t pid, VideoCoding coding) {
+    const Es es = readEs(stream, pid);
+    std::multimap<uint64_t, Bytes> pictures;
+    for (size_t i = 0; i < es.pes.size(); i++) {
+        const size_t end = i + 1 < es.pes.size() ? es.pes[i + 1].offset : es.data.size();
+        const size_t begin = es.pes[i].offset;
+        Bytes triplets = captionsInPicture(coding, es.data.data() + begin, end - begin);
+        if (!triplets.empty())
+            pictures.emplace(es.pes[i].pts, std::move(triplets));
+    }
+    std::vector<Bytes> ordered;
+    for (auto& [pts, triplets] : pictures)
+        ordered.push_back(std::move(triplets));
+    return ordered;
+}
+
 std::shared_ptr<const CaptionIndex> captionIndex(const TsStreamPtr& stream, uint16_t pid,
                                                  VideoCoding coding, const EsUnits& units) {
     static CaptionStore* store = new CaptionStore;

@@ -37,6 +37,11 @@ struct CaptionedPicture {
 /** Those of a loop, in the order in which they are shown. */
 using CaptionIndex = std::vector<CaptionedPicture>;
 
+/** The triplets of the pictures of a loop, in the order of their time stamps, each picture with its
+ *  PES packet: for who has no index. */
+std::vector<std::vector<uint8_t>> captionsByStamp(const TsStream& stream, uint16_t pid,
+                                                  VideoCoding coding);
+
 /** Looks through the stream; kept in memory while the stream is. Any thread may call. */
 std::shared_ptr<const CaptionIndex> captionIndex(const TsStreamPtr& stream, uint16_t pid,
                                                  VideoCoding coding, const EsUnits& units);

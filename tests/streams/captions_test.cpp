@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "simulator/media/caption_text.h"
+#include "simulator/media/captions.h"
 #include "tests/streams/decoded.h"
 #include "tests/streams/made_streams.h"
 
@@ -279,6 +281,87 @@ TEST(Captions, AnyNameKeepsTheRules) {
             empty += packet[1] == 0 ? 1 : 0;
         }
         EXPECT_EQ(empty, 9 * 4u) << name;
+    }
+}
+
+/* The simulated device ------------------------------------------------------------------------- */
+
+/** The stream of a file as the device has it, with what decoding finds in its pictures. */
+struct OnDevice {
+    sim::TsStreamPtr stream;
+    uint16_t pid;
+    sim::VideoCoding coding;
+    std::shared_ptr<const sim::VideoIndex> index;
+    std::shared_ptr<const sim::CaptionIndex> captions;
+};
+
+OnDevice onDevice(const std::string& file, sim::VideoCoding coding) {
+    OnDevice device;
+    device.stream = std::make_shared<const sim::TsStream>(streamOf(file).packets, 0);
+    device.pid = static_cast<uint16_t>(multiplexOf(file).channels.front().videoPid);
+    device.coding = coding;
+    device.index = sim::videoIndex(device.stream, device.pid, coding);
+    device.captions = sim::captionIndex(device.stream, device.pid, coding, *device.index);
+    return device;
+}
+
+/** What the device takes out of the coded pictures is what FFmpeg has beside the decoded ones, to
+ *  the byte and in the same order; and it is the text that was written. */
+TEST(Captions, TheDeviceFindsWhatFfmpegFinds) {
+    const struct {
+        const char* file;
+        sim::VideoCoding coding;
+    } rows[] = {{"atsc_caption.ts", sim::VideoCoding::mpeg2},
+                {"dvb_caption.ts", sim::VideoCoding::mpeg2}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.file);
+        OnDevice device = onDevice(row.file, row.coding);
+        std::vector<Bytes> found;
+        for (const sim::CaptionedPicture& picture : *device.captions)
+            found.push_back(picture.triplets);
+        EXPECT_TRUE(found == captionsOf(row.file)) << found.size();
+        EXPECT_TRUE(sim::captionsByStamp(*device.stream, device.pid, row.coding) == found);
+        std::map<std::string, std::vector<std::string>> texts;
+        for (const sim::CaptionRow& text : sim::captionRows(found))
+            texts[text.service].push_back(text.text);
+        ASSERT_EQ(texts.size(), 5u);
+        for (auto& [service, lines] : texts)
+            ASSERT_EQ(lines.size(), seconds) << service;
+        for (size_t second = 0; second < seconds; second++) {
+            EXPECT_EQ(texts["CC1"][second], "Laboratory 10 " + timeOf(second));
+            EXPECT_EQ(texts["CC3"][second], "Canal 10 " + timeOf(second));
+            EXPECT_EQ(texts["S1"][second], "Laboratory 10 " + timeOf(second));
+            EXPECT_EQ(texts["S2"][second],
+                      "Se\xC3\xB1"
+                      "al 10 " +
+                          timeOf(second));
+            EXPECT_EQ(texts["S8"][second], "Kanal 10 " + timeOf(second));
+        }
+    }
+}
+
+/** Pictures have their turns in the order in which they are shown, across the end of a loop, and
+ *  none from before decoding began. */
+TEST(Captions, TurnsFollowTheOrderOfPresentation) {
+    OnDevice device = onDevice("atsc_caption.ts", sim::VideoCoding::mpeg2);
+    const std::vector<Bytes>& sent = captionsOf("atsc_caption.ts");
+    const auto first =
+        sim::nextUnit(*device.stream, *device.index, 4000000, sim::unit_access | sim::unit_decoded);
+    ASSERT_TRUE(first.has_value());
+    int64_t fromUs = 0;
+    size_t place = sent.size();
+    for (size_t turn = 0; turn < 2 * sent.size(); turn++) {
+        auto next =
+            sim::nextCaptions(*device.stream, *device.index, *device.captions, *first, fromUs);
+        ASSERT_TRUE(next.has_value());
+        EXPECT_GE(next->moment.shownUs, first->shownUs);
+        const auto at = static_cast<size_t>(next->picture - device.captions->data());
+        if (turn != 0) {
+            EXPECT_EQ(at, (place + 1) % sent.size()) << turn;
+            EXPECT_NEAR(static_cast<double>(next->moment.shownUs - fromUs), 33333, 3) << turn;
+        }
+        place = at;
+        fromUs = next->moment.shownUs + 1;
     }
 }
 
