@@ -22,8 +22,6 @@ namespace fs = std::filesystem;
 using demux_test::Bytes;
 using demux_test::StreamMaker;
 
-constexpr uint32_t packetTicks = 13500;
-
 /** A bench on which every transmitter plays one stream that has the PIDs of all channels. */
 class RecordModuleTest : public ModuleBench {
  protected:
