@@ -101,8 +101,11 @@ static uint32_t onBench(const char* name, CaptionBench bench,
 }
 
 static bool startParser(CaseContext& tc, const CaptionBench& bench, uint32_t eDataType) {
-    return TC_EXPECT_RET_TEXT("QLX_VideoCcParserStart(pstSource->eVideoDev, type)",
-                              QLX_VideoCcParserStart(bench.pstSource->eVideoDev, eDataType));
+    const char* text =
+        eDataType == QLX_VIDEO_CC_DATA_TYPE_NTSC
+            ? "QLX_VideoCcParserStart(pstSource->eVideoDev, QLX_VIDEO_CC_DATA_TYPE_NTSC)"
+            : "QLX_VideoCcParserStart(pstSource->eVideoDev, QLX_VIDEO_CC_DATA_TYPE_DTV)";
+    return TC_EXPECT_RET_TEXT(text, QLX_VideoCcParserStart(bench.pstSource->eVideoDev, eDataType));
 }
 
 /** Whether captions come within five seconds is what is expected. */

@@ -208,6 +208,7 @@ TEST_F(EveryCase, TellsARefusedCallInItsOwnWords) {
         {&RecordModule, std::regex("TC_RecTest.*|TC_RecNormalOpen_001")},
         {&AVCvbsModule, std::regex(".*(_01|_012|_052|_062|Source_001)")},
         {&AVAtvModule, std::regex("TC_AV_Atv(OpenClose_032_01|.*Info_005|SwitchAtv.*_001)")},
+        {&AVDtvVideoCcModule, std::regex("TC_AV_VideoCc.*_0[0-2]1")},
         {&AFEModule,
          std::regex("TC_AFE_(Init|Open|ActualTuningParams|Set.*)_00[1-4]|TC_AFE_Close_00[12]|"
                     "TC_AFE_Tuning_0(0.|1[0-6]|6[5-7])|TC_AFE_(Get.*|Play)_001|TC_AV_.*")},
