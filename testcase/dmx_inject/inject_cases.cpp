@@ -41,7 +41,7 @@ struct InjectorBench {
 };
 
 /** User data of the callback, which looks at none. */
-static uint32_t stUserData[2];
+static uint32_t g_stUserData[2];
 
 static const LadderStep<InjectorBench> injectorSteps[] = {
     {LADDER_CALL("QLX_DmxInjectInit()", QLX_DmxInjectInit()),
@@ -50,7 +50,7 @@ static const LadderStep<InjectorBench> injectorSteps[] = {
                  QLX_DmxInjectOpen(&bench.stParam, &g_injectHdl)),
      LADDER_CALL("QLX_DmxInjectClose(g_injectHdl)", QLX_DmxInjectClose(g_injectHdl))},
     {LADDER_CALL("QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &g_stUserData)",
-                 QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &stUserData)),
+                 QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &g_stUserData)),
      LADDER_CALL("QLX_DmxInjectUnRegisterCallback(g_injectHdl, DmxInject_Callback)",
                  QLX_DmxInjectUnRegisterCallback(g_injectHdl, DmxInject_Callback))},
     {LADDER_CALL("QLX_DmxInjectStart(g_injectHdl)", QLX_DmxInjectStart(g_injectHdl)),
@@ -118,13 +118,14 @@ static uint32_t openCloseOpenBase(const char* name, uint32_t eDemuxId) {
 }
 
 /** A call that is refused as invalid. */
-#define INJ_INVALID_CASE(name, level, call)                                             \
-    static uint32_t name(void) {                                                        \
-        return onInjector(__func__, 0, level,                                           \
-                          []([[maybe_unused]] CaseContext& tc,                          \
-                             [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) {  \
-                              TC_EXPECT_RET_CODE(call, QLX_DMXINJECT_ERR_INVALID_PARA); \
-                          });                                                           \
+#define INJ_INVALID_CASE(name, level, call)                                            \
+    static uint32_t name(void) {                                                       \
+        return onInjector(__func__, 0, level,                                          \
+                          []([[maybe_unused]] CaseContext& tc,                         \
+                             [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) { \
+                              TC_EXPECT_RET_CODE_TEXT(#call, call,                     \
+                                                      QLX_DMXINJECT_ERR_INVALID_PARA); \
+                          });                                                          \
     }
 
 static uint8_t oneBlock[INJ_BLOCK_SIZE];
@@ -136,9 +137,9 @@ INJ_INVALID_CASE(TC_InjTestOpenOnNullOpenParam, INITIALISED, QLX_DmxInjectOpen(N
 INJ_INVALID_CASE(TC_InjTestOpenWithNullHdl, INITIALISED, QLX_DmxInjectOpen(&stParam, NULL))
 INJ_INVALID_CASE(TC_InjTestCloseOnNullHdl, OPENED, QLX_DmxInjectClose(NULL_HANDLE))
 INJ_INVALID_CASE(TC_InjTestRegisterOnNullHdl, OPENED,
-                 QLX_DmxInjectRegisterCallback(NULL_HANDLE, DmxInject_Callback, &stUserData))
+                 QLX_DmxInjectRegisterCallback(NULL_HANDLE, DmxInject_Callback, &g_stUserData))
 INJ_INVALID_CASE(TC_InjTestRegisterWithNullCb, OPENED,
-                 QLX_DmxInjectRegisterCallback(g_injectHdl, NULL, &stUserData))
+                 QLX_DmxInjectRegisterCallback(g_injectHdl, NULL, &g_stUserData))
 INJ_INVALID_CASE(TC_InjTestUnRegisterOnNullHdl, REGISTERED,
                  QLX_DmxInjectUnRegisterCallback(NULL_HANDLE, DmxInject_Callback))
 INJ_INVALID_CASE(TC_InjTestUnRegisterWithNullCb, REGISTERED,
@@ -169,7 +170,7 @@ INJ_INVALID_CASE(TC_InjTestResumeOnNullHdl, STARTED, QLX_DmxInjectResume(NULL_HA
         return onInjector(__func__, 0, level,                                          \
                           []([[maybe_unused]] CaseContext& tc,                         \
                              [[maybe_unused]] const QLX_DmxInjectOpenParam& stParam) { \
-                              TC_EXPECT_RET_CODE(call, QLX_FAILED);                    \
+                              TC_EXPECT_RET_CODE_TEXT(#call, call, QLX_FAILED);        \
                           });                                                          \
     }
 
@@ -275,7 +276,7 @@ static uint32_t timeConsumeBase(const char* name, uint32_t eDemuxId) {
     INJ_TIMED("init dmxInject", QLX_DmxInjectInit());
     INJ_TIMED("open dmxInject", QLX_DmxInjectOpen(&stParam, &g_injectHdl));
     INJ_TIMED("register dmxInject",
-              QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &stUserData));
+              QLX_DmxInjectRegisterCallback(g_injectHdl, DmxInject_Callback, &g_stUserData));
     INJ_TIMED("start dmxInject", QLX_DmxInjectStart(g_injectHdl));
     INJ_TIMED("stop dmxInject", QLX_DmxInjectStop(g_injectHdl));
     INJ_TIMED("unregister dmxInject",

@@ -206,6 +206,9 @@ TEST_F(EveryCase, TellsARefusedCallInItsOwnWords) {
         {&VOutModulePrimary, std::regex(".*")},
         {&AVCommonModule, std::regex("TC_AV_([^S]|St).*|TC_AV_SwitchSource_1[02]1")},
         {&RecordModule, std::regex("TC_RecTest.*|TC_RecNormalOpen_001")},
+        {&DmxInjectModule, std::regex("TC_InjTest(?!WholeFlow|Pressure|.*TS_FILE|.*_00[2-4]).*|"
+                                      "TC_DmxInject(OpenClose|BeginFinish)_001")},
+        {&DescramblerModule, std::regex(".*(Open|SetPid).*")},
         {&AVCvbsModule, std::regex(".*(_01|_012|_052|_062|Source_001)")},
         {&AVAtvModule, std::regex("TC_AV_Atv(OpenClose_032_01|.*Info_005|SwitchAtv.*_001)")},
         {&AVDtvVideoCcModule, std::regex("TC_AV_VideoCc.*_0[0-2]1")},
