@@ -92,7 +92,7 @@ const std::vector<Scope> all = {
     {"program",
      {"program/*", "testcase/*.cpp"},
      {},
-     {{"unit_tests", false, {"Registry"}}},
+     {{"unit_tests", false, {"Registry", "Startup"}}},
      {"auto_test", "console_test"},
      {"zktest"}},
     {"device-core",
