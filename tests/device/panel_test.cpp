@@ -298,6 +298,24 @@ TEST_F(SimPanel, ASinkPlaysTheSourcesToneAtItsVolume) {
     EXPECT_TRUE(silent(0)) << "a source without sound";
 }
 
+TEST_F(SimPanel, ASoundIsHeardUntilItsVolumeOrMuteIsSet) {
+    playHdmi();
+    const auto loudness = [] {
+        const sim::Sound sound = sim::composeSound(0, 20000);
+        return *std::max_element(sound.samples.begin(), sound.samples.end());
+    };
+    const int16_t full = loudness();
+    EXPECT_EQ(QLX_AudioSetMute(0, QLX_AUDIO_SOURCE_MAIN, QLX_TRUE), 0);
+    // A service that runs is not begun anew.
+    EXPECT_EQ(QLX_AudioInit(), 0);
+    EXPECT_EQ(loudness(), 0);
+    EXPECT_EQ(QLX_AudioDeInit(), 0);
+    const QLX_AudioAttr audio = {QLX_SOURCE_TYPE_HDMI, 0, QLX_INPUT_CLASS_NONE};
+    EXPECT_TRUE(allGood({QLX_AudioInit(), QLX_AudioOpen(0, &audio), QLX_AudioStart(0, 0, 0)}));
+    sim::sleepMs(1000);
+    EXPECT_EQ(loudness(), full);
+}
+
 TEST_F(SimPanel, CapturesAreFilesThatOthersRead) {
     playHdmi();
     std::string base = "/tmp/panel_test_" + std::to_string(getpid());
