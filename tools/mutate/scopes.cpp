@@ -54,7 +54,7 @@ const std::vector<Scope> all = {
     moduleOf(
         "AV-DTV",
         {"testcase/av/av_dtv_control*", "testcase/av/av_dtv_format*", "testcase/av/av_dtv_stream*"},
-        {"AV-DTV"}, {"AvSources"}),
+        {"AV-DTV"}, {"AvSources", "AvDtv*"}),
     {"AV-harness",
      {"testcase/av/av_config*", "testcase/av/av_decoder*", "testcase/av/av_module*",
       "testcase/av/av_play.*", "testcase/av/av_source*", "testcase/extin/*"},
