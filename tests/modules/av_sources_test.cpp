@@ -17,9 +17,6 @@
 
 namespace {
 
-const TcModule* const modules[] = {&AVDtvModule,  &AVAtvModule,  &AVPvrModule,
-                                   &AVCvbsModule, &AVHdmiModule, &AVYpbprModule};
-
 class AvSources : public ModuleBench {
  protected:
     void SetUp() override {

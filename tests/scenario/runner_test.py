@@ -572,6 +572,7 @@ class LongCaseTest(RunnerTest):
 
     def test_a_recording_of_ten_minutes_ends_as_na_and_can_be_played_as_far_as_it_came(self):
         case = "TC_RecWholeFlowLongTime_001"
+        self.folder = self.path("recorded")  # With the streams of the line-up.
         code, out = self.run_bench("--long", "--name", case)
         self.assertEqual(code, 0, out)
         rows = {row[1]: row for row in bench.read_report(self.inside("report.xls"))["Record"]}
