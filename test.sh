@@ -63,7 +63,8 @@ fi
 if [ -n "$mutants" ]; then
     echo "test: a sample of the mutants"
     # Modules join the list when each survivor of theirs is answered.
-    build/debug/mutate --sample 12 --seed 1 --module GPIO --module I2C --module EEPROM
+    build/debug/mutate --sample 12 --seed 1 --module GPIO --module I2C --module EEPROM \
+        --module FLASH --module PM --module Factory --module SYSTEM --module TEEC
 fi
 if [ -n "$arm" ]; then
     tools/arm.sh
