@@ -11,7 +11,7 @@ OUT = os.path.join(bench.BUILD, "torture_sample")
 LISTS = os.path.join(bench.SOURCE, "tests/torture")
 # Each N-th case of a module, and of each line of the limits. The sanitizers take longer, and look at
 # the same code in each case of a family.
-EVERY, EVERY_LIMIT = ("97", "1000") if os.environ.get("ZK_SANITIZE") else ("31", "5")
+EVERY, EVERY_LIMIT = ("97", "1000") if os.environ.get("ZK_SANITIZE") else ("62", "10")
 
 
 class TortureTest(bench.BenchTest):
