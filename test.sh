@@ -47,9 +47,10 @@ build/debug/zkbench --source . --quiet --lay-out build/debug/golden_bench
 if [ -z "$quick" ]; then
     build asan
     echo "test: preset asan, with the fuzz targets for some seconds"
-    # Not the tests that only read the sources, nor the bad cases that are made to crash and hang.
-    ctest --preset asan -j "$jobs" -LE slow \
-        -E '^(unit\.(Tree|ExitCodes|SimDocuments)|torture\.bad_module_test)'
+    # Not the tests that only read the sources, nor what runs each case again for each of its calls
+    # (golden_test runs each case once), nor the bad cases that are made to crash and hang.
+    ctest --preset asan -j "$jobs" -LE slow -E \
+        '^(unit\.(Tree|ExitCodes|SimDocuments)|tree\.format|modules\.(EveryCase|AvOperations)|scenario\.(av_faults|torture)_test|boards\..*|torture\.bad_module_test)'
     build tsan --target race_tests
     echo "test: preset tsan, the simulated device's core and who reads while callbacks write"
     ctest --preset tsan -j "$jobs" -R '^race.(SimCore|Storage|DemuxRace)'
